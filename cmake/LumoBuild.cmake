@@ -1,0 +1,58 @@
+# What every target of the project shares: the language, warnings, sanitizers, hidden
+# visibility, and one folder for the tool and the library beside it.
+include_guard()
+include(GNUInstallDirs)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+  set(CMAKE_BUILD_TYPE Release)
+endif()
+
+# Warnings and sanitizers, linked by every target of ours and by nobody else.
+add_library(lumo_build_flags INTERFACE)
+target_compile_options(lumo_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  -Wnon-virtual-dtor -Woverloaded-virtual $<$<BOOL:${LUMO_WERROR}>:-Werror>)
+if(LUMO_SANITIZE)
+  target_compile_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE}
+    -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+  target_link_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE})
+endif()
+
+# lumo_add_test(NAME SOURCES... [LIBS ...] [LABELS ...]): a GoogleTest program, each of its
+# tests known to CTest under its own name.
+function(lumo_add_test name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBS;LABELS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_test_support GTest::gtest_main
+                                        lumo_build_flags)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS "${arg_LABELS}")
+endfunction()
+
+# lumo_add_fuzzer(NAME SOURCES... [LIBS ...]): a fuzz target. Without LUMO_FUZZ it is linked
+# with a plain main that replays files, so that it compiles in every build and cannot rot.
+function(lumo_add_fuzzer name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_build_flags)
+  if(LUMO_FUZZ)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+  else()
+    target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp)
+  endif()
+endfunction()
+
+# lumo_add_benchmark(NAME SOURCES... [LIBS ...]): a benchmark program that prints ratios
+# against a reference measured beside it.
+function(lumo_add_benchmark name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_build_flags)
+endfunction()

@@ -1,0 +1,1 @@
+#include <lumo/exs.h>

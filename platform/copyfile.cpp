@@ -1,0 +1,1 @@
+#include <copyfile.h>

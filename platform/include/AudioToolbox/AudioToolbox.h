@@ -1,0 +1,83 @@
+// The part of AudioToolbox that hosts AUSampler: components, units, the sampler's properties.
+// Same names, values and layouts as on macOS.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef struct OpaqueAudioComponent* AudioComponent;
+typedef struct OpaqueAudioComponentInstance* AudioComponentInstance;
+typedef AudioComponentInstance AudioUnit;
+typedef UInt32 AudioUnitPropertyID;
+typedef UInt32 AudioUnitScope;
+typedef UInt32 AudioUnitElement;
+
+typedef struct AudioComponentDescription {
+    OSType componentType;
+    OSType componentSubType;
+    OSType componentManufacturer;
+    UInt32 componentFlags;
+    UInt32 componentFlagsMask;
+} AudioComponentDescription;
+
+typedef struct AUSamplerInstrumentData {
+    CFURLRef fileURL;
+    UInt8 instrumentType;
+    UInt8 bankMSB;
+    UInt8 bankLSB;
+    UInt8 presetID;
+} AUSamplerInstrumentData;
+
+enum {
+    kAudioUnitType_MusicDevice = 0x61756D75,  // 'aumu'
+    kAudioUnitSubType_Sampler = 0x73616D70,   // 'samp'
+    kAudioUnitManufacturer_Apple = 0x6170706C // 'appl'
+};
+
+enum { kAudioUnitScope_Global = 0 };
+
+enum { kAudioUnitProperty_ClassInfo = 0, kAUSamplerProperty_LoadInstrument = 4102 };
+
+enum { kInstrumentType_EXS24 = 4 };
+
+enum { kAUSampler_DefaultMelodicBankMSB = 0x79, kAUSampler_DefaultBankLSB = 0x00 };
+
+enum {
+    kAudioUnitErr_InvalidProperty = -10879,
+    kAudioUnitErr_InvalidElement = -10877,
+    kAudioUnitErr_InvalidFile = -10871,
+    kAudioUnitErr_FormatNotSupported = -10868,
+    kAudioUnitErr_InvalidScope = -10866,
+    kAudioUnitErr_PropertyNotWritable = -10865,
+    kAudioUnitErr_InvalidPropertyValue = -10851
+};
+
+/// The next component after `after` (null: the first) that matches the description, in which 0
+/// stands for any type, subtype or manufacturer; null when there is none. Never released.
+AudioComponent AudioComponentFindNext(AudioComponent after, const AudioComponentDescription* match);
+/// Makes an instance; the caller disposes of it. Returns 0 or a status.
+OSStatus AudioComponentInstanceNew(AudioComponent component, AudioComponentInstance* out);
+/// Disposes of an instance. Returns 0 or a status.
+OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance);
+
+/// Makes the unit ready for use. Returns 0 or a status.
+OSStatus AudioUnitInitialize(AudioUnit unit);
+/// Undoes AudioUnitInitialize. Returns 0 or a status.
+OSStatus AudioUnitUninitialize(AudioUnit unit);
+/// The size in bytes of a property's value and whether it can be set. Returns 0 or a status.
+OSStatus AudioUnitGetPropertyInfo(AudioUnit unit, AudioUnitPropertyID property,
+                                  AudioUnitScope scope, AudioUnitElement element, UInt32* out_size,
+                                  Boolean* out_writable);
+/// Reads a property into `data` of `*size` bytes; objects come retained. Returns 0 or a status.
+OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
+                              AudioUnitElement element, void* data, UInt32* size);
+/// Sets a property from `size` bytes at `data`. Returns 0 or a status.
+OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
+                              AudioUnitElement element, const void* data, UInt32 size);
+
+#ifdef __cplusplus
+}
+#endif

@@ -1,0 +1,62 @@
+// liblumo-relink: finds samples that moved. A SampleIndex holds the sample files under a set of
+// root folders; while a relink session is open, the C library's file functions give an indexed
+// file wherever a sample is not at its recorded path, and the session records what they did.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#define LUMO_RELINK_EXPORT __attribute__((visibility("default")))
+
+namespace lumo::exs {
+
+/// The sample files under the root folders. A plain value: its members are visible because the
+/// caller constructs, moves and destroys it, so their layout is part of the library's interface.
+struct SampleIndex {
+    /// One indexed file.
+    struct Entry {
+        std::string path; ///< the file's path, beginning with `root`
+        std::string root; ///< the root folder that it was found under, as given to add_root
+    };
+
+    /// The indexed files under the key of their file name (Unicode NFC, case folded).
+    std::unordered_map<std::string, std::vector<Entry>> files;
+    /// How many entries `files` holds in all.
+    std::uint64_t entries = 0;
+
+    /// Adds the sample files under `root`, which may be empty for the current folder. What cannot
+    /// be read is passed over in silence; only allocation can fail, by exception.
+    LUMO_RELINK_EXPORT void add_root(const std::string& root);
+
+    /// The path of the indexed file to use in place of `recorded`, or nothing when no indexed
+    /// file has its name. Touches no disk; the answer does not depend on the order of the walk.
+    LUMO_RELINK_EXPORT std::optional<std::string> find(std::string_view recorded) const;
+};
+
+namespace relink {
+
+/// What one session found. Each recorded path stands in one list at most and there once, byte
+/// for byte as it was asked for, in the order in which it was first asked for.
+struct Result {
+    /// Samples that were redirected: the recorded path, the indexed file used instead.
+    std::vector<std::pair<std::string, std::string>> relinked;
+    /// Recorded paths of samples that are neither there nor in the index.
+    std::vector<std::string> unresolved;
+    /// Paths of samples that belong to Apple's sound library, whether they exist or not.
+    std::vector<std::string> apple_library;
+};
+
+/// Opens the session of this process against `index`, which must outlive it. Sessions do not
+/// nest; each begin is followed by one end.
+LUMO_RELINK_EXPORT void begin(const SampleIndex& index);
+
+/// Closes the session and hands over what it recorded; the library keeps nothing of it.
+LUMO_RELINK_EXPORT Result end();
+
+} // namespace relink
+} // namespace lumo::exs

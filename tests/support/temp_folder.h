@@ -1,0 +1,30 @@
+// A folder for one test, removed with everything in it when the test ends.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace lumo::test {
+
+class TempFolder {
+public:
+    TempFolder();
+    ~TempFolder();
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+
+    const std::filesystem::path& path() const { return path_; }
+    std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+
+private:
+    std::filesystem::path path_;
+};
+
+/// Writes `bytes` to a new file, its folders made when missing. Fails the test when it cannot.
+void write_file(const std::filesystem::path& path, std::string_view bytes);
+
+/// The bytes of a file; empty when it cannot be read.
+std::string read_file(const std::filesystem::path& path);
+
+} // namespace lumo::test

@@ -37,22 +37,36 @@ function(lumo_add_test name)
 endfunction()
 
 # lumo_add_fuzzer(NAME SOURCES... [LIBS ...]): a fuzz target. Without LUMO_FUZZ it is linked
-# with a plain main that replays files, so that it compiles in every build and cannot rot.
+# with a plain main that replays files, so that it compiles in every build and cannot rot, and its
+# kept inputs in fuzz/corpus/NAME are a test. All of them are in bin/fuzz and the target fuzzers.
+add_custom_target(fuzzers)
 function(lumo_add_fuzzer name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_build_flags)
+  set_target_properties(${name} PROPERTIES
+    RUNTIME_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/fuzz)
+  add_dependencies(fuzzers ${name})
   if(LUMO_FUZZ)
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
-  else()
-    target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp)
+    return()
+  endif()
+  target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp)
+  if(EXISTS ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
+    add_test(NAME ${name}.corpus COMMAND ${name} ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
+    set_tests_properties(${name}.corpus PROPERTIES TIMEOUT 300 LABELS fuzz)
   endif()
 endfunction()
 
 # lumo_add_benchmark(NAME SOURCES... [LIBS ...]): a benchmark program that prints ratios
-# against a reference measured beside it.
+# against a reference measured beside it; bench/run tells how it is called. All of them are in
+# bin/bench and the target benchmarks.
+add_custom_target(benchmarks)
 function(lumo_add_benchmark name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_build_flags)
+  set_target_properties(${name} PROPERTIES
+    RUNTIME_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/bench)
+  add_dependencies(benchmarks ${name})
 endfunction()

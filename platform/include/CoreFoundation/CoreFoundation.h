@@ -146,6 +146,7 @@ typedef CFDictionaryValueCallBacks CFArrayCallBacks;
 extern const CFAllocatorRef kCFAllocatorDefault;
 extern const CFBooleanRef kCFBooleanTrue;
 extern const CFBooleanRef kCFBooleanFalse;
+extern const CFNullRef kCFNull;
 extern const CFArrayCallBacks kCFTypeArrayCallBacks;
 extern const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
@@ -163,7 +164,10 @@ CFTypeID CFArrayGetTypeID(void);
 CFTypeID CFDictionaryGetTypeID(void);
 CFTypeID CFNumberGetTypeID(void);
 CFTypeID CFBooleanGetTypeID(void);
+CFTypeID CFNullGetTypeID(void);
+CFTypeID CFSetGetTypeID(void);
 CFTypeID CFURLGetTypeID(void);
+CFTypeID CFErrorGetTypeID(void);
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
                                       CFStringEncoding encoding);
@@ -177,6 +181,9 @@ CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encod
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
 const UInt8* CFDataGetBytePtr(CFDataRef data);
 CFIndex CFDataGetLength(CFDataRef data);
+
+CFDateRef CFDateCreate(CFAllocatorRef allocator, CFAbsoluteTime time);
+CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date);
 
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
@@ -201,11 +208,21 @@ CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, C
                                                      CFDictionaryRef dictionary);
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
+Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
+Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
+                                      const void** value);
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
                                   const void** values);
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
 void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
+
+CFIndex CFSetGetCount(CFSetRef set);
+void CFSetGetValues(CFSetRef set, const void** values);
+
+CFErrorDomain CFErrorGetDomain(CFErrorRef error);
+CFIndex CFErrorGetCode(CFErrorRef error);
+CFStringRef CFErrorCopyDescription(CFErrorRef error);
 
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
                                                  CFIndex length, Boolean is_directory);

@@ -1,0 +1,32 @@
+// What arrays, dictionaries and sets have in common.
+#pragma once
+
+#include "core_foundation/object.h"
+
+namespace lumo::platform {
+
+struct Container : Object {
+    /// Bits of `detail`. A container made with null callbacks holds pointers that it does not own
+    /// and that need not be objects.
+    enum Flags : std::uint8_t { owns_keys = 1, owns_values = 2, is_mutable = 4 };
+
+    Container(Kind container_kind, std::uint8_t flags, std::size_t room)
+        : Object{container_kind, flags}, count{0}, capacity{room} {}
+
+    bool has(Flags flag) const noexcept { return (detail & flag) != 0; }
+
+    std::size_t count;
+    union {
+        std::size_t capacity;
+        Container* next_dead; ///< Links containers that wait to be destroyed.
+    };
+};
+
+/// Stops the process unless the container may be changed, as on a Mac.
+inline void require_mutable(const Container& container) noexcept {
+    if (!container.has(Container::is_mutable)) {
+        __builtin_trap();
+    }
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,193 @@
+// Dictionaries and sets as objects. Entries stand in one row in the order of insertion; from
+// `indexed_from` entries of room on, a table of slots behind them finds a key by its hash. A slot
+// holds one more than the number of an entry, 0 when it is free; entries are only ever removed by
+// building the table anew, so a search ends at the first free slot.
+#include "core_foundation/dictionary.h"
+
+#include "core_foundation/hashing.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+namespace lumo::platform {
+namespace {
+
+constexpr std::size_t indexed_from = 9;
+
+/// The number of slots for so many entries: a power of two that stays at most three quarters full.
+std::size_t slots_for(std::size_t room) noexcept {
+    return room < indexed_from ? 0 : std::bit_ceil(room + room / 3 + 1);
+}
+
+std::size_t storage_size(std::size_t room) {
+    if (room > std::numeric_limits<std::uint32_t>::max() / 2) {
+        throw std::length_error{"dictionary too large"};
+    }
+    return room * sizeof(Entry) + slots_for(room) * sizeof(std::uint32_t);
+}
+
+/// Gives the dictionary the storage at `memory`; the index is still empty.
+void use_storage(Dictionary& dictionary, void* memory, std::size_t room) noexcept {
+    const std::size_t slots = slots_for(room);
+    dictionary.entries = static_cast<Entry*>(memory);
+    dictionary.capacity = room;
+    dictionary.index = nullptr;
+    if (slots != 0) {
+        dictionary.index = reinterpret_cast<std::uint32_t*>(dictionary.entries + room);
+        dictionary.index_mask = static_cast<std::uint32_t>(slots - 1);
+        std::memset(dictionary.index, 0, slots * sizeof(std::uint32_t));
+    }
+}
+
+std::uint32_t hash_key(const Dictionary& dictionary, const void* key) noexcept {
+    return dictionary.has(Container::owns_keys) ? hash(static_cast<const Object*>(key))
+                                                : hash_word(reinterpret_cast<std::uintptr_t>(key));
+}
+
+bool same_key(const Dictionary& dictionary, const Object* held, const Object* key) {
+    return held == key ||
+           (dictionary.has(Container::owns_keys) && held->kind == key->kind && equal(held, key));
+}
+
+Entry* find_in_row(const Dictionary& dictionary, const Object* key) {
+    for (std::size_t i = 0; i < dictionary.count; ++i) {
+        if (same_key(dictionary, dictionary.entries[i].key, key)) {
+            return dictionary.entries + i;
+        }
+    }
+    return nullptr;
+}
+
+/// Where the key's entry is, or null and the free slot in which its number belongs.
+struct Place {
+    Entry* entry;
+    std::uint32_t* slot;
+};
+
+Place place_of(const Dictionary& dictionary, const Object* key) {
+    if (dictionary.index == nullptr) {
+        return {find_in_row(dictionary, key), nullptr};
+    }
+    for (std::uint32_t at = hash_key(dictionary, key);; ++at) {
+        std::uint32_t* slot = dictionary.index + (at & dictionary.index_mask);
+        if (*slot == 0) {
+            return {nullptr, slot};
+        }
+        Entry* entry = dictionary.entries + (*slot - 1);
+        if (same_key(dictionary, entry->key, key)) {
+            return {entry, slot};
+        }
+    }
+}
+
+void rebuild_index(Dictionary& dictionary) noexcept {
+    if (dictionary.index == nullptr) {
+        return;
+    }
+    std::memset(dictionary.index, 0,
+                (std::size_t{dictionary.index_mask} + 1) * sizeof(std::uint32_t));
+    for (std::size_t i = 0; i < dictionary.count; ++i) {
+        std::uint32_t at = hash_key(dictionary, dictionary.entries[i].key);
+        while (dictionary.index[at & dictionary.index_mask] != 0) {
+            ++at;
+        }
+        dictionary.index[at & dictionary.index_mask] = static_cast<std::uint32_t>(i + 1);
+    }
+}
+
+void grow(Dictionary& dictionary) {
+    const std::size_t room = std::max<std::size_t>(4, dictionary.capacity * 2);
+    void* memory = ::operator new(storage_size(room));
+    Entry* old = dictionary.entries;
+    const bool was_inline = dictionary.is_inline();
+    std::copy_n(old, dictionary.count, static_cast<Entry*>(memory));
+    use_storage(dictionary, memory, room);
+    rebuild_index(dictionary);
+    if (!was_inline) {
+        ::operator delete(old);
+    }
+}
+
+} // namespace
+
+Dictionary* allocate_dictionary(Kind kind, std::uint8_t flags, std::size_t room) {
+    void* memory = ::operator new(sizeof(Dictionary) + storage_size(room));
+    auto* dictionary = new (memory) Dictionary{kind, flags, room};
+    use_storage(*dictionary, dictionary + 1, room);
+    return dictionary;
+}
+
+Entry* insert(Dictionary& dictionary, Entry entry) {
+    Place place = place_of(dictionary, entry.key);
+    if (place.entry != nullptr) {
+        return place.entry;
+    }
+    if (dictionary.count == dictionary.capacity) {
+        grow(dictionary);
+        place = place_of(dictionary, entry.key);
+    }
+    dictionary.entries[dictionary.count++] = entry;
+    if (place.slot != nullptr) {
+        *place.slot = static_cast<std::uint32_t>(dictionary.count);
+    }
+    return nullptr;
+}
+
+std::optional<Entry> remove(Dictionary& dictionary, const void* key) {
+    Entry* entry = place_of(dictionary, static_cast<const Object*>(key)).entry;
+    if (entry == nullptr) {
+        return std::nullopt;
+    }
+    const Entry removed = *entry;
+    std::copy(entry + 1, dictionary.entries + dictionary.count, entry);
+    --dictionary.count;
+    rebuild_index(dictionary);
+    return removed;
+}
+
+const Entry* find(const Dictionary& dictionary, const void* key) {
+    return place_of(dictionary, static_cast<const Object*>(key)).entry;
+}
+
+Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates) {
+    Dictionary* dictionary =
+        allocate_dictionary(Kind::dictionary, Container::owns_keys | Container::owns_values,
+                            keys_and_values.size() / 2);
+    Owned result{dictionary};
+    for (std::size_t i = 0; i + 1 < keys_and_values.size(); i += 2) {
+        Owned& key = keys_and_values[i];
+        Owned& value = keys_and_values[i + 1];
+        Entry* present = insert(*dictionary, {key.get(), value.get()});
+        if (present == nullptr) {
+            static_cast<void>(key.release());
+            static_cast<void>(value.release());
+            continue;
+        }
+        if (duplicates == Duplicates::last_wins) {
+            const Object* replaced = std::exchange(present->value, value.release());
+            value.reset(replaced);
+        }
+        key.reset();
+        value.reset();
+    }
+    return result;
+}
+
+Owned make_set(std::span<Owned> items) {
+    Dictionary* set = allocate_dictionary(Kind::set, Container::owns_keys, items.size());
+    Owned result{set};
+    for (Owned& item : items) {
+        if (insert(*set, {item.get(), nullptr}) == nullptr) {
+            static_cast<void>(item.release());
+        }
+        item.reset();
+    }
+    return result;
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,23 @@
+// Errors: where and how an operation failed.
+#pragma once
+
+#include "core_foundation/object.h"
+
+#include <string_view>
+
+namespace lumo::platform {
+
+struct Error : Object {
+    Error(CFIndex error_code, Owned error_domain, Owned error_description)
+        : Object{Kind::error}, code{error_code}, domain{std::move(error_domain)},
+          description{std::move(error_description)} {}
+
+    CFIndex code;
+    Owned domain;
+    Owned description;
+};
+
+/// An error of kCFErrorDomainCocoa; `description` is ASCII text.
+Owned make_cocoa_error(CFIndex code, std::string_view description);
+
+} // namespace lumo::platform

@@ -1,0 +1,49 @@
+// Numbers: whole numbers of 64 bits, wide ones of 128 bits, reals of double and single precision.
+#pragma once
+
+#include "core_foundation/object.h"
+
+namespace lumo::platform {
+
+enum class NumberKind : std::uint8_t { integer, wide_integer, real, real32 };
+
+struct Number : Object {
+    constexpr explicit Number(std::int64_t value, std::uint32_t count = 1)
+        : Object{Kind::number, static_cast<std::uint8_t>(NumberKind::integer), count}, integer{
+                                                                                           value} {}
+    constexpr Number(NumberKind number_kind, double value)
+        : Object{Kind::number, static_cast<std::uint8_t>(number_kind)}, real{value} {}
+
+    NumberKind number_kind() const noexcept { return static_cast<NumberKind>(detail); }
+    bool is_real() const noexcept { return number_kind() >= NumberKind::real; }
+
+    union {
+        std::int64_t integer; ///< Of a wide number: the low 64 bits.
+        double real;          ///< Of a single-precision number too.
+    };
+};
+
+/// A whole number of 128 bits, two's complement.
+struct WideNumber : Number {
+    WideNumber(std::int64_t high_bits, std::uint64_t low_bits)
+        : Number{static_cast<std::int64_t>(low_bits)}, high{high_bits} {
+        detail = static_cast<std::uint8_t>(NumberKind::wide_integer);
+    }
+
+    std::uint64_t low() const noexcept { return static_cast<std::uint64_t>(integer); }
+
+    std::int64_t high;
+};
+
+/// Small whole numbers are shared.
+Owned make_integer(std::int64_t value);
+/// A 128-bit number, also when the value would fit 64 bits.
+Owned make_integer_128(std::int64_t high, std::uint64_t low);
+Owned make_real(double value);
+/// A number that remembers being of single precision.
+Owned make_real32(float value);
+
+bool equal_numbers(const Number& a, const Number& b) noexcept;
+std::uint32_t hash_number(const Number& number) noexcept;
+
+} // namespace lumo::platform

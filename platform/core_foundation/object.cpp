@@ -1,0 +1,202 @@
+// Life and death of objects, and the operations that every kind has: type, equality, hash.
+#include "core_foundation/object.h"
+
+#include "core_foundation/hashing.h"
+#include "core_foundation/objects.h"
+
+#include <cstring>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+namespace lumo::platform {
+namespace {
+
+using Pair = std::pair<const Object*, const Object*>;
+
+bool is_container(Kind kind) noexcept {
+    return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
+}
+
+/// Frees a dead object at once, or, when it has children, puts it on the list of those to be
+/// emptied.
+void bury(const Object* dead, Container*& pending) noexcept {
+    auto* object = const_cast<Object*>(dead);
+    if (is_container(object->kind)) {
+        auto* container = static_cast<Container*>(object);
+        container->next_dead = std::exchange(pending, container);
+    } else if (object->kind == Kind::error) {
+        delete static_cast<Error*>(object);
+    } else {
+        ::operator delete(object);
+    }
+}
+
+void empty(Container& container, Container*& pending) noexcept {
+    const auto drop_child = [&pending](const Object* child) {
+        if (drop(child)) {
+            bury(child, pending);
+        }
+    };
+    if (container.kind == Kind::array) {
+        empty_array(static_cast<Array&>(container), drop_child);
+    } else {
+        empty_dictionary(static_cast<Dictionary&>(container), drop_child);
+    }
+}
+
+bool equal_data(const Data& a, const Data& b) noexcept {
+    return a.length == b.length &&
+           (a.length == 0 || std::memcmp(a.bytes().data(), b.bytes().data(), a.length) == 0);
+}
+
+bool equal_leaves(const Object& a, const Object& b) noexcept {
+    switch (a.kind) {
+    case Kind::number:
+        return equal_numbers(static_cast<const Number&>(a), static_cast<const Number&>(b));
+    case Kind::string:
+        return equal_strings(static_cast<const String&>(a), static_cast<const String&>(b));
+    case Kind::data:
+        return equal_data(static_cast<const Data&>(a), static_cast<const Data&>(b));
+    case Kind::date:
+        return static_cast<const Date&>(a).time == static_cast<const Date&>(b).time;
+    case Kind::uid:
+        return static_cast<const Uid&>(a).value == static_cast<const Uid&>(b).value;
+    default:
+        return false;
+    }
+}
+
+bool same_flags(const Container& a, const Container& b) noexcept {
+    return (a.detail | Container::is_mutable) == (b.detail | Container::is_mutable);
+}
+
+/// Compares two containers as far as their own shape goes and leaves the pairs of children that
+/// still have to be equal on `open`.
+bool equal_shapes(const Container& a, const Container& b, std::vector<Pair>& open) {
+    if (a.count != b.count || !same_flags(a, b)) {
+        return false;
+    }
+    if (a.kind == Kind::array) {
+        const auto& left = static_cast<const Array&>(a);
+        const auto& right = static_cast<const Array&>(b);
+        for (std::size_t i = 0; i < left.count; ++i) {
+            if (!left.has(Container::owns_values) && left.values[i] != right.values[i]) {
+                return false;
+            }
+            open.emplace_back(left.values[i], right.values[i]);
+        }
+        return true;
+    }
+    const auto& left = static_cast<const Dictionary&>(a);
+    for (const Entry& entry : left.items()) {
+        const Entry* other = find(static_cast<const Dictionary&>(b), entry.key);
+        if (other == nullptr ||
+            (!left.has(Container::owns_values) && entry.value != other->value)) {
+            return false;
+        }
+        open.emplace_back(entry.value, other->value);
+    }
+    return true;
+}
+
+} // namespace
+
+void destroy(const Object* object) noexcept {
+    Container* pending = nullptr;
+    bury(object, pending);
+    while (pending != nullptr) {
+        Container* container = std::exchange(pending, pending->next_dead);
+        empty(*container, pending);
+        ::operator delete(container);
+    }
+}
+
+// Containers are compared with a stack of our own, since they may be nested deeper than the
+// process's stack allows; only a dictionary used as a key is compared within the search for it.
+bool equal(const Object* a, const Object* b) {
+    std::vector<Pair> open;
+    for (;;) {
+        if (a != b) {
+            if (a->kind != b->kind) {
+                return false;
+            }
+            const bool same = is_container(a->kind)
+                                  ? equal_shapes(static_cast<const Container&>(*a),
+                                                 static_cast<const Container&>(*b), open)
+                                  : equal_leaves(*a, *b);
+            if (!same) {
+                return false;
+            }
+        }
+        if (open.empty()) {
+            return true;
+        }
+        std::tie(a, b) = open.back();
+        open.pop_back();
+    }
+}
+
+std::uint32_t hash(const Object* object) noexcept {
+    switch (object->kind) {
+    case Kind::string:
+        return hash_string(static_cast<const String&>(*object));
+    case Kind::number:
+        return hash_number(static_cast<const Number&>(*object));
+    case Kind::data: {
+        const auto bytes = static_cast<const Data&>(*object).bytes();
+        return hash_bytes(bytes.data(), bytes.size());
+    }
+    case Kind::date: {
+        const double time = static_cast<const Date&>(*object).time + 0.0; // -0.0 becomes 0.0
+        return hash_bytes(&time, sizeof time);
+    }
+    case Kind::uid:
+        return hash_word(static_cast<const Uid&>(*object).value);
+    case Kind::array:
+    case Kind::dictionary:
+    case Kind::set:
+        return hash_word(static_cast<const Container&>(*object).count);
+    default:
+        return hash_word(reinterpret_cast<std::uintptr_t>(object));
+    }
+}
+
+} // namespace lumo::platform
+
+using namespace lumo::platform;
+
+namespace {
+
+/// A null reference stops the process here, as it does on a Mac.
+const Object* checked(CFTypeRef reference) noexcept {
+    if (reference == nullptr) {
+        __builtin_trap();
+    }
+    return object_of(reference);
+}
+
+} // namespace
+
+const CFAllocatorRef kCFAllocatorDefault = nullptr;
+
+CFTypeRef CFRetain(CFTypeRef object) {
+    retain(checked(object));
+    return object;
+}
+
+void CFRelease(CFTypeRef object) {
+    release(checked(object));
+}
+
+CFTypeID CFGetTypeID(CFTypeRef object) {
+    return static_cast<CFTypeID>(checked(object)->kind);
+}
+
+Boolean CFEqual(CFTypeRef a, CFTypeRef b) {
+    return equal(checked(a), checked(b));
+}
+
+CFHashCode CFHash(CFTypeRef object) {
+    return hash(checked(object));
+}

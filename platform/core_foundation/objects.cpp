@@ -1,1 +1,0 @@
-#include <CoreFoundation/CoreFoundation.h>

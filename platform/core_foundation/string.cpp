@@ -1,0 +1,101 @@
+// Strings as objects: how they are made from text in the encodings that property lists use.
+#include "core_foundation/string.h"
+
+#include "core_foundation/hashing.h"
+#include "core_foundation/unicode.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <stdexcept>
+
+namespace lumo::platform {
+namespace {
+
+String* allocate(String::Storage storage, std::size_t units) {
+    if (units > std::numeric_limits<std::uint32_t>::max()) {
+        throw std::length_error{"string too long"};
+    }
+    const std::size_t width = storage == String::ascii_storage ? 1 : 2;
+    return new (::operator new(sizeof(String) + units * width))
+        String{storage, static_cast<std::uint32_t>(units)};
+}
+
+char* bytes_of(String* string) noexcept {
+    return reinterpret_cast<char*>(string + 1);
+}
+char16_t* units_of(String* string) noexcept {
+    return reinterpret_cast<char16_t*>(string + 1);
+}
+
+} // namespace
+
+Owned make_string_ascii(std::string_view ascii) {
+    String* string = allocate(String::ascii_storage, ascii.size());
+    std::copy(ascii.begin(), ascii.end(), bytes_of(string));
+    return Owned{string};
+}
+
+Owned make_string(std::string_view utf8) {
+    if (is_ascii(utf8)) {
+        return make_string_ascii(utf8);
+    }
+    const auto units = utf16_length(utf8);
+    if (!units) {
+        return nullptr;
+    }
+    String* string = allocate(String::utf16_storage, *units);
+    write_utf16(utf8, units_of(string));
+    return Owned{string};
+}
+
+Owned make_string_latin1(std::string_view latin1) {
+    if (is_ascii(latin1)) {
+        return make_string_ascii(latin1);
+    }
+    String* string = allocate(String::utf16_storage, latin1.size());
+    std::transform(latin1.begin(), latin1.end(), units_of(string),
+                   [](char c) { return static_cast<char16_t>(static_cast<unsigned char>(c)); });
+    return Owned{string};
+}
+
+Owned make_string_utf16(std::u16string_view units) {
+    if (std::all_of(units.begin(), units.end(), [](char16_t unit) { return unit < 0x80; })) {
+        String* string = allocate(String::ascii_storage, units.size());
+        std::transform(units.begin(), units.end(), bytes_of(string),
+                       [](char16_t unit) { return static_cast<char>(unit); });
+        return Owned{string};
+    }
+    String* string = allocate(String::utf16_storage, units.size());
+    std::copy(units.begin(), units.end(), units_of(string));
+    return Owned{string};
+}
+
+Owned make_string_utf16be(const std::uint8_t* bytes, std::size_t units) {
+    std::u16string swapped(units, u'\0');
+    for (std::size_t i = 0; i < units; ++i) {
+        swapped[i] = static_cast<char16_t>(bytes[2 * i] << 8 | bytes[2 * i + 1]);
+    }
+    return make_string_utf16(swapped);
+}
+
+bool equal_strings(const String& a, const String& b) noexcept {
+    if (a.length != b.length || a.detail != b.detail) {
+        return false;
+    }
+    const std::size_t size = a.is_ascii() ? a.length : std::size_t{a.length} * 2;
+    return std::memcmp(&a + 1, &b + 1, size) == 0;
+}
+
+std::uint32_t hash_string(const String& string) noexcept {
+    std::uint32_t value = string.hash_cache.load(std::memory_order_relaxed);
+    if (value == 0) {
+        const std::size_t width = string.is_ascii() ? 1 : 2;
+        value = std::max(hash_bytes(&string + 1, string.length * width), std::uint32_t{1});
+        string.hash_cache.store(value, std::memory_order_relaxed);
+    }
+    return value;
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,47 @@
+// Strings: the characters follow the header in the same allocation, as ASCII bytes or UTF-16 units.
+#pragma once
+
+#include "core_foundation/object.h"
+
+#include <string_view>
+
+namespace lumo::platform {
+
+/// An immutable string. Stored as ASCII whenever every character is below 0x80, otherwise as UTF-16
+/// (lone surrogates are kept), so equal strings have equal storage.
+struct String : Object {
+    enum Storage : std::uint8_t { ascii_storage, utf16_storage };
+
+    String(Storage storage, std::uint32_t units)
+        : Object{Kind::string, storage}, hash_cache{0}, length{units} {}
+
+    bool is_ascii() const noexcept { return detail == ascii_storage; }
+    /// The characters of an ASCII string.
+    std::string_view ascii() const noexcept {
+        return {reinterpret_cast<const char*>(this + 1), length};
+    }
+    /// The units of a UTF-16 string.
+    std::u16string_view utf16() const noexcept {
+        return {reinterpret_cast<const char16_t*>(this + 1), length};
+    }
+
+    mutable std::atomic<std::uint32_t> hash_cache; ///< 0 until the hash is first asked for.
+    std::uint32_t length;                          ///< In UTF-16 units.
+};
+
+/// A string of UTF-8 text; null when the text is not valid UTF-8. A leading U+FEFF is kept.
+/// Throws std::length_error beyond 2^32 - 1 bytes, like the other factories of strings.
+Owned make_string(std::string_view utf8);
+/// A string of text known to be ASCII.
+Owned make_string_ascii(std::string_view ascii);
+/// A string of ISO 8859-1 text.
+Owned make_string_latin1(std::string_view latin1);
+/// A string of UTF-16 units in the machine's order.
+Owned make_string_utf16(std::u16string_view units);
+/// A string of `units` UTF-16 units in big-endian bytes.
+Owned make_string_utf16be(const std::uint8_t* bytes, std::size_t units);
+
+bool equal_strings(const String& a, const String& b) noexcept;
+std::uint32_t hash_string(const String& string) noexcept;
+
+} // namespace lumo::platform

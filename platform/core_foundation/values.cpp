@@ -1,0 +1,95 @@
+// Null, booleans, data, dates and UIDs.
+#include "core_foundation/values.h"
+
+#include <cstring>
+#include <new>
+
+namespace lumo::platform {
+namespace {
+
+constinit const Object the_null{Kind::null, 0, immortal};
+constinit const Object the_false{Kind::boolean, 0, immortal};
+constinit const Object the_true{Kind::boolean, 1, immortal};
+
+} // namespace
+
+Owned make_null() noexcept {
+    return Owned{&the_null};
+}
+
+Owned make_boolean(bool value) noexcept {
+    return Owned{value ? &the_true : &the_false};
+}
+
+bool boolean_value(const Object& boolean) noexcept {
+    return boolean.detail != 0;
+}
+
+Owned make_data(std::size_t size, std::uint8_t** bytes) {
+    auto* data = new (::operator new(sizeof(Data) + size)) Data{size};
+    *bytes = reinterpret_cast<std::uint8_t*>(data + 1);
+    return Owned{data};
+}
+
+Owned make_data(std::span<const std::uint8_t> bytes) {
+    std::uint8_t* copy = nullptr;
+    Owned data = make_data(bytes.size(), &copy);
+    if (!bytes.empty()) {
+        std::memcpy(copy, bytes.data(), bytes.size());
+    }
+    return data;
+}
+
+Owned make_date(double seconds) {
+    return Owned{new Date{seconds}};
+}
+
+Owned make_uid(std::uint32_t value) {
+    return Owned{new Uid{value}};
+}
+
+} // namespace lumo::platform
+
+using namespace lumo::platform;
+
+const CFBooleanRef kCFBooleanFalse = reinterpret_cast<CFBooleanRef>(&the_false);
+const CFBooleanRef kCFBooleanTrue = reinterpret_cast<CFBooleanRef>(&the_true);
+const CFNullRef kCFNull = reinterpret_cast<CFNullRef>(&the_null);
+
+CFTypeID CFBooleanGetTypeID() {
+    return static_cast<CFTypeID>(Kind::boolean);
+}
+CFTypeID CFDataGetTypeID() {
+    return static_cast<CFTypeID>(Kind::data);
+}
+CFTypeID CFDateGetTypeID() {
+    return static_cast<CFTypeID>(Kind::date);
+}
+CFTypeID CFNullGetTypeID() {
+    return static_cast<CFTypeID>(Kind::null);
+}
+
+Boolean CFBooleanGetValue(CFBooleanRef boolean) {
+    return boolean_value(as<Object>(boolean));
+}
+
+CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
+    return reinterpret_cast<CFDataRef>(
+        make_data({bytes, static_cast<std::size_t>(length)}).release());
+}
+
+const UInt8* CFDataGetBytePtr(CFDataRef data) {
+    return as<Data>(data).bytes().data();
+}
+
+CFIndex CFDataGetLength(CFDataRef data) {
+    return static_cast<CFIndex>(as<Data>(data).length);
+}
+
+CFDateRef CFDateCreate(CFAllocatorRef, CFAbsoluteTime time) {
+    return reinterpret_cast<CFDateRef>(make_date(time).release());
+}
+
+CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date) {
+    return as<Date>(date).time;
+}

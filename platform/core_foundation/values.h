@@ -1,0 +1,46 @@
+// The small kinds: null, booleans, data, dates and the UIDs of keyed archives.
+#pragma once
+
+#include "core_foundation/object.h"
+
+#include <span>
+
+namespace lumo::platform {
+
+/// Bytes; they follow the header in the same allocation.
+struct Data : Object {
+    explicit Data(std::size_t size) : Object{Kind::data}, length{size} {}
+
+    std::span<const std::uint8_t> bytes() const noexcept {
+        return {reinterpret_cast<const std::uint8_t*>(this + 1), length};
+    }
+
+    std::size_t length;
+};
+
+/// Seconds since 2001-01-01 00:00:00 UTC.
+struct Date : Object {
+    explicit Date(double seconds) : Object{Kind::date}, time{seconds} {}
+
+    double time;
+};
+
+struct Uid : Object {
+    explicit Uid(std::uint32_t uid_value) : Object{Kind::uid}, value{uid_value} {}
+
+    std::uint32_t value;
+};
+
+/// The one null and the two booleans, which live for ever.
+Owned make_null() noexcept;
+Owned make_boolean(bool value) noexcept;
+/// The value of an object of Kind::boolean.
+bool boolean_value(const Object& boolean) noexcept;
+
+Owned make_data(std::span<const std::uint8_t> bytes);
+/// Data of `size` bytes that the caller fills in through `*bytes` before anybody else sees it.
+Owned make_data(std::size_t size, std::uint8_t** bytes);
+Owned make_date(double seconds);
+Owned make_uid(std::uint32_t value);
+
+} // namespace lumo::platform

@@ -1,0 +1,153 @@
+// The objects behind CoreFoundation's types, as readers of property lists make them.
+#include "core_foundation/objects.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace lumo::platform {
+namespace {
+
+std::vector<Owned> keys_and_values(std::initializer_list<std::pair<const char*, int>> entries) {
+    std::vector<Owned> row;
+    for (const auto& [key, value] : entries) {
+        row.push_back(make_string(key));
+        row.push_back(make_integer(value));
+    }
+    return row;
+}
+
+const Dictionary& dictionary(const Owned& object) {
+    return as<Dictionary>(object.get());
+}
+
+std::int64_t value_of(const Owned& object, const char* key) {
+    const Entry* entry = find(dictionary(object), make_string(key).get());
+    return entry == nullptr ? -1000 : as<Number>(entry->value).integer;
+}
+
+Owned many_entries(int count) {
+    std::vector<Owned> row;
+    for (int i = 0; i < count; ++i) {
+        row.push_back(make_string("key " + std::to_string(i)));
+        row.push_back(make_integer(i));
+    }
+    return make_dictionary(row, Duplicates::first_wins);
+}
+
+TEST(Strings, OfPlainTextAreStoredAsBytes) {
+    const Owned string = make_string("Grand Piano");
+    EXPECT_TRUE(as<String>(string.get()).is_ascii());
+    EXPECT_EQ(as<String>(string.get()).ascii(), "Grand Piano");
+}
+
+TEST(Strings, WithOtherCharactersAreStoredAsUtf16) {
+    const Owned string = make_string("\xC3\xA9\xF0\x9F\x98\x80");
+    EXPECT_FALSE(as<String>(string.get()).is_ascii());
+    EXPECT_EQ(as<String>(string.get()).utf16(), u"\u00E9\U0001F600");
+}
+
+TEST(Strings, AreEqualHoweverTheyWereMade) {
+    const Owned plain = make_string("abc");
+    EXPECT_TRUE(equal(plain.get(), make_string_utf16(u"abc").get()));
+    EXPECT_TRUE(equal(plain.get(), make_string_latin1("abc").get()));
+    const std::uint8_t big_endian[] = {0, 'a', 0, 'b', 0, 'c'};
+    EXPECT_TRUE(equal(plain.get(), make_string_utf16be(big_endian, 3).get()));
+    EXPECT_EQ(hash(plain.get()), hash(make_string_utf16(u"abc").get()));
+}
+
+TEST(Strings, OfInvalidUtf8AreNotMade) {
+    for (const char* text : {"\x80", "\xC0\x80", "\xC3", "\xE0\x9F\xBF", "\xED\xA0\x80",
+                             "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "a\xFF"}) {
+        EXPECT_EQ(make_string(text), nullptr) << testing::PrintToString(text);
+    }
+}
+
+TEST(Dictionaries, KeepTheOrderOfInsertion) {
+    for (const int count : {3, 8, 9, 1000}) {
+        const Owned object = many_entries(count);
+        ASSERT_EQ(dictionary(object).count, static_cast<std::size_t>(count));
+        int expected = 0;
+        for (const Entry& entry : dictionary(object).items()) {
+            EXPECT_EQ(as<Number>(entry.value).integer, expected++);
+        }
+    }
+}
+
+TEST(Dictionaries, FindEveryKeyWhateverTheirNumber) {
+    for (const int count : {1, 8, 9, 1000}) {
+        const Owned object = many_entries(count);
+        for (int i = 0; i < count; ++i) {
+            EXPECT_EQ(value_of(object, ("key " + std::to_string(i)).c_str()), i);
+        }
+        EXPECT_EQ(value_of(object, "absent"), -1000);
+    }
+}
+
+TEST(Dictionaries, LetTheFirstOrTheLastOfEqualKeysWin) {
+    auto first = keys_and_values({{"a", 1}, {"b", 2}, {"a", 3}});
+    const Owned first_wins = make_dictionary(first, Duplicates::first_wins);
+    EXPECT_EQ(dictionary(first_wins).count, 2U);
+    EXPECT_EQ(value_of(first_wins, "a"), 1);
+    auto last = keys_and_values({{"a", 1}, {"b", 2}, {"a", 3}});
+    const Owned last_wins = make_dictionary(last, Duplicates::last_wins);
+    EXPECT_EQ(dictionary(last_wins).count, 2U);
+    EXPECT_EQ(value_of(last_wins, "a"), 3);
+}
+
+TEST(Dictionaries, AreEqualInAnyOrder) {
+    auto one = keys_and_values({{"a", 1}, {"b", 2}});
+    auto two = keys_and_values({{"b", 2}, {"a", 1}});
+    auto other = keys_and_values({{"b", 2}, {"a", 2}});
+    const Owned first = make_dictionary(one, Duplicates::first_wins);
+    EXPECT_TRUE(equal(first.get(), make_dictionary(two, Duplicates::first_wins).get()));
+    EXPECT_FALSE(equal(first.get(), make_dictionary(other, Duplicates::first_wins).get()));
+}
+
+TEST(Sets, HoldEqualValuesOnce) {
+    std::vector<Owned> items;
+    items.push_back(make_integer(5));
+    items.push_back(make_real(5.0));
+    items.push_back(make_string("5"));
+    const Owned set = make_set(items);
+    EXPECT_EQ(dictionary(set).count, 2U);
+}
+
+TEST(References, HandedToAContainerAreItsOwn) {
+    Owned child = make_string("shared");
+    const Owned second = share(child.get());
+    std::vector<Owned> items;
+    items.push_back(std::move(child));
+    {
+        const Owned array = make_array(items);
+        EXPECT_EQ(items[0], nullptr);
+        EXPECT_EQ(second->references.load(), 2U);
+    }
+    EXPECT_EQ(second->references.load(), 1U);
+}
+
+Owned nested_arrays(int depth) {
+    Owned object = make_integer(1 << 20);
+    for (int i = 0; i < depth; ++i) {
+        std::vector<Owned> items;
+        items.push_back(std::move(object));
+        object = make_array(items);
+    }
+    return object;
+}
+
+TEST(References, OfDeepStructuresAreGivenUpWithoutRecursion) {
+    Owned object = nested_arrays(1000000);
+    object.reset();
+    EXPECT_EQ(object, nullptr);
+}
+
+TEST(Equality, OfDeepStructuresNeedsNoRecursion) {
+    const Owned a = nested_arrays(300000);
+    EXPECT_TRUE(equal(a.get(), nested_arrays(300000).get()));
+    EXPECT_FALSE(equal(a.get(), nested_arrays(299999).get()));
+}
+
+} // namespace
+} // namespace lumo::platform

@@ -22,7 +22,7 @@ target_compile_options(lumo_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wsha
   -Wnon-virtual-dtor -Woverloaded-virtual $<$<BOOL:${LUMO_WERROR}>:-Werror>)
 if(LUMO_SANITIZE)
   target_compile_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE}
-    -fno-sanitize-recover=all -fno-omit-frame-pointer -g)
+    -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)
   target_link_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE})
 endif()
 

@@ -1,0 +1,35 @@
+// <CoreFoundation/CoreFoundation.h> of the cross build: the system's own basic types, so that the
+// project's may not contradict them, then the project's declarations (one source of truth), then
+// what only the code for a Mac calls.
+#pragma once
+
+#include <CoreFoundation/Subset.h>
+#include <MacTypes.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef const struct __CFLocale* CFLocaleRef;
+
+typedef CFOptionFlags CFStringCompareFlags;
+enum : CFStringCompareFlags { kCFCompareCaseInsensitive = 1 };
+
+enum CFStringNormalizationForm : CFIndex {
+    kCFStringNormalizationFormD = 0,
+    kCFStringNormalizationFormKD = 1,
+    kCFStringNormalizationFormC = 2,
+    kCFStringNormalizationFormKC = 3
+};
+
+CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex max_length,
+                                             CFStringRef string);
+CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
+                         UInt8 loss_byte, Boolean is_external, UInt8* buffer, CFIndex size,
+                         CFIndex* used);
+void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form);
+void CFStringFold(CFMutableStringRef string, CFStringCompareFlags flags, CFLocaleRef locale);
+
+#ifdef __cplusplus
+}
+#endif

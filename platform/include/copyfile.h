@@ -8,7 +8,7 @@
 extern "C" {
 #endif
 
-typedef struct _copyfile_state* copyfile_state_t;
+typedef struct CopyfileState* copyfile_state_t;
 typedef uint32_t copyfile_flags_t;
 
 #define COPYFILE_ACL (1 << 0)
@@ -22,8 +22,12 @@ typedef uint32_t copyfile_flags_t;
 #define COPYFILE_NOFOLLOW_SRC (1 << 18)
 #define COPYFILE_CLONE (1 << 24)
 
-/// Copies `from` to `to` as `flags` say; `state` is null. Returns 0, or -1 with errno set. The
-/// destination appears complete or not at all, and never onto an existing file (EEXIST).
+/// Copies the regular file `from` to `to` as `flags` say, which name COPYFILE_DATA at least;
+/// COPYFILE_CLONE stands for EXCL, STAT, XATTR, DATA and NOFOLLOW_SRC as well (a symbolic link is
+/// then copied as a link) and shares the blocks where the volume can. `state` is null. Returns 0,
+/// or -1 with errno set. The destination appears complete or not at all, and never, whatever the
+/// flags, onto an existing file (EEXIST). Metadata that the volume of `to` cannot hold, an owner
+/// that may not be given and the set-id bits are left out.
 int copyfile(const char* from, const char* to, copyfile_state_t state, copyfile_flags_t flags);
 
 #ifdef __cplusplus

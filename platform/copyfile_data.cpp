@@ -1,0 +1,100 @@
+// The data of a copied file. In order of cost: share the blocks (FICLONE), let the kernel copy
+// (copy_file_range), read and write.
+#include "copyfile_contents.h"
+#include "unique_fd.h"
+
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstddef>
+#include <limits>
+
+namespace lumo::platform {
+namespace {
+
+constexpr std::size_t buffer_size = std::size_t{128} * 1024;
+constexpr off_t largest_step = off_t{1} << 30; ///< of one copy_file_range; any whole page will do
+constexpr off_t to_the_end = std::numeric_limits<off_t>::max();
+
+/// Copies from `at` up to `end` or the end of the file, and moves `at` along, as far as the kernel
+/// does it by itself. Where it stops, for whatever reason, reading and writing go on or meet the
+/// same failure.
+void copy_in_kernel(int from, int to, off_t& at, off_t end) {
+    off_t out = at;
+    ssize_t count = 1;
+    while (count > 0 && at < end) {
+        count = uninterrupted([&] {
+            const auto length = static_cast<std::size_t>(std::min(end - at, largest_step));
+            return ::copy_file_range(from, &at, to, &out, length, 0);
+        });
+    }
+}
+
+bool write_all(int to, const char* bytes, std::size_t count, off_t at) {
+    while (count > 0) {
+        const ssize_t written = uninterrupted([&] { return ::pwrite(to, bytes, count, at); });
+        if (written < 0) {
+            return false;
+        }
+        bytes += written;
+        count -= static_cast<std::size_t>(written);
+        at += written;
+    }
+    return true;
+}
+
+/// Copies from `at` up to `end` or the end of the file.
+bool copy_by_hand(int from, int to, off_t at, off_t end) {
+    std::array<char, buffer_size> buffer; // NOLINT: filled by pread as far as it is used
+    while (at < end) {
+        const auto length = std::min(buffer.size(), static_cast<std::size_t>(end - at));
+        const ssize_t count =
+            uninterrupted([&] { return ::pread(from, buffer.data(), length, at); });
+        if (count <= 0) {
+            return count == 0;
+        }
+        if (!write_all(to, buffer.data(), static_cast<std::size_t>(count), at)) {
+            return false;
+        }
+        at += count;
+    }
+    return true;
+}
+
+/// The kernel also stops early in files that do not know their size (those of /proc), so it is
+/// always a read that finds the end.
+bool copy_range(int from, int to, off_t at, off_t end) {
+    copy_in_kernel(from, to, at, end);
+    return copy_by_hand(from, to, at, end);
+}
+
+bool copy_sparse(int from, int to, off_t size) {
+    off_t at = ::lseek(from, 0, SEEK_DATA);
+    while (at >= 0) {
+        const off_t end = ::lseek(from, at, SEEK_HOLE);
+        if (end < 0 || !copy_range(from, to, at, end)) {
+            return false;
+        }
+        at = ::lseek(from, end, SEEK_DATA);
+    }
+    return errno == ENXIO && ::ftruncate(to, size) == 0; // ENXIO: no data behind the last hole
+}
+
+} // namespace
+
+bool copy_data(int from, int to, const struct stat& status, bool clone) {
+    if (clone && ::ioctl(to, FICLONE, from) == 0) {
+        return true;
+    }
+    constexpr off_t block = 512; // the unit of st_blocks, whatever the file system's own
+    if (status.st_blocks < status.st_size / block) {
+        return copy_sparse(from, to, status.st_size);
+    }
+    return copy_range(from, to, 0, to_the_end);
+}
+
+} // namespace lumo::platform

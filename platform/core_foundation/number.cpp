@@ -14,20 +14,18 @@ namespace {
 constexpr std::int64_t first_shared = -1;
 constexpr std::size_t shared_count = 257; // -1 to 255
 
+/// The smallest ones are known as 32-bit numbers, as on a Mac.
+constexpr Number shared_number(std::int64_t value) {
+    return Number{value, value <= 12 ? kCFNumberSInt32Type : kCFNumberSInt64Type, immortal};
+}
+
 template <std::size_t... I>
 constexpr std::array<Number, shared_count> number_row(std::index_sequence<I...>) {
-    return {Number{first_shared + static_cast<std::int64_t>(I), immortal}...};
+    return {shared_number(first_shared + static_cast<std::int64_t>(I))...};
 }
 
 constinit const std::array<Number, shared_count> shared_numbers =
     number_row(std::make_index_sequence<shared_count>{});
-
-/// The high 64 bits of a whole number's 128-bit value.
-std::int64_t high_bits(const Number& number) noexcept {
-    return number.number_kind() == NumberKind::wide_integer
-               ? static_cast<const WideNumber&>(number).high
-               : number.integer >> 63;
-}
 
 /// Whether the real is the whole number `integer`, exactly; -0.0 is not 0.
 bool equal_integer(double real, std::int64_t integer) noexcept {

@@ -8,15 +8,20 @@ namespace lumo::platform {
 enum class NumberKind : std::uint8_t { integer, wide_integer, real, real32 };
 
 struct Number : Object {
-    constexpr explicit Number(std::int64_t value, std::uint32_t count = 1)
-        : Object{Kind::number, static_cast<std::uint8_t>(NumberKind::integer), count}, integer{
-                                                                                           value} {}
+    constexpr explicit Number(std::int64_t value, CFNumberType number_type = kCFNumberSInt64Type,
+                              std::uint32_t count = 1)
+        : Object{Kind::number, static_cast<std::uint8_t>(NumberKind::integer), count},
+          type{static_cast<std::uint8_t>(number_type)}, integer{value} {}
     constexpr Number(NumberKind number_kind, double value)
-        : Object{Kind::number, static_cast<std::uint8_t>(number_kind)}, real{value} {}
+        : Object{Kind::number, static_cast<std::uint8_t>(number_kind)},
+          type{static_cast<std::uint8_t>(number_kind == NumberKind::real ? kCFNumberFloat64Type
+                                                                         : kCFNumberFloat32Type)},
+          real{value} {}
 
     NumberKind number_kind() const noexcept { return static_cast<NumberKind>(detail); }
     bool is_real() const noexcept { return number_kind() >= NumberKind::real; }
 
+    std::uint8_t type; ///< The CFNumberType by which the number is known outside.
     union {
         std::int64_t integer; ///< Of a wide number: the low 64 bits.
         double real;          ///< Of a single-precision number too.
@@ -35,7 +40,14 @@ struct WideNumber : Number {
     std::int64_t high;
 };
 
-/// Small whole numbers are shared.
+/// The high 64 bits of a whole number's 128-bit value.
+inline std::int64_t high_bits(const Number& number) noexcept {
+    return number.number_kind() == NumberKind::wide_integer
+               ? static_cast<const WideNumber&>(number).high
+               : number.integer >> 63;
+}
+
+/// A 64-bit number; small ones are shared.
 Owned make_integer(std::int64_t value);
 /// A 128-bit number, also when the value would fit 64 bits.
 Owned make_integer_128(std::int64_t high, std::uint64_t low);

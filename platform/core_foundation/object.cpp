@@ -3,6 +3,7 @@
 
 #include "core_foundation/hashing.h"
 #include "core_foundation/objects.h"
+#include "core_foundation/url.h"
 
 #include <cstring>
 #include <tuple>
@@ -27,6 +28,8 @@ void bury(const Object* dead, Container*& pending) noexcept {
         container->next_dead = std::exchange(pending, container);
     } else if (object->kind == Kind::error) {
         delete static_cast<Error*>(object);
+    } else if (object->kind == Kind::url) {
+        delete static_cast<Url*>(object);
     } else {
         ::operator delete(object);
     }
@@ -50,7 +53,7 @@ bool equal_data(const Data& a, const Data& b) noexcept {
            (a.length == 0 || std::memcmp(a.bytes().data(), b.bytes().data(), a.length) == 0);
 }
 
-bool equal_leaves(const Object& a, const Object& b) noexcept {
+bool equal_leaves(const Object& a, const Object& b) {
     switch (a.kind) {
     case Kind::number:
         return equal_numbers(static_cast<const Number&>(a), static_cast<const Number&>(b));
@@ -62,6 +65,8 @@ bool equal_leaves(const Object& a, const Object& b) noexcept {
         return static_cast<const Date&>(a).time == static_cast<const Date&>(b).time;
     case Kind::uid:
         return static_cast<const Uid&>(a).value == static_cast<const Uid&>(b).value;
+    case Kind::url:
+        return equal_urls(static_cast<const Url&>(a), static_cast<const Url&>(b));
     default:
         return false;
     }
@@ -153,6 +158,8 @@ std::uint32_t hash(const Object* object) noexcept {
     }
     case Kind::uid:
         return hash_word(static_cast<const Uid&>(*object).value);
+    case Kind::url:
+        return hash(static_cast<const Url&>(*object).text.get());
     case Kind::array:
     case Kind::dictionary:
     case Kind::set:

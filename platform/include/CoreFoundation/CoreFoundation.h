@@ -62,11 +62,15 @@ static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
     return range;
 }
 
+static const CFIndex kCFNotFound = -1;
+
 enum CFComparisonResult : CFIndex {
     kCFCompareLessThan = -1,
     kCFCompareEqualTo = 0,
     kCFCompareGreaterThan = 1
 };
+
+enum CFStringCompareFlags : CFOptionFlags {};
 
 enum : CFStringEncoding {
     kCFStringEncodingMacRoman = 0,
@@ -175,6 +179,10 @@ CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes
                                     CFStringEncoding encoding, Boolean is_external);
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
                            CFStringEncoding encoding);
+CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
+                         UInt8 loss_byte, Boolean is_external, UInt8* buffer, CFIndex size,
+                         CFIndex* used);
+CFComparisonResult CFStringCompare(CFStringRef a, CFStringRef b, CFStringCompareFlags options);
 CFIndex CFStringGetLength(CFStringRef string);
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 
@@ -187,6 +195,8 @@ CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date);
 
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
+CFNumberType CFNumberGetType(CFNumberRef number);
+CFIndex CFNumberGetByteSize(CFNumberRef number);
 Boolean CFNumberIsFloatType(CFNumberRef number);
 Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
@@ -226,6 +236,9 @@ CFStringRef CFErrorCopyDescription(CFErrorRef error);
 
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
                                                  CFIndex length, Boolean is_directory);
+CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef string, CFURLRef base);
+CFStringRef CFURLGetString(CFURLRef url);
+CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
 Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve_against_base, UInt8* buffer,
                                          CFIndex size);
 

@@ -1,0 +1,157 @@
+// Encoding of strings into bytes, a character at a time, but for plain text in an encoding that
+// writes it as it is stored.
+#include "core_foundation/encodings.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+
+namespace lumo::platform {
+namespace {
+
+/// A character and the number of units that it takes in the string.
+struct Character {
+    char32_t value;
+    std::size_t units;
+};
+
+/// The bytes of one character; a length of 0 says that the encoding cannot write it.
+struct Bytes {
+    std::array<std::uint8_t, 4> bytes;
+    std::size_t length;
+};
+
+char16_t unit_at(const String& string, std::size_t index) noexcept {
+    return string.is_ascii() ? static_cast<char16_t>(string.ascii()[index]) : string.utf16()[index];
+}
+
+bool is_high_surrogate(char32_t unit) noexcept {
+    return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool is_low_surrogate(char32_t unit) noexcept {
+    return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+/// The character at a place; a surrogate without its partner stands for itself.
+Character character_at(const String& string, std::size_t index, std::size_t last) noexcept {
+    const char32_t unit = unit_at(string, index);
+    if (is_high_surrogate(unit) && index + 1 < last) {
+        const char32_t next = unit_at(string, index + 1);
+        if (is_low_surrogate(next)) {
+            return {0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00), 2};
+        }
+    }
+    return {unit, 1};
+}
+
+/// Six bits of a character as a continuation byte.
+std::uint8_t continuation(char32_t character, unsigned shift) noexcept {
+    return static_cast<std::uint8_t>(0x80 | ((character >> shift) & 0x3F));
+}
+
+Bytes utf8(char32_t c) noexcept {
+    const auto byte = [](char32_t value) { return static_cast<std::uint8_t>(value); };
+    if (c < 0x80) {
+        return {{byte(c)}, 1};
+    }
+    if (c < 0x800) {
+        return {{byte(0xC0 | c >> 6), continuation(c, 0)}, 2};
+    }
+    if (is_high_surrogate(c) || is_low_surrogate(c)) {
+        return {{}, 0};
+    }
+    if (c < 0x10000) {
+        return {{byte(0xE0 | c >> 12), continuation(c, 6), continuation(c, 0)}, 3};
+    }
+    return {{byte(0xF0 | c >> 18), continuation(c, 12), continuation(c, 6), continuation(c, 0)}, 4};
+}
+
+Bytes utf16(char32_t unit, std::endian order) noexcept {
+    const auto high = static_cast<std::uint8_t>(unit >> 8);
+    const auto low = static_cast<std::uint8_t>(unit);
+    return order == std::endian::big ? Bytes{{high, low}, 2} : Bytes{{low, high}, 2};
+}
+
+Bytes ascii(char32_t unit, std::uint8_t loss_byte) noexcept {
+    const auto byte = unit < 0x80 ? static_cast<std::uint8_t>(unit) : loss_byte;
+    return {{byte}, unit < 0x80 || loss_byte != 0 ? 1U : 0U};
+}
+
+Bytes bytes_of(char32_t value, CFStringEncoding encoding, std::uint8_t loss_byte) noexcept {
+    switch (encoding) {
+    case kCFStringEncodingUTF8:
+        return utf8(value);
+    case kCFStringEncodingASCII:
+        return ascii(value, loss_byte);
+    case kCFStringEncodingUTF16:
+        return utf16(value, std::endian::native);
+    case kCFStringEncodingUTF16BE:
+        return utf16(value, std::endian::big);
+    case kCFStringEncodingUTF16LE:
+        return utf16(value, std::endian::little);
+    default:
+        return {{}, 0};
+    }
+}
+
+/// A place to write bytes to, or, without one, only a count of them.
+class Output {
+public:
+    Output(std::uint8_t* out, std::size_t room) : at_{out}, left_{out == nullptr ? ~0ULL : room} {}
+
+    /// Whether all the bytes fitted; otherwise none is written.
+    bool put(const void* bytes, std::size_t count) noexcept {
+        if (count > left_) {
+            return false;
+        }
+        if (at_ != nullptr) {
+            std::memcpy(at_, bytes, count);
+            at_ += count;
+        }
+        left_ -= count;
+        written_ += count;
+        return true;
+    }
+
+    std::size_t left() const noexcept { return left_; }
+    std::size_t written() const noexcept { return written_; }
+
+private:
+    std::uint8_t* at_;
+    std::size_t left_;
+    std::size_t written_ = 0;
+};
+
+} // namespace
+
+Encoded encode(const String& string, std::size_t first, std::size_t last, CFStringEncoding encoding,
+               std::uint8_t loss_byte, bool is_external, std::uint8_t* out,
+               std::size_t room) noexcept {
+    Output output{out, room};
+    const bool is_utf8 = encoding == kCFStringEncodingUTF8;
+    if (string.is_ascii() && (is_utf8 || encoding == kCFStringEncodingASCII)) {
+        const std::size_t count = std::min(last - first, output.left());
+        output.put(string.ascii().data() + first, count);
+        return {count, count};
+    }
+    if (is_external && encoding == kCFStringEncodingUTF16) {
+        const Bytes mark = utf16(0xFEFF, std::endian::native);
+        if (!output.put(mark.bytes.data(), mark.length)) {
+            return {0, 0};
+        }
+    }
+    std::size_t at = first;
+    while (at < last) {
+        const Character character =
+            is_utf8 ? character_at(string, at, last) : Character{unit_at(string, at), 1};
+        const Bytes bytes = bytes_of(character.value, encoding, loss_byte);
+        if (bytes.length == 0 || !output.put(bytes.bytes.data(), bytes.length)) {
+            break;
+        }
+        at += character.units;
+    }
+    return {at - first, output.written()};
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,131 @@
+// The syntax of URLs as far as file references need it (RFC 3986).
+#include "core_foundation/percent.h"
+
+#include <algorithm>
+
+namespace lumo::platform {
+namespace {
+
+constexpr std::string_view hex_digits = "0123456789ABCDEF";
+
+bool is_letter(char c) noexcept {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+bool is_digit(char c) noexcept {
+    return c >= '0' && c <= '9';
+}
+
+bool is_plain_in_path(char c) noexcept {
+    return is_letter(c) || is_digit(c) ||
+           std::string_view{"-_.!~*'()/:@&=+$,"}.find(c) != std::string_view::npos;
+}
+
+bool is_plain_in_url(char c) noexcept {
+    return is_plain_in_path(c) || std::string_view{";?#[]"}.find(c) != std::string_view::npos;
+}
+
+std::optional<unsigned> hex_value(char c) noexcept {
+    if (is_digit(c)) {
+        return static_cast<unsigned>(c - '0');
+    }
+    const char upper = static_cast<char>(c & ~0x20);
+    if (upper >= 'A' && upper <= 'F') {
+        return static_cast<unsigned>(upper - 'A' + 10);
+    }
+    return std::nullopt;
+}
+
+/// The byte that the encoding at the start of `text` stands for.
+std::optional<char> encoded_byte(std::string_view text) noexcept {
+    if (text.size() < 3) {
+        return std::nullopt;
+    }
+    const auto high = hex_value(text[1]);
+    const auto low = hex_value(text[2]);
+    if (!high || !low) {
+        return std::nullopt;
+    }
+    return static_cast<char>(*high << 4 | *low);
+}
+
+/// What follows the scheme's colon; the whole text when it has no scheme.
+std::string_view without_scheme(std::string_view url) noexcept {
+    const std::size_t end = url.find_first_of(":/?#");
+    const bool has_scheme = end != std::string_view::npos && url[end] == ':' && is_letter(url[0]);
+    return has_scheme ? url.substr(end + 1) : url;
+}
+
+} // namespace
+
+std::string percent_encoded(std::string_view path) {
+    std::string text;
+    text.reserve(path.size() + path.size() / 4);
+    for (const char c : path) {
+        if (is_plain_in_path(c)) {
+            text.push_back(c);
+        } else {
+            const auto byte = static_cast<unsigned char>(c);
+            text.append({'%', hex_digits[byte >> 4], hex_digits[byte & 15]});
+        }
+    }
+    return text;
+}
+
+std::optional<std::string> percent_decoded(std::string_view text) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] != '%') {
+            bytes.push_back(text[at]);
+            continue;
+        }
+        const auto byte = encoded_byte(text.substr(at));
+        if (!byte) {
+            return std::nullopt;
+        }
+        bytes.push_back(*byte);
+        at += 2;
+    }
+    return bytes;
+}
+
+bool is_url_text(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return c == '%' || is_plain_in_url(c); }) &&
+           percent_decoded(text).has_value();
+}
+
+std::optional<std::string_view> path_of_url(std::string_view url) {
+    std::string_view rest = without_scheme(url);
+    const bool has_scheme = rest.size() != url.size();
+    if (rest.substr(0, 2) == "//") {
+        rest.remove_prefix(std::min(rest.find_first_of("/?#", 2), rest.size()));
+    }
+    rest = rest.substr(0, rest.find_first_of("?#"));
+    if (rest.empty() || (has_scheme && rest.front() != '/')) {
+        return std::nullopt;
+    }
+    return rest;
+}
+
+std::string without_dot_components(std::string_view path) {
+    std::string result;
+    std::size_t at = 0;
+    while (at < path.size()) { // each round takes a component and the slash before it
+        const std::size_t end = std::min(path.find('/', at + 1), path.size());
+        const std::string_view component = path.substr(at, end - at);
+        const bool is_last = end == path.size();
+        if (component == "/..") {
+            result.erase(std::min(result.rfind('/'), result.size()));
+        } else if (component != "/.") {
+            result += component;
+        }
+        if (is_last && (component == "/." || component == "/..")) {
+            result += '/';
+        }
+        at = end;
+    }
+    return result;
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,23 @@
+// Percent-encoding of bytes in URLs, and the parts of a URL.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace lumo::platform {
+
+/// The bytes of a path as they stand in a URL: letters, digits and -_.!~*'()/:@&=+$, are left as
+/// they are, everything else becomes "%" and two upper-case hexadecimal digits.
+std::string percent_encoded(std::string_view path);
+/// The bytes that percent-encoded text stands for; nothing when a "%" has no two hexadecimal digits
+/// behind it.
+std::optional<std::string> percent_decoded(std::string_view text);
+/// Whether the text has only characters that a URL may have, and whole percent-encodings.
+bool is_url_text(std::string_view text);
+/// The path of a URL, still encoded, without query and fragment; nothing when it has none.
+std::optional<std::string_view> path_of_url(std::string_view url);
+/// A path without its "." and ".." components, as far as they can be resolved in it.
+std::string without_dot_components(std::string_view path);
+
+} // namespace lumo::platform

@@ -1,0 +1,186 @@
+// Strings, compared with recorded results of CoreFoundation.
+#include "platform/core_foundation_vectors.h"
+
+#include <algorithm>
+
+namespace lumo::test {
+namespace {
+
+/// Text is only written in these; nothing in the tool writes any other.
+bool can_write(const std::string& encoding) {
+    return encoding == "UTF8" || encoding == "UTF16" || encoding == "UTF16BE" ||
+           encoding == "ASCII";
+}
+
+Holder<CFStringRef> create(const Json& row, CFStringEncoding encoding) {
+    const std::string bytes = from_hex(row["bytes"]);
+    if (row["fn"] == "CFStringCreateWithCString") {
+        return hold(CFStringCreateWithCString(nullptr, bytes.c_str(), encoding));
+    }
+    return hold(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                        static_cast<CFIndex>(bytes.size()), encoding,
+                                        row["external"].get<bool>()));
+}
+
+TEST(StringVectors, CreationAgreesWithCoreFoundation) {
+    const auto vectors = read_vectors("string/create.json");
+    if (!vectors) {
+        GTEST_SKIP() << "no recorded results";
+    }
+    ConformanceTable table;
+    for (const Json& row : *vectors) {
+        const std::string name = row["fn"];
+        const auto encoding = encoding_named(row["encoding"]);
+        if (!encoding) {
+            table.not_offered(name, row["encoding"]);
+            continue;
+        }
+        const auto string = create(row, *encoding);
+        const Json units = string == nullptr ? Json{} : units_of(string.get());
+        table.compare(name, units == row["utf16"], row.dump() + ", got " + units.dump());
+    }
+    table.print("string/create");
+    EXPECT_GT(table.equal(), 0U);
+    EXPECT_EQ(table.differing(), 0U);
+}
+
+TEST(StringVectors, MaximumSizesAgreeWithCoreFoundation) {
+    const auto vectors = read_vectors("string/maxsize.json");
+    if (!vectors) {
+        GTEST_SKIP() << "no recorded results";
+    }
+    ConformanceTable table;
+    for (const Json& row : *vectors) {
+        const std::string name = "CFStringGetMaximumSizeForEncoding";
+        const auto encoding = encoding_named(row["encoding"]);
+        if (!encoding) {
+            table.not_offered(name, row["encoding"]);
+            continue;
+        }
+        const CFIndex size = CFStringGetMaximumSizeForEncoding(row["length"], *encoding);
+        table.compare(name, size == row["max"], row.dump() + ", got " + std::to_string(size));
+    }
+    table.print("string/maxsize");
+    EXPECT_GT(table.equal(), 0U);
+    EXPECT_EQ(table.differing(), 0U);
+}
+
+void compare_c_string(ConformanceTable& table, const Json& row) {
+    const std::string name = "CFStringGetCString";
+    const auto string = make_string(row["utf16"]);
+    std::string buffer(256, '\xAA');
+    const bool ok = CFStringGetCString(string.get(), buffer.data(), row["bufsize"],
+                                       *encoding_named(row["encoding"])) != 0;
+    if (row.value("oob", false)) {
+        EXPECT_FALSE(ok) << row.dump();
+        table.differs_on_purpose(name, "nothing is written beyond the buffer");
+        return;
+    }
+    const std::string expected = from_hex(row["written"]);
+    // After a failure only the first byte is of any use to a caller.
+    const std::size_t compared = ok ? expected.size() : std::min<std::size_t>(expected.size(), 1);
+    const bool is_same = buffer.compare(0, compared, expected, 0, compared) == 0;
+    const std::size_t size = row["bufsize"];
+    const bool is_within = buffer.find_first_not_of('\xAA', size) == std::string::npos;
+    table.compare(name, ok == row["ok"] && is_same && is_within,
+                  row.dump() + ", got " + (ok ? "true " : "false ") +
+                      to_hex(buffer.substr(0, expected.size() + 1)));
+}
+
+TEST(StringVectors, CStringsAgreeWithCoreFoundation) {
+    const auto vectors = read_vectors("string/getcstring.json");
+    if (!vectors) {
+        GTEST_SKIP() << "no recorded results";
+    }
+    ConformanceTable table;
+    for (const Json& row : (*vectors)["rows"]) {
+        if (can_write(row["encoding"])) {
+            compare_c_string(table, row);
+        } else {
+            table.not_offered("CFStringGetCString", row["encoding"]);
+        }
+    }
+    table.print("string/getcstring");
+    EXPECT_GT(table.equal(), 0U);
+    EXPECT_EQ(table.differing(), 0U);
+}
+
+void compare_bytes(ConformanceTable& table, const Json& row) {
+    const std::string name = "CFStringGetBytes";
+    const bool only_counts = row["buffer"].is_null();
+    const std::size_t size = only_counts ? 0 : row["buffer"].get<std::size_t>();
+    const auto string = make_string(row["utf16"]);
+    std::string buffer(256, '\xAA');
+    CFIndex used = -1;
+    const CFIndex converted = CFStringGetBytes(
+        string.get(), CFRangeMake(0, CFStringGetLength(string.get())),
+        *encoding_named(row["encoding"]), row["loss"].get<UInt8>(), row["external"].get<bool>(),
+        only_counts ? nullptr : reinterpret_cast<UInt8*>(buffer.data()), static_cast<CFIndex>(size),
+        &used);
+    const bool is_within = buffer.find_first_not_of('\xAA', size) == std::string::npos;
+    if (!only_counts && row["used"] > size) {
+        EXPECT_TRUE(is_within && used == 0 && converted == 0) << row.dump();
+        table.differs_on_purpose(name, "no more is used than the buffer has");
+        return;
+    }
+    const std::string bytes = only_counts ? "" : from_hex(row["bytes"]);
+    table.compare(name,
+                  converted == row["converted"] && used == row["used"] && is_within &&
+                      buffer.compare(0, bytes.size(), bytes) == 0,
+                  row.dump() + ", got " + std::to_string(converted) + ' ' + std::to_string(used) +
+                      ' ' + to_hex(buffer.substr(0, bytes.size())));
+}
+
+TEST(StringVectors, BytesAgreeWithCoreFoundation) {
+    const auto vectors = read_vectors("string/getbytes.json");
+    if (!vectors) {
+        GTEST_SKIP() << "no recorded results";
+    }
+    ConformanceTable table;
+    for (const Json& row : (*vectors)["rows"]) {
+        if (can_write(row["encoding"])) {
+            compare_bytes(table, row);
+        } else {
+            table.not_offered("CFStringGetBytes", row["encoding"]);
+        }
+    }
+    table.print("string/getbytes");
+    EXPECT_GT(table.equal(), 0U);
+    EXPECT_EQ(table.differing(), 0U);
+}
+
+Holder<CFMutableDictionaryRef> make_dictionary() {
+    return hold(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
+                                          &kCFTypeDictionaryValueCallBacks));
+}
+
+TEST(StringVectors, EqualityAndOrderAgreeWithCoreFoundation) {
+    const auto vectors = read_vectors("string/equality.json");
+    if (!vectors) {
+        GTEST_SKIP() << "no recorded results";
+    }
+    ConformanceTable table;
+    for (const Json& row : (*vectors)["pairs"]) {
+        const auto a = make_string(row["a"]);
+        const auto b = make_string(row["b"]);
+        const std::string pair = row.dump();
+        table.compare("CFEqual", (CFEqual(a.get(), b.get()) != 0) == row["equal"], pair);
+        if (row["equal"]) {
+            table.compare("CFHash of equal strings", CFHash(a.get()) == CFHash(b.get()), pair);
+        }
+        const auto order = CFStringCompare(a.get(), b.get(), CFStringCompareFlags{});
+        table.compare("CFStringCompare", static_cast<CFIndex>(order) == row["compare"]["0"], pair);
+        table.not_offered("CFStringCompare", "comparison that is not literal");
+        const auto dictionary = make_dictionary();
+        CFDictionarySetValue(dictionary.get(), a.get(), kCFBooleanTrue);
+        CFDictionarySetValue(dictionary.get(), b.get(), kCFBooleanTrue);
+        table.compare("keys of a dictionary",
+                      CFDictionaryGetCount(dictionary.get()) == row["dictCountAfterBoth"], pair);
+    }
+    table.print("string/equality");
+    EXPECT_GT(table.equal(), 0U);
+    EXPECT_EQ(table.differing(), 0U);
+}
+
+} // namespace
+} // namespace lumo::test

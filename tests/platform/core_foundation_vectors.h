@@ -1,0 +1,107 @@
+// What the tests over recorded CoreFoundation results share: reading the records, and references
+// that release themselves.
+#pragma once
+
+#include "platform/conformance_table.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <fstream>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace lumo::test {
+
+using Json = nlohmann::json;
+
+struct Release {
+    void operator()(const void* object) const {
+        if (object != nullptr) {
+            CFRelease(object);
+        }
+    }
+};
+
+/// Owns the result of a Create or Copy function.
+template <class Ref>
+using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
+
+template <class Ref>
+Holder<Ref> hold(Ref reference) {
+    return Holder<Ref>{reference};
+}
+
+/// The records of `name` ("number/getvalue.json"); nothing when they are not on this machine.
+inline std::optional<Json> read_vectors(const std::string& name) {
+    std::ifstream file{std::string{LUMO_SHARED} + "/vectors/" + name};
+    return file ? std::optional{Json::parse(file)} : std::nullopt;
+}
+
+inline std::string from_hex(const std::string& hex) {
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
+        bytes.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
+    }
+    return bytes;
+}
+
+inline std::string to_hex(const std::string& bytes) {
+    static const char* digits = "0123456789abcdef";
+    std::string hex;
+    for (const char c : bytes) {
+        const auto byte = static_cast<unsigned char>(c);
+        hex.push_back(digits[byte >> 4]);
+        hex.push_back(digits[byte & 15]);
+    }
+    return hex;
+}
+
+/// The value of an encoding named in the records; nothing for one that the platform need not have.
+inline std::optional<CFStringEncoding> encoding_named(const std::string& name) {
+    static const std::map<std::string, CFStringEncoding> encodings = {
+        {"UTF8", kCFStringEncodingUTF8},
+        {"ASCII", kCFStringEncodingASCII},
+        {"ISOLatin1", kCFStringEncodingISOLatin1},
+        {"MacRoman", kCFStringEncodingMacRoman},
+        {"WindowsLatin1", kCFStringEncodingWindowsLatin1},
+        {"UTF16", kCFStringEncodingUTF16},
+        {"UTF16BE", kCFStringEncodingUTF16BE},
+        {"UTF16LE", kCFStringEncodingUTF16LE},
+        {"Bogus", 0x7FFF0000}};
+    const auto found = encodings.find(name);
+    return found == encodings.end() ? std::nullopt : std::optional{found->second};
+}
+
+/// A string of the UTF-16 units listed in a record.
+inline Holder<CFStringRef> make_string(const Json& units) {
+    std::string bytes;
+    for (const auto& unit : units) {
+        const auto value = unit.get<unsigned>();
+        bytes.push_back(static_cast<char>(value >> 8));
+        bytes.push_back(static_cast<char>(value & 0xFF));
+    }
+    return hold(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                        static_cast<CFIndex>(bytes.size()),
+                                        kCFStringEncodingUTF16BE, false));
+}
+
+/// The UTF-16 units of a string.
+inline Json units_of(CFStringRef string) {
+    const CFIndex length = CFStringGetLength(string);
+    std::vector<UInt8> bytes(static_cast<std::size_t>(2 * length) + 1);
+    CFStringGetBytes(string, CFRangeMake(0, length), kCFStringEncodingUTF16BE, 0, false,
+                     bytes.data(), 2 * length, nullptr);
+    Json units = Json::array();
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        units.push_back(bytes[i] << 8 | bytes[i + 1]);
+    }
+    return units;
+}
+
+} // namespace lumo::test

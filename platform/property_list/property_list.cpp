@@ -1,0 +1,91 @@
+// CoreFoundation's two functions for property lists. CoreFoundation would also read the old format
+// of NeXTSTEP, a notation of nothing but text in which most files mean something; here such a file
+// is refused.
+#include "core_foundation/objects.h"
+#include "property_list/binary_reader.h"
+#include "property_list/binary_trailer.h"
+#include "property_list/binary_writer.h"
+#include "property_list/xml_reader.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <cstddef>
+#include <new>
+#include <stdexcept>
+#include <string_view>
+
+namespace lumo::platform {
+namespace {
+
+struct Reading {
+    Owned value; ///< Null when the bytes are no property list.
+    CFPropertyListFormat format;
+};
+
+/// Binary when the frame of the file is; a binary file with a fault in it is not tried as XML,
+/// which begins otherwise.
+Reading read_property_list(std::span<const std::uint8_t> bytes) {
+    if (const auto trailer = read_binary_trailer(bytes)) {
+        return {read_binary(bytes, *trailer), kCFPropertyListBinaryFormat_v1_0};
+    }
+    const auto* characters = reinterpret_cast<const char*>(bytes.data());
+    return {read_xml({characters, bytes.size()}), kCFPropertyListXMLFormat_v1_0};
+}
+
+/// Calls `make` and gives its result, or null when it was too large for this machine.
+template <class Make>
+auto unless_too_large(Make make) -> decltype(make()) {
+    try {
+        return make();
+    } catch (const std::bad_alloc&) {
+        return {};
+    } catch (const std::length_error&) {
+        return {};
+    }
+}
+
+/// Null, with an error that says why in `*error` when the caller wants one.
+std::nullptr_t failure(CFErrorRef* error, CFIndex code, std::string_view description) {
+    if (error) {
+        const Object* made = make_cocoa_error(code, description).release();
+        *error = reinterpret_cast<CFErrorRef>(const_cast<Object*>(made));
+    }
+    return nullptr;
+}
+
+} // namespace
+} // namespace lumo::platform
+
+using namespace lumo::platform;
+
+CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef, CFDataRef data,
+                                               CFOptionFlags options, CFPropertyListFormat* format,
+                                               CFErrorRef* error) {
+    if (options != kCFPropertyListImmutable) {
+        return failure(error, kCFPropertyListReadCorruptError,
+                       "Mutable property lists are not offered");
+    }
+    Reading reading{};
+    if (data) {
+        reading = unless_too_large([&] { return read_property_list(as<Data>(data).bytes()); });
+    }
+    if (!reading.value) {
+        return failure(error, kCFPropertyListReadCorruptError, "The data is no property list");
+    }
+    if (format) {
+        *format = reading.format;
+    }
+    return reading.value.release();
+}
+
+CFDataRef CFPropertyListCreateData(CFAllocatorRef, CFPropertyListRef list,
+                                   CFPropertyListFormat format, CFOptionFlags, CFErrorRef* error) {
+    if (format != kCFPropertyListBinaryFormat_v1_0) {
+        return failure(error, kCFPropertyListWriteStreamError, "Only the binary format is written");
+    }
+    Owned data = unless_too_large([&] { return write_binary(object_of(list)); });
+    if (!data) {
+        return failure(error, kCFPropertyListWriteStreamError, "The object is no property list");
+    }
+    return reinterpret_cast<CFDataRef>(data.release());
+}

@@ -1,0 +1,52 @@
+// The strings that a reader met last. A state repeats a few keys thousands of times, and each needs
+// to be made only once.
+#pragma once
+
+#include "core_foundation/string.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+namespace lumo::platform {
+
+/// One string for each hash; a new one takes the place of the old. So no input can make it grow or
+/// slow, and it promises nothing: equal strings are mostly, not always, one object.
+class RecentStrings {
+public:
+    /// The string of `ascii`, made now or before.
+    Owned get(std::string_view ascii) {
+        if (ascii.size() > longest) {
+            return make_string_ascii(ascii);
+        }
+        Owned& slot = slots_[slot_of(ascii)];
+        if (!slot || as<String>(slot.get()).ascii() != ascii) {
+            slot = make_string_ascii(ascii);
+        }
+        return share_unshared(slot.get());
+    }
+
+private:
+    static constexpr std::size_t longest = 64;
+    static constexpr unsigned slot_bits = 10;
+
+    /// From the length and the first and last bytes, which are what keys differ in.
+    static std::size_t slot_of(std::string_view text) {
+        std::uint64_t first = 0;
+        std::uint64_t last = 0;
+        if (text.size() >= 8) {
+            std::memcpy(&first, text.data(), 8);
+            std::memcpy(&last, text.data() + text.size() - 8, 8);
+        } else {
+            std::memcpy(&first, text.data(), text.size());
+        }
+        const std::uint64_t mixed = (first ^ (last << 1 | last >> 63)) + text.size();
+        return static_cast<std::size_t>(mixed * 0x9E3779B97F4A7C15u >> (64 - slot_bits));
+    }
+
+    std::array<Owned, std::size_t{1} << slot_bits> slots_;
+};
+
+} // namespace lumo::platform

@@ -1,0 +1,80 @@
+// The text of an XML property list and the place reached in it: blanks, comments, tags and the
+// text between them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace lumo::platform {
+
+/// The elements of a property list, in the order of their names in the scanner's table.
+enum class Element : std::uint8_t {
+    key,
+    integer,
+    real,
+    string,
+    dict,
+    array,
+    boolean_true,
+    boolean_false,
+    data,
+    date,
+    plist
+};
+
+/// A start tag; `empty` when it closes itself.
+struct Tag {
+    Element element;
+    bool empty;
+};
+
+/// The text of a <string>, <key> or <real>.
+struct Text {
+    std::string_view utf8; ///< Not checked; lives until the next text is read.
+    bool ascii;
+};
+
+/// Each function moves on behind what it has read; on failure the place is of no use any more.
+class XmlScanner {
+public:
+    explicit XmlScanner(std::string_view text)
+        : at_{text.data()}, end_{text.data() + text.size()} {}
+
+    /// Skips what may stand before the root element. False when none follows.
+    bool skip_prolog();
+    /// Skips blanks and comments up to the next tag. False when something else comes first.
+    bool skip_to_tag();
+    /// Is the tag here an end tag?
+    bool at_end_tag() const { return end_ - at_ > 1 && at_[1] == '/'; }
+
+    /// The start tag here, its attributes skipped; nothing for an unknown element.
+    std::optional<Tag> start_tag();
+    /// Skips the end tag of `element`; false when something else stands here.
+    bool end_tag(Element element);
+
+    /// The text up to the next tag, with entities and CDATA resolved; nothing when one is
+    /// malformed.
+    std::optional<Text> text();
+    /// The bytes up to the next tag as they stand.
+    std::string_view raw_text();
+
+private:
+    std::string_view rest() const { return {at_, static_cast<std::size_t>(end_ - at_)}; }
+    bool starts_with(std::string_view prefix) const { return rest().starts_with(prefix); }
+    void skip_blanks();
+    bool skip_past(std::string_view mark, std::size_t from);
+    bool skip_doctype();
+    bool skip_plain();
+    bool append_piece();
+    bool append_character_data();
+    bool append_entity();
+    bool append_numeric_entity(std::string_view digits);
+
+    const char* at_;
+    const char* end_;
+    std::string scratch_; ///< The text of an element that is not one plain run.
+};
+
+} // namespace lumo::platform

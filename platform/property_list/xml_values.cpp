@@ -1,0 +1,245 @@
+// CoreFoundation's notations of numbers, dates and data. They are stricter than the C library's in
+// some places (no blank after a number) and looser in others (data skips what it does not know),
+// and a state must read the same here and there.
+#include "property_list/xml_values.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <limits>
+
+namespace lumo::platform {
+namespace {
+
+/// Bytes of the blank at the start of `text`: controls, space, the bytes 0x7F to 0xA0 and, in
+/// UTF-8, U+2000 to U+200B and U+3000. 0 when there is none.
+std::size_t blank_size(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
+    if (text.empty()) {
+        return 0;
+    }
+    if (byte(0) <= 0x20 || (byte(0) >= 0x7F && byte(0) <= 0xA0)) {
+        return 1;
+    }
+    const bool wide =
+        text.starts_with("\xE3\x80\x80") ||
+        (text.starts_with("\xE2\x80") && text.size() > 2 && byte(2) >= 0x80 && byte(2) <= 0x8B);
+    return wide ? 3 : 0;
+}
+
+void skip_blanks(std::string_view& text) {
+    while (const std::size_t size = blank_size(text)) {
+        text.remove_prefix(size);
+    }
+}
+
+bool equal_ignoring_case(std::string_view text, std::string_view lower) {
+    return text.size() == lower.size() && strncasecmp(text.data(), lower.data(), lower.size()) == 0;
+}
+
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/// Takes the digits off the front of `text` and says how many there were.
+std::size_t skip_digits(std::string_view& text) {
+    std::size_t count = 0;
+    while (count < text.size() && is_digit(text[count])) {
+        ++count;
+    }
+    text.remove_prefix(count);
+    return count;
+}
+
+bool skip_one_of(std::string_view& text, std::string_view set) {
+    if (text.empty() || set.find(text[0]) == set.npos) {
+        return false;
+    }
+    text.remove_prefix(1);
+    return true;
+}
+
+/// Is `text` digits with at most one point among them, then perhaps an exponent?
+bool is_decimal(std::string_view text) {
+    std::size_t digits = skip_digits(text);
+    if (skip_one_of(text, ".")) {
+        digits += skip_digits(text);
+    }
+    if (digits == 0) {
+        return false;
+    }
+    if (skip_one_of(text, "eE")) {
+        skip_one_of(text, "+-");
+        if (skip_digits(text) == 0) {
+            return false;
+        }
+    }
+    return text.empty();
+}
+
+/// The value of a decimal that no double holds: zero when its first digit that counts stands behind
+/// the point once the exponent is applied, else infinity.
+double beyond_double(std::string_view decimal) {
+    const std::size_t mark = decimal.find_first_of("eE");
+    const std::string_view mantissa = decimal.substr(0, mark);
+    const std::size_t first = mantissa.find_first_of("123456789");
+    const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
+    if (first == mantissa.npos) {
+        return 0;
+    }
+    bool negative = false;
+    double exponent = 0;
+    if (mark != decimal.npos) {
+        std::string_view digits = decimal.substr(mark + 1);
+        negative = digits[0] == '-';
+        skip_one_of(digits, "+-");
+        for (const char c : digits) {
+            exponent = exponent * 10 + (c - '0');
+        }
+    }
+    const double place = static_cast<double>(point) - static_cast<double>(first);
+    return place + (negative ? -exponent : exponent) > 0 ? std::numeric_limits<double>::infinity()
+                                                         : 0;
+}
+
+/// Days from 2001-01-01 to the first of March of `year`, in the Gregorian calendar on both sides.
+std::int64_t days_to_march(std::int64_t year) {
+    const auto floor_div = [](std::int64_t a, std::int64_t b) {
+        return a / b - (a % b < 0 ? 1 : 0);
+    };
+    return 365 * year + floor_div(year, 4) - floor_div(year, 100) + floor_div(year, 400) - 730791;
+}
+
+constexpr std::array<int, 12> days_before_month_from_march = {0,   31,  61,  92,  122, 153,
+                                                              184, 214, 245, 275, 306, 337};
+
+std::int64_t days_since_2001(std::int64_t year, unsigned month, unsigned day) {
+    const unsigned from_march = std::max(month, 1u) + 9; // January is the 10th month after March
+    const std::int64_t march = days_to_march(year + from_march / 12 - 1);
+    return march + days_before_month_from_march[from_march % 12] + day - 1;
+}
+
+/// The two digits at `at`, or nothing.
+std::optional<unsigned> two_digits(std::string_view text, std::size_t at) {
+    if (!is_digit(text[at]) || !is_digit(text[at + 1])) {
+        return std::nullopt;
+    }
+    return static_cast<unsigned>((text[at] - '0') * 10 + (text[at + 1] - '0'));
+}
+
+enum : std::int8_t { skipped = -1, refused = -2 };
+
+/// What each byte counts for in base64. The quotation mark counts as zero, as CoreFoundation has
+/// it.
+constexpr std::array<std::int8_t, 256> base64_values = [] {
+    std::array<std::int8_t, 256> values{};
+    for (std::size_t i = 0; i < 256; ++i) {
+        values[i] = i < 128 ? skipped : refused;
+    }
+    constexpr std::string_view alphabet =
+        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    for (std::size_t i = 0; i < alphabet.size(); ++i) {
+        values[static_cast<std::uint8_t>(alphabet[i])] = static_cast<std::int8_t>(i);
+    }
+    values['='] = 0;
+    return values;
+}();
+
+} // namespace
+
+std::optional<XmlInteger> parse_integer(std::string_view text) {
+    XmlInteger result;
+    skip_blanks(text);
+    if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
+        result.negative = text[0] == '-';
+        text.remove_prefix(1);
+        skip_blanks(text);
+    }
+    const bool hex = text.starts_with("0x") || text.starts_with("0X");
+    if (hex) {
+        text.remove_prefix(2);
+    }
+    const char* end = text.data() + text.size();
+    const auto [at, error] = std::from_chars(text.data(), end, result.magnitude, hex ? 16 : 10);
+    constexpr std::uint64_t lowest = std::uint64_t{1} << 63;
+    if (error != std::errc{} || at != end || (result.negative && result.magnitude > lowest)) {
+        return std::nullopt;
+    }
+    return result;
+}
+
+std::optional<double> parse_real(std::string_view text) {
+    if (equal_ignoring_case(text, "nan")) {
+        return std::numeric_limits<double>::quiet_NaN();
+    }
+    skip_blanks(text);
+    const bool negative = text.starts_with('-');
+    skip_one_of(text, "+-");
+    double value = 0;
+    if (equal_ignoring_case(text, "inf") || equal_ignoring_case(text, "infinity")) {
+        value = std::numeric_limits<double>::infinity();
+    } else if (!is_decimal(text)) {
+        return std::nullopt;
+    } else if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc{}) {
+        value = beyond_double(text);
+    }
+    return negative ? -value : value;
+}
+
+std::optional<double> parse_date(std::string_view text) {
+    const bool before_christ = text.starts_with('-');
+    if (before_christ) {
+        text.remove_prefix(1);
+    }
+    std::int32_t year = 0;
+    const std::string_view from_year = text;
+    if (skip_digits(text) == 0 || text.size() != std::string_view("-MM-DDThh:mm:ssZ").size() ||
+        text[0] != '-' || text[3] != '-' || text[6] != 'T' || text[9] != ':' || text[12] != ':' ||
+        text[15] != 'Z' || std::from_chars(from_year.data(), text.data(), year).ec != std::errc{}) {
+        return std::nullopt;
+    }
+    const auto month = two_digits(text, 1);
+    const auto day = two_digits(text, 4);
+    const auto hour = two_digits(text, 7);
+    const auto minute = two_digits(text, 10);
+    const auto second = two_digits(text, 13);
+    if (!month || !day || !hour || !minute || !second) {
+        return std::nullopt;
+    }
+    const std::int64_t days = days_since_2001(before_christ ? -year : year, *month, *day);
+    const std::int64_t minutes = days * 1440 + std::int64_t{*hour} * 60 + *minute;
+    return static_cast<double>(minutes * 60 + *second);
+}
+
+bool decode_base64(std::string_view text, std::vector<std::uint8_t>& bytes) {
+    bytes.clear();
+    bytes.reserve(text.size() / 4 * 3);
+    std::uint32_t group = 0;
+    int symbols = 0;
+    int padding = 0; // signs of equality in a row; blanks between them do not end the row
+    for (const char c : text) {
+        const std::int8_t value = base64_values[static_cast<std::uint8_t>(c)];
+        if (value == refused) {
+            return false;
+        }
+        if (c == '=') {
+            ++padding;
+        } else if (c != ' ' && (c < '\t' || c > '\r')) {
+            padding = 0;
+        }
+        if (value == skipped) {
+            continue;
+        }
+        group = group << 6 | static_cast<std::uint32_t>(value);
+        if (++symbols % 4 == 0) {
+            for (int shift = 16; shift >= 8 * std::min(padding, 2); shift -= 8) {
+                bytes.push_back(static_cast<std::uint8_t>(group >> shift));
+            }
+        }
+    }
+    return true;
+}
+
+} // namespace lumo::platform

@@ -12,6 +12,7 @@ extern "C" {
 
 typedef const struct __CFLocale* CFLocaleRef;
 
+typedef CFOptionFlags CFStringCompareFlags;
 enum : CFStringCompareFlags { kCFCompareCaseInsensitive = 1 };
 
 enum CFStringNormalizationForm : CFIndex {
@@ -23,6 +24,9 @@ enum CFStringNormalizationForm : CFIndex {
 
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex max_length,
                                              CFStringRef string);
+CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
+                         UInt8 loss_byte, Boolean is_external, UInt8* buffer, CFIndex size,
+                         CFIndex* used);
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form);
 void CFStringFold(CFMutableStringRef string, CFStringCompareFlags flags, CFLocaleRef locale);
 

@@ -1,0 +1,47 @@
+// The one place of the platform's sampler that says CFRelease.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <utility>
+
+namespace lumo::platform {
+
+/// Holds one reference to a CoreFoundation object, or nothing.
+template <class T>
+class Ref {
+public:
+    Ref() = default;
+    /// Takes over the reference that a Create or Copy function handed out.
+    static Ref adopt(T created) { return Ref(created); }
+    /// Adds a reference to what a Get function lent.
+    static Ref retain(T borrowed) {
+        if (borrowed) {
+            CFRetain(borrowed);
+        }
+        return Ref(borrowed);
+    }
+    ~Ref() {
+        if (object_) {
+            CFRelease(object_);
+        }
+    }
+    Ref(const Ref& other) : Ref(retain(other.object_)) {}
+    Ref(Ref&& other) noexcept : object_(other.release()) {}
+    Ref& operator=(Ref other) noexcept {
+        std::swap(object_, other.object_);
+        return *this;
+    }
+
+    T get() const { return object_; }
+    explicit operator bool() const { return object_ != nullptr; }
+    /// Hands the reference to the caller.
+    [[nodiscard]] T release() { return std::exchange(object_, nullptr); }
+
+private:
+    explicit Ref(T object) : object_(object) {}
+
+    T object_ = nullptr;
+};
+
+} // namespace lumo::platform

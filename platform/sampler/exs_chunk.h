@@ -1,0 +1,49 @@
+// One chunk of an EXS24 file: fields by their offset, each with a value for when it is not there.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace lumo::platform {
+
+class ExsChunk {
+public:
+    static constexpr std::size_t header_size = 84;
+
+    enum Type : std::uint8_t { instrument = 0, zone = 1, group = 2, sample = 3, parameters = 4 };
+
+    /// The chunk at the front of `file`, or nothing when there is none or it does not fit. It
+    /// borrows the bytes.
+    static std::optional<ExsChunk> first_of(std::span<const std::uint8_t> file);
+
+    std::uint8_t type() const;
+    /// Header and content.
+    std::size_t size() const { return bytes_.size(); }
+
+    /// The fields at `offset` from the start of the chunk's header; `absent` when the chunk ends
+    /// before the field does.
+    std::uint8_t u8(std::size_t offset, std::uint8_t absent = 0) const;
+    std::int8_t s8(std::size_t offset) const;
+    std::uint16_t u16(std::size_t offset) const;
+    std::uint32_t u32(std::size_t offset) const;
+    std::int32_t s32(std::size_t offset, std::int32_t absent = 0) const;
+    /// The text in `room` bytes (fewer at the chunk's end), up to the first zero byte, in UTF-8.
+    std::string text(std::size_t offset, std::size_t room) const;
+    std::string name() const { return text(20, 64); }
+
+private:
+    ExsChunk(std::span<const std::uint8_t> bytes, bool big_endian)
+        : bytes_(bytes), big_endian_(big_endian) {}
+
+    bool holds(std::size_t offset, std::size_t count) const {
+        return offset <= bytes_.size() && bytes_.size() - offset >= count;
+    }
+
+    std::span<const std::uint8_t> bytes_;
+    bool big_endian_;
+};
+
+} // namespace lumo::platform

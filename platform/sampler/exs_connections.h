@@ -1,0 +1,63 @@
+// The connections of a layer: what moves what, and how far.
+#pragma once
+
+#include "sampler/exs_parameters.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace lumo::platform {
+
+/// The sampler's numbers of sources and destinations. Below 128 a source is a MIDI controller.
+/// Those from `of_layer` on belong to a layer, whose number stands in the bits from 8 on.
+namespace code {
+enum : std::uint32_t {
+    none = 0,
+    volume_controller = 7,
+    pan_controller = 10,
+    expression_controller = 11,
+    pitch_bend = 224,
+    key = 300,
+    velocity = 301,
+    instrument_lfo_1 = 320,
+    instrument_lfo_2 = 321,
+    of_layer = 0x10000000,
+    layer_lfo = 0x10000000,
+    layer_lfo_rate = 0x12A00000, // Hz
+    envelope_1 = 0x20000000,
+    envelope_2 = 0x20000001,
+    envelope_1_attack = 0x22000000, // octaves
+    pitch = 0x30B00000,             // cents
+    cutoff = 0x41500000,            // cents
+    resonance = 0x41600000,         // dB
+    gain = 0x50100000,              // dB
+    pan = 0x50200000,               // -1 to 1
+};
+
+/// `number` as that of another layer; numbers that belong to no layer stay.
+constexpr std::uint32_t in_layer(std::uint32_t number, std::uint32_t layer) {
+    return number < of_layer ? number : number + (layer << 8);
+}
+/// How many layers the numbers can tell apart.
+inline constexpr std::size_t most_layers = 4096;
+} // namespace code
+
+struct ExsConnection {
+    enum Transform { linear = 1, concave = 2 };
+
+    int id = 0;
+    std::uint32_t source = code::none;
+    std::uint32_t destination = code::none;
+    std::uint32_t control = code::none; ///< scales the source
+    Transform transform = linear;
+    bool inverse = false;
+    bool has_range = false; ///< goes from `low` to `high`; else `high` is its scale
+    float low = 0;
+    float high = 0;
+};
+
+/// The connections of layer 0, in the order in which the sampler writes them.
+std::vector<ExsConnection> exs_connections(const ExsParameters& parameters);
+
+} // namespace lumo::platform

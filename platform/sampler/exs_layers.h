@@ -1,0 +1,36 @@
+// Which zones of an EXS24 instrument sound, and in which layer of the sampler.
+#pragma once
+
+#include "sampler/exs_instrument.h"
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace lumo::platform {
+
+/// A zone within what its group lets through.
+struct ExsPlacedZone {
+    const ExsZone* zone;
+    const ExsSample* sample;
+    std::size_t sample_number; ///< position in ExsInstrument::samples
+    ExsRange keys;
+    ExsRange velocities;
+    bool enabled;
+};
+
+struct ExsLayer {
+    const ExsGroup* group = nullptr;  ///< null: the zones without a group
+    std::vector<ExsPlacedZone> zones; ///< by ascending low key, equal ones as in the file
+};
+
+/// The layers of an instrument: that of the zones without a group first, then one for each group
+/// that has zones, in the order of the groups; always at least one. Zones without a sample and
+/// zones wholly outside their group are in none. They point into `instrument`. Linear time.
+std::vector<ExsLayer> exs_layers(const ExsInstrument& instrument);
+
+/// The positions of the samples that some zone of the layers plays, in ascending order.
+std::vector<std::size_t> exs_used_samples(const ExsInstrument& instrument,
+                                          const std::vector<ExsLayer>& layers);
+
+} // namespace lumo::platform

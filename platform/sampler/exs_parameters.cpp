@@ -1,0 +1,111 @@
+// Parameter numbers never changed between the versions of EXS24; the newer ones only added some.
+// Files leave out what is at its default, and drop the whole chunk when everything is: the
+// defaults here are those of such files, which differ from the knobs of a new instrument in the
+// output volume (0 dB, not -6).
+//
+// The matrix lies in two runs of numbers. Its first ten slots are six numbers each (destination,
+// source, via, two amounts, inverted via) with the inversion of the source and the bypass in runs
+// of their own; the other ten are eight numbers each.
+#include "sampler/exs_parameters.h"
+
+#include <algorithm>
+
+namespace lumo::platform {
+namespace {
+
+struct Range {
+    ExsParameter parameter;
+    std::int16_t standard;
+    std::int16_t lowest;
+    std::int16_t highest;
+};
+
+constexpr std::array ranges{
+    Range{ExsParameter::bend_up, 2, 0, 127},
+    Range{ExsParameter::bend_down, -1, -1, 127},
+    Range{ExsParameter::polyphony, 16, 1, 1024},
+    Range{ExsParameter::output_volume, 0, -96, 24},
+    Range{ExsParameter::volume_key_scale, 0, -96, 96},
+    Range{ExsParameter::filter_resonance, 0, 0, 1000},
+    Range{ExsParameter::filter_cutoff, 1000, 0, 1000},
+    Range{ExsParameter::filter_on, 0, 0, 1},
+    Range{ExsParameter::filter_key_track, 0, -1000, 1000},
+    Range{ExsParameter::lfo_1_rate, 98, 0, 127},
+    Range{ExsParameter::lfo_2_rate, 98, 0, 127},
+    Range{ExsParameter::lfo_3_rate, 98, 0, 127},
+    Range{ExsParameter::envelope_2_attack, 0, 0, 127},
+    Range{ExsParameter::envelope_2_decay, 0, 0, 127},
+    Range{ExsParameter::envelope_2_sustain, 0, 0, 127},
+    Range{ExsParameter::envelope_2_release, 0, 0, 127},
+    Range{ExsParameter::amp_sustain, 127, 0, 127},
+    Range{ExsParameter::amp_attack, 0, 0, 127},
+    Range{ExsParameter::amp_attack_soft, 0, 0, 127},
+    Range{ExsParameter::amp_decay, 0, 0, 127},
+    Range{ExsParameter::amp_release, 0, 0, 127},
+    Range{ExsParameter::level_by_velocity, -60, -96, 0},
+};
+
+/// Where the numbers of one matrix slot are.
+struct SlotIds {
+    std::size_t first; ///< destination, source, via, low, high in a row
+    std::size_t via_inverted;
+    std::size_t source_inverted;
+    std::size_t bypassed;
+};
+
+constexpr SlotIds slot_ids(int slot) {
+    const auto n = static_cast<std::size_t>(slot);
+    if (slot < 10) {
+        const std::size_t first = 173 + 6 * n;
+        return {first, first + 5, 233 + n, 244 + n};
+    }
+    const std::size_t first = 411 + 8 * (n - 10);
+    return {first, first + 6, first + 5, first + 7};
+}
+
+/// What the first two slots hold in a new instrument: envelope 2 moves the cutoff (by nothing
+/// yet), LFO 1 the pitch as far as the modulation wheel is up.
+constexpr std::array<std::array<std::int16_t, 5>, 2> standard_slots{
+    {{8, -14, -1, 0, 0}, {6, -12, 1, 0, 343}}};
+
+} // namespace
+
+ExsParameters::ExsParameters() {
+    for (const Range& range : ranges) {
+        values_[static_cast<std::size_t>(range.parameter)] = range.standard;
+    }
+    for (int slot = 0; slot < slot_count; ++slot) {
+        const std::size_t first = slot_ids(slot).first;
+        values_[first + 2] = -1;
+        if (static_cast<std::size_t>(slot) < standard_slots.size()) {
+            std::ranges::copy(standard_slots[static_cast<std::size_t>(slot)],
+                              values_.begin() + static_cast<std::ptrdiff_t>(first));
+        }
+    }
+}
+
+void ExsParameters::set(std::uint16_t id, std::int16_t value) {
+    if (id >= values_.size()) {
+        return;
+    }
+    const auto* range = std::ranges::find(ranges, ExsParameter{id}, &Range::parameter);
+    values_[id] = range == ranges.end() ? value : std::clamp(value, range->lowest, range->highest);
+}
+
+ExsModulation ExsParameters::modulation(int slot) const {
+    const SlotIds ids = slot_ids(slot);
+    ExsModulation result{
+        .destination = at(ids.bypassed) != 0 ? 0 : at(ids.first),
+        .source = at(ids.first + 1),
+        .via = at(ids.first + 2),
+        .low = std::clamp(at(ids.first + 3), -1000, 1000),
+        .high = std::clamp(at(ids.first + 4), -1000, 1000),
+        .inverted = at(ids.source_inverted) != 0,
+    };
+    if (at(ids.via_inverted) != 0) {
+        std::swap(result.low, result.high);
+    }
+    return result;
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,136 @@
+// An EXS24 file is a row of chunks without a header or an end mark: one for the instrument, one
+// for each zone, group and sample, at most one for the parameters, and in newer files some that
+// only an editor needs, which are passed over. Zones name their group and sample by position
+// among the chunks of that type, wherever those stand in the file.
+//
+// No field tells the version. The generations differ by the size of their chunks, and every
+// longer chunk only appends to the shorter one, so each field is read where the chunk reaches
+// that far and has its default elsewhere.
+#include "sampler/exs_reader.h"
+
+#include "sampler/exs_chunk.h"
+#include "sampler/exs_text.h"
+
+#include <algorithm>
+
+namespace lumo::platform {
+namespace {
+
+/// Keys and velocities are MIDI values, whatever the byte.
+int midi(std::uint8_t value) {
+    return std::min<int>(value, 127);
+}
+
+ExsZone read_zone(const ExsChunk& chunk) {
+    enum : unsigned { pitch_tracking_off = 2, velocity_range_on = 8, mute = 16 };
+    const unsigned options = chunk.u8(84);
+    ExsZone zone{
+        .name = chunk.name(),
+        .root_key = midi(chunk.u8(85, 60)),
+        .fine_tune = chunk.s8(86),
+        .volume = chunk.s8(88),
+        .keys = {midi(chunk.u8(90)), midi(chunk.u8(91, 127))},
+        .velocities = {},
+        .pitch_tracking = (options & pitch_tracking_off) == 0,
+        .muted = (options & mute) != 0,
+        .loop_on = (chunk.u8(117) & 1) != 0,
+        .sample_end = chunk.s32(100),
+        .loop_start = chunk.s32(104),
+        .loop_end = chunk.s32(108),
+        .group = chunk.s32(172, -1),
+        .sample = chunk.s32(176, -1),
+    };
+    if ((options & velocity_range_on) != 0) {
+        zone.velocities = {midi(chunk.u8(93)), midi(chunk.u8(94, 127))};
+    }
+    return zone;
+}
+
+/// A group has three places for what chooses it.
+bool chosen_by_controller(const ExsChunk& chunk) {
+    constexpr std::uint8_t by_controller = 3;
+    return chunk.u8(168) == by_controller || chunk.u8(176) == by_controller ||
+           chunk.u8(177) == by_controller;
+}
+
+ExsGroup read_group(const ExsChunk& chunk) {
+    ExsGroup group{
+        .name = chunk.name(),
+        .volume = chunk.s8(84),
+        .keys = {midi(chunk.u8(172)), midi(chunk.u8(173, 127))},
+        .velocities = {midi(chunk.u8(89)), midi(chunk.u8(90, 127))},
+        .muted = (chunk.u8(87) & 16) != 0,
+        .on_release = (chunk.u8(157) & 1) != 0,
+        .controller = {},
+    };
+    if (chosen_by_controller(chunk)) {
+        group.controller = midi(chunk.u8(169));
+    }
+    return group;
+}
+
+/// The chunk's own name comes last: old systems cut it down to 31 characters.
+ExsSample read_sample(const ExsChunk& chunk) {
+    constexpr std::size_t text_room = 256;
+    std::string name = chunk.text(420, text_room);
+    if (name.empty()) {
+        name = chunk.name();
+    }
+    return {.path = exs_path(chunk.text(164, text_room), name), .frames = chunk.u32(88)};
+}
+
+/// Two tables one behind the other: `count` numbers of a byte and `count` values, then pairs of a
+/// number and a value. The count of the pairs is stale in many files, so they are read to the
+/// chunk's end; number 0 is an empty place in both. False when the first table does not fit.
+bool read_parameters(const ExsChunk& chunk, ExsParameters& parameters) {
+    constexpr std::size_t ids = ExsChunk::header_size + 4;
+    const std::size_t count = chunk.u32(ExsChunk::header_size);
+    if (count > (chunk.size() - std::min(ids, chunk.size())) / 3) {
+        return false;
+    }
+    const std::size_t values = ids + count;
+    for (std::size_t i = 0; i < count; ++i) {
+        parameters.set(chunk.u8(ids + i), static_cast<std::int16_t>(chunk.u16(values + 2 * i)));
+    }
+    const std::size_t pairs = values + 2 * count + 4;
+    for (std::size_t at = pairs; at + 4 <= chunk.size(); at += 4) {
+        parameters.set(chunk.u16(at), static_cast<std::int16_t>(chunk.u16(at + 2)));
+    }
+    return true;
+}
+
+bool read_chunk(const ExsChunk& chunk, ExsInstrument& instrument) {
+    switch (chunk.type()) {
+    case ExsChunk::zone:
+        instrument.zones.push_back(read_zone(chunk));
+        return true;
+    case ExsChunk::group:
+        instrument.groups.push_back(read_group(chunk));
+        return true;
+    case ExsChunk::sample:
+        instrument.samples.push_back(read_sample(chunk));
+        return true;
+    case ExsChunk::parameters:
+        return read_parameters(chunk, instrument.parameters);
+    default:
+        return true;
+    }
+}
+
+} // namespace
+
+std::optional<ExsInstrument> read_exs(std::span<const std::uint8_t> file) {
+    ExsInstrument instrument;
+    bool complete = false;
+    while (!file.empty()) {
+        const std::optional<ExsChunk> chunk = ExsChunk::first_of(file);
+        if (!chunk || !read_chunk(*chunk, instrument)) {
+            return std::nullopt;
+        }
+        complete = complete || chunk->type() == ExsChunk::instrument;
+        file = file.subspan(chunk->size());
+    }
+    return complete ? std::optional(std::move(instrument)) : std::nullopt;
+}
+
+} // namespace lumo::platform

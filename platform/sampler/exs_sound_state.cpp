@@ -1,0 +1,135 @@
+// Envelopes, filter, LFOs and connections as dictionaries. Amplifier and oscillator are nothing but
+// switched on.
+#include "sampler/exs_sound_state.h"
+
+#include "sampler/exs_formulas.h"
+
+namespace lumo::platform {
+namespace {
+
+StateValue enabled_part(const StateKeys& keys) {
+    return StateDictionary().integer(keys.id, 0).boolean(keys.enabled, true).make();
+}
+
+// --- envelopes -----------------------------------------------------------------------------------
+
+StateValue timed_stage(const StateKeys& keys, int stage, int curve, float seconds) {
+    return StateDictionary()
+        .integer(keys.curve, curve)
+        .integer(keys.stage, stage)
+        .real(keys.time, seconds)
+        .make();
+}
+
+StateValue envelope_state(const StateKeys& keys, int id, const ExsEnvelope& envelope) {
+    constexpr int straight = 20;
+    constexpr int rounded = 22;
+    constexpr float shutdown_seconds = 0.005F;
+    const std::vector<StateValue> stages{
+        timed_stage(keys, 0, straight, 0),
+        timed_stage(keys, 1, id == 0 ? rounded : straight, envelope.attack),
+        timed_stage(keys, 2, straight, 0),
+        timed_stage(keys, 3, straight, envelope.decay),
+        StateDictionary().real(keys.level, envelope.sustain).integer(keys.stage, 4).make(),
+        timed_stage(keys, 5, straight, envelope.release),
+        timed_stage(keys, 6, straight, shutdown_seconds),
+    };
+    return StateDictionary()
+        .integer(keys.id, id)
+        .boolean(keys.enabled, true)
+        .set(keys.stages, state_array(stages))
+        .make();
+}
+
+StateValue envelopes_state(const StateKeys& keys, const ExsParameters& parameters) {
+    std::vector<StateValue> envelopes;
+    for (const ExsEnvelope& envelope : exs_envelopes(parameters)) {
+        envelopes.push_back(envelope_state(keys, static_cast<int>(envelopes.size()), envelope));
+    }
+    return state_array(envelopes);
+}
+
+// --- filter and LFOs -----------------------------------------------------------------------------
+
+StateValue filter_state(const StateKeys& keys, const ExsParameters& parameters) {
+    return StateDictionary()
+        .integer(keys.id, 0)
+        .real(keys.cutoff, exs_cutoff(parameters))
+        .boolean(keys.enabled, parameters.value(ExsParameter::filter_on) != 0)
+        .real(keys.resonance, exs_resonance(parameters))
+        .make();
+}
+
+/// The layers' LFO stays when it stands still, but without a rate.
+StateValue layer_lfos_state(const StateKeys& keys, const ExsParameters& parameters) {
+    StateDictionary lfo;
+    lfo.integer(keys.id, 0).real(keys.delay, 0).boolean(keys.enabled, true);
+    if (const auto rate = exs_lfo_rate(parameters.value(ExsParameter::lfo_1_rate))) {
+        lfo.real(keys.rate, *rate);
+    }
+    return state_array({lfo.make()});
+}
+
+/// The two LFOs that all layers share are left out when they stand still.
+StateValue instrument_lfos_state(const StateKeys& keys, const ExsParameters& parameters) {
+    std::vector<StateValue> lfos;
+    int id = 240;
+    for (const ExsParameter parameter : {ExsParameter::lfo_2_rate, ExsParameter::lfo_3_rate}) {
+        if (const auto rate = exs_lfo_rate(parameters.value(parameter))) {
+            lfos.push_back(StateDictionary()
+                               .integer(keys.id, id)
+                               .boolean(keys.enabled, true)
+                               .real(keys.rate, *rate)
+                               .make());
+        }
+        ++id;
+    }
+    return state_array(lfos);
+}
+
+// --- connections ---------------------------------------------------------------------------------
+
+StateValue connection_state(const StateKeys& keys, const ExsConnection& connection,
+                            std::uint32_t layer) {
+    StateDictionary state;
+    state.integer(keys.id, connection.id)
+        .integer(keys.control, code::in_layer(connection.control, layer))
+        .integer(keys.destination, code::in_layer(connection.destination, layer))
+        .boolean(keys.enabled, true)
+        .boolean(keys.inverse, connection.inverse)
+        .integer(keys.source, code::in_layer(connection.source, layer))
+        .integer(keys.transform, connection.transform);
+    if (connection.has_range) {
+        state.real(keys.max_value, connection.high).real(keys.min_value, connection.low);
+    } else {
+        state.real(keys.scale, connection.high);
+    }
+    return state.make();
+}
+
+} // namespace
+
+ExsSoundState exs_sound_state(const StateKeys& keys, const ExsParameters& parameters) {
+    return {
+        .amplifier = enabled_part(keys),
+        .oscillator = enabled_part(keys),
+        .envelopes = envelopes_state(keys, parameters),
+        .filters = filter_state(keys, parameters),
+        .layer_lfos = layer_lfos_state(keys, parameters),
+        .instrument_lfos = instrument_lfos_state(keys, parameters),
+        .connections = exs_connections(parameters),
+    };
+}
+
+StateValue exs_connections_state(const StateKeys& keys,
+                                 const std::vector<ExsConnection>& connections,
+                                 std::uint32_t layer) {
+    std::vector<StateValue> states;
+    states.reserve(connections.size());
+    for (const ExsConnection& connection : connections) {
+        states.push_back(connection_state(keys, connection, layer));
+    }
+    return state_array(states);
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,30 @@
+// The part of a sampler state that comes from an EXS24 instrument's parameters alone.
+#pragma once
+
+#include "sampler/exs_connections.h"
+#include "sampler/state_dictionary.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace lumo::platform {
+
+/// Ready to stand in every layer, but for the connections.
+struct ExsSoundState {
+    StateValue amplifier;
+    StateValue oscillator;
+    StateValue envelopes;
+    StateValue filters;
+    StateValue layer_lfos;
+    StateValue instrument_lfos;             ///< of the instrument, not of its layers
+    std::vector<ExsConnection> connections; ///< those of layer 0
+};
+
+ExsSoundState exs_sound_state(const StateKeys& keys, const ExsParameters& parameters);
+
+/// `connections` as those of layer `layer`.
+StateValue exs_connections_state(const StateKeys& keys,
+                                 const std::vector<ExsConnection>& connections,
+                                 std::uint32_t layer);
+
+} // namespace lumo::platform

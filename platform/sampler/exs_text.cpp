@@ -1,0 +1,73 @@
+// Names of the classic Mac OS are MacRoman; later ones are UTF-8. The two are told apart by their
+// bytes alone: text in MacRoman with a letter beyond ASCII is hardly ever valid UTF-8 too.
+//
+// The classic systems wrote paths with colons, the volume first and a colon at the end of a
+// folder. A slash was an ordinary letter to them, and is a colon to the systems since.
+#include "sampler/exs_text.h"
+
+#include "ref.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <algorithm>
+
+namespace lumo::platform {
+namespace {
+
+using String = Ref<CFStringRef>;
+
+std::string utf8(CFStringRef string) {
+    const CFIndex room =
+        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
+    std::string text(static_cast<std::size_t>(room), '\0');
+    CFStringGetCString(string, text.data(), room, kCFStringEncodingUTF8);
+    text.resize(text.find('\0'));
+    return text;
+}
+
+bool colon_path(std::string_view directory) {
+    return !directory.starts_with('/') && directory.find(':') != std::string_view::npos;
+}
+
+/// Colons between the parts become slashes, slashes in them colons.
+std::string posix_parts(std::string_view parts) {
+    std::string result(parts);
+    for (char& letter : result) {
+        letter = letter == ':' ? '/' : letter == '/' ? ':' : letter;
+    }
+    return result;
+}
+
+} // namespace
+
+std::string exs_text(std::span<const std::uint8_t> bytes) {
+    std::string text(bytes.begin(), bytes.end());
+    if (std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte < 0x80; })) {
+        return text;
+    }
+    const auto make = [&](CFStringEncoding encoding) {
+        return String::adopt(CFStringCreateWithBytes(kCFAllocatorDefault, bytes.data(),
+                                                     static_cast<CFIndex>(bytes.size()), encoding,
+                                                     false));
+    };
+    if (make(kCFStringEncodingUTF8)) {
+        return text;
+    }
+    const String roman = make(kCFStringEncodingMacRoman);
+    return roman ? utf8(roman.get()) : std::string();
+}
+
+std::string exs_path(std::string_view directory, std::string_view name) {
+    std::string path;
+    if (colon_path(directory)) {
+        path = "/Volumes/" + posix_parts(directory);
+    } else {
+        path = directory;
+    }
+    if (!path.empty() && !path.ends_with('/')) {
+        path += '/';
+    }
+    return path + (colon_path(directory) ? posix_parts(name) : std::string(name));
+}
+
+} // namespace lumo::platform

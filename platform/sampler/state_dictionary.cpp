@@ -1,0 +1,57 @@
+// A state of thousands of zones has tens of thousands of entries with the same few keys. So the
+// keys are made once, and a dictionary is made with all its entries at hand, in one allocation.
+#include "sampler/state_dictionary.h"
+
+#include <stdexcept>
+
+namespace lumo::platform {
+
+StateValue state_integer(std::int64_t value) {
+    return StateValue::adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &value));
+}
+
+StateValue state_real(float value) {
+    return StateValue::adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberFloat32Type, &value));
+}
+
+StateValue state_boolean(bool value) {
+    return StateValue::retain(value ? kCFBooleanTrue : kCFBooleanFalse);
+}
+
+StateValue state_text(const std::string& text) {
+    StateValue made = StateValue::adopt(
+        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(text.data()),
+                                static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
+    return made ? made : state_text({});
+}
+
+StateValue state_array(const std::vector<StateValue>& values) {
+    std::vector<CFTypeRef> objects;
+    objects.reserve(values.size());
+    for (const StateValue& value : values) {
+        objects.push_back(value.get());
+    }
+    return StateValue::adopt(CFArrayCreate(kCFAllocatorDefault, objects.data(),
+                                           static_cast<CFIndex>(objects.size()),
+                                           &kCFTypeArrayCallBacks));
+}
+
+StateDictionary& StateDictionary::set(const StateValue& key, StateValue value) {
+    keys_.at(count_) = key.get();
+    values_[count_] = std::move(value);
+    ++count_;
+    return *this;
+}
+
+StateValue StateDictionary::make() const {
+    std::array<CFTypeRef, most> keys = keys_;
+    std::array<CFTypeRef, most> values{};
+    for (std::size_t i = 0; i < count_; ++i) {
+        values[i] = values_[i].get();
+    }
+    return StateValue::adopt(CFDictionaryCreate(
+        kCFAllocatorDefault, keys.data(), values.data(), static_cast<CFIndex>(count_),
+        &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,100 @@
+// Makes the dictionaries of a sampler state.
+#pragma once
+
+#include "ref.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace lumo::platform {
+
+/// A value of a state; made once, it may stand in many places.
+using StateValue = Ref<CFTypeRef>;
+
+StateValue state_integer(std::int64_t value);
+/// The sampler counts in single precision.
+StateValue state_real(float value);
+StateValue state_boolean(bool value);
+/// `text` in UTF-8; what is not becomes an empty text.
+StateValue state_text(const std::string& text);
+StateValue state_array(const std::vector<StateValue>& values);
+
+/// The keys of the dictionaries, each made once for a whole state.
+struct StateKeys {
+    StateValue amplifier = state_text("Amplifier");
+    StateValue connections = state_text("Connections");
+    StateValue control = state_text("control");
+    StateValue curve = state_text("curve");
+    StateValue cutoff = state_text("cutoff");
+    StateValue delay = state_text("delay");
+    StateValue destination = state_text("destination");
+    StateValue enabled = state_text("enabled");
+    StateValue envelopes = state_text("Envelopes");
+    StateValue filters = state_text("Filters");
+    StateValue fine_tune = state_text("fine tune");
+    StateValue gain = state_text("gain");
+    StateValue id = state_text("ID");
+    StateValue inverse = state_text("inverse");
+    StateValue layers = state_text("Layers");
+    StateValue level = state_text("level");
+    StateValue lfos = state_text("LFOs");
+    StateValue loop_enabled = state_text("loop enabled");
+    StateValue loop_end = state_text("loop end");
+    StateValue loop_start = state_text("loop start");
+    StateValue max_key = state_text("max key");
+    StateValue max_value = state_text("max value");
+    StateValue max_velocity = state_text("max vel");
+    StateValue min_key = state_text("min key");
+    StateValue min_value = state_text("min value");
+    StateValue min_velocity = state_text("min vel");
+    StateValue name = state_text("name");
+    StateValue oscillator = state_text("Oscillator");
+    StateValue pitch_tracking = state_text("pitch tracking");
+    StateValue rate = state_text("rate");
+    StateValue resonance = state_text("resonance");
+    StateValue root_key = state_text("root key");
+    StateValue scale = state_text("scale");
+    StateValue selecting_controller = state_text("sel ctrlr");
+    StateValue source = state_text("source");
+    StateValue stage = state_text("stage");
+    StateValue stages = state_text("Stages");
+    StateValue time = state_text("time");
+    StateValue transform = state_text("transform");
+    StateValue trigger_mode = state_text("trigger mode");
+    StateValue voice_count = state_text("voice count");
+    StateValue waveform = state_text("waveform");
+    StateValue zones = state_text("Zones");
+};
+
+/// Gathers up to `most` entries with different keys, then makes the dictionary of exactly these.
+class StateDictionary {
+public:
+    static constexpr std::size_t most = 16;
+
+    StateDictionary& set(const StateValue& key, StateValue value);
+    StateDictionary& integer(const StateValue& key, std::int64_t value) {
+        return set(key, state_integer(value));
+    }
+    StateDictionary& real(const StateValue& key, float value) {
+        return set(key, state_real(value));
+    }
+    StateDictionary& boolean(const StateValue& key, bool value) {
+        return set(key, state_boolean(value));
+    }
+    StateDictionary& text(const StateValue& key, const std::string& value) {
+        return set(key, state_text(value));
+    }
+    StateValue make() const;
+
+private:
+    std::array<CFTypeRef, most> keys_{};
+    std::array<StateValue, most> values_;
+    std::size_t count_ = 0;
+};
+
+} // namespace lumo::platform

@@ -1,0 +1,118 @@
+// Writes EXS24 files of every generation, for tests: whatever fits the layout's chunks is written.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace lumo::test {
+
+/// How a generation of the sampler writes its chunks; sizes are those of their contents.
+struct ExsLayout {
+    std::string_view name = "10";
+    std::string_view magic = "TBOS"; ///< "SOBT" and "SOBJ" are big-endian
+    std::uint8_t flags = 0;          ///< above the type: 0x40, 0x80 (sizes of 15 bits)
+    std::size_t instrument = 80;
+    std::size_t zone = 136;
+    std::size_t group = 132;
+    std::size_t sample = 592;
+    std::size_t parameters = 388;
+};
+
+/// One of each generation, byte order, magic and flag.
+inline constexpr std::array exs_layouts{
+    ExsLayout{"big-endian", "SOBT", 0x80, 40, 104, 96, 336, 304},
+    ExsLayout{"monolith", "SOBJ", 0x80, 40, 104, 92, 336, 304},
+    ExsLayout{"little-monolith", "JBOS", 0x80, 40, 104, 96, 336, 304},
+    ExsLayout{"old", "TBOS", 0, 40, 108, 120, 592, 304},
+    ExsLayout{"old-longer-zones", "TBOS", 0, 40, 128, 120, 592, 304},
+    ExsLayout{"longer-groups", "TBOS", 0, 80, 132, 124, 592, 388},
+    ExsLayout{},
+    ExsLayout{"10.1", "TBOS", 0, 80, 140, 132, 592, 1108},
+    ExsLayout{"10.5", "TBOS", 0, 88, 148, 140, 600, 1108},
+    ExsLayout{"flagged", "TBOS", 0x40, 88, 148, 144, 600, 1108},
+    ExsLayout{"longer-than-any", "TBOS", 0, 200, 300, 400, 1624, 2000},
+};
+
+struct ExsZoneFields {
+    std::string name = "Zone #1";
+    int options = 0; ///< 2: pitch tracking off, 8: velocity range on, 16: mute
+    int root_key = 60;
+    int fine_tune = 0;
+    int volume = 0;
+    int low_key = 0;
+    int high_key = 127;
+    int low_velocity = 0;
+    int high_velocity = 127;
+    std::int32_t sample_end = 1000;
+    std::int32_t loop_start = 0;
+    std::int32_t loop_end = 1000;
+    int loop_options = 0; ///< 1: on
+    int coarse_tune = 0;
+    int pan = 0;
+    std::int32_t group = -1;
+    std::int32_t sample = 0;
+};
+
+struct ExsGroupFields {
+    std::string name = "Group 1";
+    int volume = 0;
+    int pan = 0;
+    int options = 0; ///< 16: mute
+    int low_velocity = 0;
+    int high_velocity = 127;
+    int low_key = 0;
+    int high_key = 127;
+    int trigger = 0;                       ///< 1: on release
+    std::array<int, 3> chosen_by{0, 0, 0}; ///< 3: by the controller
+    int controller = 0;
+};
+
+struct ExsSampleFields {
+    std::string directory = "/Users/ada/Sounds";
+    std::string name = "kick.wav";
+    std::optional<std::string> chunk_name = {}; ///< of the chunk itself, if other than `name`
+    std::uint32_t frames = 1000;
+};
+
+/// Numbers and values of parameters.
+using ExsParameterList = std::vector<std::pair<int, int>>;
+
+class ExsBuilder {
+public:
+    explicit ExsBuilder(const ExsLayout& layout = {}) : layout_(layout) {}
+
+    ExsBuilder& zone(const ExsZoneFields& fields);
+    ExsBuilder& group(const ExsGroupFields& fields);
+    ExsBuilder& sample(const ExsSampleFields& fields);
+    /// `first` goes into the table of 100 places, `second` into the pairs behind it, whose count is
+    /// given as `pair_count` (default: as many as there are).
+    ExsBuilder& parameters(const ExsParameterList& first, const ExsParameterList& second = {},
+                           std::optional<std::uint32_t> pair_count = std::nullopt);
+    /// Any chunk.
+    ExsBuilder& chunk(int type, std::string_view content, std::string_view name = {});
+
+    /// The file: an instrument chunk and all others in the order in which they were given.
+    std::string bytes() const;
+    /// The same without the instrument chunk.
+    std::string chunks() const { return chunks_; }
+
+private:
+    /// The content of a chunk, all zero, into which only what fits is written.
+    class Content;
+
+    bool big_endian() const { return layout_.magic.starts_with("SOB"); }
+    std::string number(std::uint32_t value, std::size_t width) const;
+    std::string framed(int type, std::string_view content, std::string_view name) const;
+
+    ExsLayout layout_;
+    std::array<std::uint32_t, 16> counts_{};
+    std::string chunks_;
+};
+
+} // namespace lumo::test

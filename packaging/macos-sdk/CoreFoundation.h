@@ -12,7 +12,6 @@ extern "C" {
 
 typedef const struct __CFLocale* CFLocaleRef;
 
-typedef CFOptionFlags CFStringCompareFlags;
 enum : CFStringCompareFlags { kCFCompareCaseInsensitive = 1 };
 
 enum CFStringNormalizationForm : CFIndex {
@@ -24,9 +23,6 @@ enum CFStringNormalizationForm : CFIndex {
 
 CFMutableStringRef CFStringCreateMutableCopy(CFAllocatorRef allocator, CFIndex max_length,
                                              CFStringRef string);
-CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
-                         UInt8 loss_byte, Boolean is_external, UInt8* buffer, CFIndex size,
-                         CFIndex* used);
 void CFStringNormalize(CFMutableStringRef string, CFStringNormalizationForm form);
 void CFStringFold(CFMutableStringRef string, CFStringCompareFlags flags, CFLocaleRef locale);
 

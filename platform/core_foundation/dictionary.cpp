@@ -5,6 +5,7 @@
 #include "core_foundation/dictionary.h"
 
 #include "core_foundation/hashing.h"
+#include "core_foundation/string.h"
 
 #include <algorithm>
 #include <bit>
@@ -50,8 +51,15 @@ std::uint32_t hash_key(const Dictionary& dictionary, const void* key) noexcept {
 }
 
 bool same_key(const Dictionary& dictionary, const Object* held, const Object* key) {
-    return held == key ||
-           (dictionary.has(Container::owns_keys) && held->kind == key->kind && equal(held, key));
+    if (held == key) {
+        return true;
+    }
+    if (!dictionary.has(Container::owns_keys) || held->kind != key->kind) {
+        return false;
+    }
+    return held->kind == Kind::string
+               ? equal_strings(static_cast<const String&>(*held), static_cast<const String&>(*key))
+               : equal(held, key);
 }
 
 Entry* find_in_row(const Dictionary& dictionary, const Object* key) {

@@ -1,18 +1,17 @@
-// Errors of property lists.
+// Errors of property lists, all of which are of one domain.
 #include "core_foundation/error.h"
 
 #include "core_foundation/string.h"
 
-namespace lumo::platform {
-
-Owned make_cocoa_error(CFIndex code, std::string_view description) {
-    return Owned{
-        new Error{code, make_string_ascii("NSCocoaErrorDomain"), make_string_ascii(description)}};
-}
-
-} // namespace lumo::platform
-
 using namespace lumo::platform;
+
+const CFStringRef kCFErrorDomainCocoa =
+    reinterpret_cast<CFStringRef>(make_string_ascii("NSCocoaErrorDomain").release());
+
+Owned lumo::platform::make_cocoa_error(CFIndex code, std::string_view description) {
+    return Owned{
+        new Error{code, share(object_of(kCFErrorDomainCocoa)), make_string_ascii(description)}};
+}
 
 CFTypeID CFErrorGetTypeID() {
     return static_cast<CFTypeID>(Kind::error);

@@ -6,7 +6,6 @@
 #include "core_foundation/url.h"
 
 #include <cstring>
-#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -76,33 +75,49 @@ bool same_flags(const Container& a, const Container& b) noexcept {
     return (a.detail | Container::is_mutable) == (b.detail | Container::is_mutable);
 }
 
-/// Compares two containers as far as their own shape goes and leaves the pairs of children that
-/// still have to be equal on `open`.
-bool equal_shapes(const Container& a, const Container& b, std::vector<Pair>& open) {
-    if (a.count != b.count || !same_flags(a, b)) {
-        return false;
-    }
-    if (a.kind == Kind::array) {
-        const auto& left = static_cast<const Array&>(a);
-        const auto& right = static_cast<const Array&>(b);
-        for (std::size_t i = 0; i < left.count; ++i) {
-            if (!left.has(Container::owns_values) && left.values[i] != right.values[i]) {
-                return false;
-            }
-            open.emplace_back(left.values[i], right.values[i]);
+bool equal_arrays(const Array& a, const Array& b, std::vector<Pair>& open) {
+    for (std::size_t i = 0; i < a.count; ++i) {
+        if (!a.has(Container::owns_values) && a.values[i] != b.values[i]) {
+            return false;
         }
-        return true;
+        open.emplace_back(a.values[i], b.values[i]);
     }
-    const auto& left = static_cast<const Dictionary&>(a);
-    for (const Entry& entry : left.items()) {
-        const Entry* other = find(static_cast<const Dictionary&>(b), entry.key);
-        if (other == nullptr ||
-            (!left.has(Container::owns_values) && entry.value != other->value)) {
+    return true;
+}
+
+bool equal_dictionaries(const Dictionary& a, const Dictionary& b, std::vector<Pair>& open) {
+    for (const Entry& entry : a.items()) {
+        const Entry* other = find(b, entry.key);
+        if (other == nullptr || (!a.has(Container::owns_values) && entry.value != other->value)) {
             return false;
         }
         open.emplace_back(entry.value, other->value);
     }
     return true;
+}
+
+bool equal_containers(const Container& a, const Container& b, std::vector<Pair>& open) {
+    if (a.count != b.count || !same_flags(a, b)) {
+        return false;
+    }
+    return a.kind == Kind::array
+               ? equal_arrays(static_cast<const Array&>(a), static_cast<const Array&>(b), open)
+               : equal_dictionaries(static_cast<const Dictionary&>(a),
+                                    static_cast<const Dictionary&>(b), open);
+}
+
+/// Compares two objects but for the children of containers: the pairs of these that still have to
+/// be equal are left on `open`.
+bool equal_so_far(const Object* a, const Object* b, std::vector<Pair>& open) {
+    if (a == b) {
+        return true;
+    }
+    if (a->kind != b->kind) {
+        return false;
+    }
+    return is_container(a->kind) ? equal_containers(static_cast<const Container&>(*a),
+                                                    static_cast<const Container&>(*b), open)
+                                 : equal_leaves(*a, *b);
 }
 
 } // namespace
@@ -118,28 +133,20 @@ void destroy(const Object* object) noexcept {
 }
 
 // Containers are compared with a stack of our own, since they may be nested deeper than the
-// process's stack allows; only a dictionary used as a key is compared within the search for it.
+// process's stack allows; only a container used as a key is compared within the search for it.
 bool equal(const Object* a, const Object* b) {
     std::vector<Pair> open;
-    for (;;) {
-        if (a != b) {
-            if (a->kind != b->kind) {
-                return false;
-            }
-            const bool same = is_container(a->kind)
-                                  ? equal_shapes(static_cast<const Container&>(*a),
-                                                 static_cast<const Container&>(*b), open)
-                                  : equal_leaves(*a, *b);
-            if (!same) {
-                return false;
-            }
-        }
-        if (open.empty()) {
-            return true;
-        }
-        std::tie(a, b) = open.back();
-        open.pop_back();
+    if (!equal_so_far(a, b, open)) {
+        return false;
     }
+    while (!open.empty()) {
+        const auto [left, right] = open.back();
+        open.pop_back();
+        if (!equal_so_far(left, right, open)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 std::uint32_t hash(const Object* object) noexcept {

@@ -109,7 +109,7 @@ TEST_F(CopyFile, CopiesAFileThatDoesNotKnowItsSize) {
 }
 
 TEST_F(CopyFile, KeepsHolesAsHoles) {
-    constexpr off_t size = 64 << 20;
+    constexpr off_t size = 8 << 20;
     write_file(from, noise(5000));
     ASSERT_EQ(truncate(from.c_str(), size), 0);
     std::FILE* file = std::fopen(from.c_str(), "r+b");

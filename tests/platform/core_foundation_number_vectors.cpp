@@ -113,7 +113,7 @@ void compare_conversion(ConformanceTable& table, const Json& source, CFNumberRef
         table.differs_on_purpose("CFNumberGetValue", "-2^127 as a real keeps its sign");
         return;
     }
-    const bool same_value = expected.value("ub", false) || value == expected["v"];
+    const bool same_value = expected.value("ub", false) || Json(value) == expected["v"];
     table.compare("CFNumberGetValue", ok == expected["ok"] && same_value && is_untouched_behind,
                   source.dump() + " as " + type_name + ": " + (ok ? "true " : "false ") + value +
                       ", recorded " + expected.dump());

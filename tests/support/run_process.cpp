@@ -34,7 +34,7 @@ namespace {
 void read_all(std::array<pollfd, 2>& pipes, std::array<std::string*, 2> texts) {
     std::array<char, 65536> buffer{};
     while (pipes[0].fd >= 0 || pipes[1].fd >= 0) {
-        if (poll(pipes.data(), pipes.size(), -1) < 0 && errno != EINTR) {
+        if (poll(pipes.data(), static_cast<nfds_t>(pipes.size()), -1) < 0 && errno != EINTR) {
             throw std::runtime_error("poll");
         }
         for (std::size_t i = 0; i < pipes.size(); ++i) {

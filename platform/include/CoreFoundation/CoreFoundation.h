@@ -1,6 +1,8 @@
 // The part of CoreFoundation that the project uses: the types of property lists, and file URLs.
 // Same names, values and layouts as on macOS. Create and Copy functions hand one reference to the
-// caller, who releases it with CFRelease; what a Get function returns is borrowed.
+// caller, who releases it with CFRelease; what a Get function returns is borrowed. Allocators are
+// never looked at. References must be of the type that a function names and, but where it says
+// otherwise, not null. Objects that are not mutable may be used from any number of threads.
 #pragma once
 
 #include <stddef.h>
@@ -70,7 +72,7 @@ enum CFComparisonResult : CFIndex {
     kCFCompareGreaterThan = 1
 };
 
-enum CFStringCompareFlags : CFOptionFlags {};
+typedef CFOptionFlags CFStringCompareFlags;
 
 enum : CFStringEncoding {
     kCFStringEncodingMacRoman = 0,
@@ -103,7 +105,9 @@ enum CFNumberType : CFIndex {
     kCFNumberMaxType = 16
 };
 
-enum CFPropertyListMutabilityOptions : CFOptionFlags {
+typedef CFOptionFlags CFPropertyListMutabilityOptions;
+
+enum : CFPropertyListMutabilityOptions {
     kCFPropertyListImmutable = 0,
     kCFPropertyListMutableContainers = 1,
     kCFPropertyListMutableContainersAndLeaves = 2
@@ -147,18 +151,30 @@ typedef struct {
 
 typedef CFDictionaryValueCallBacks CFArrayCallBacks;
 
+/// Null: memory comes from the one allocator there is.
 extern const CFAllocatorRef kCFAllocatorDefault;
 extern const CFBooleanRef kCFBooleanTrue;
 extern const CFBooleanRef kCFBooleanFalse;
 extern const CFNullRef kCFNull;
+/// The domain of errors that property lists end with.
+extern const CFStringRef kCFErrorDomainCocoa;
+
+/// Callbacks of containers that hold objects: these are retained, and compared with CFEqual. The
+/// other choice is null: pointers that the container does not own. No others are accepted.
 extern const CFArrayCallBacks kCFTypeArrayCallBacks;
 extern const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 
+/// Takes one more reference and returns the object. Null stops the process.
 CFTypeRef CFRetain(CFTypeRef object);
+/// Gives up one reference; the last one frees the object. Null stops the process.
 void CFRelease(CFTypeRef object);
+/// Which of the types below the object is of.
 CFTypeID CFGetTypeID(CFTypeRef object);
+/// Whether two objects are of one type and have the same value. Strings compare unit by unit; a
+/// whole number equals the real of the same value, but 0 and 0.0 do not equal -0.0.
 Boolean CFEqual(CFTypeRef a, CFTypeRef b);
+/// A number that is the same for equal objects while the process runs.
 CFHashCode CFHash(CFTypeRef object);
 
 CFTypeID CFStringGetTypeID(void);
@@ -173,72 +189,120 @@ CFTypeID CFSetGetTypeID(void);
 CFTypeID CFURLGetTypeID(void);
 CFTypeID CFErrorGetTypeID(void);
 
+/// A string of NUL-terminated text; null when the bytes are not valid in the encoding. One byte
+/// order mark at the start of UTF-8 is left out.
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
                                       CFStringEncoding encoding);
+/// A string of `count` bytes in any of the encodings above; null as for CFStringCreateWithCString.
+/// An external representation in kCFStringEncodingUTF16 is big-endian unless a byte order mark says
+/// otherwise.
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex count,
                                     CFStringEncoding encoding, Boolean is_external);
+/// The length in UTF-16 units.
+CFIndex CFStringGetLength(CFStringRef string);
+/// The most bytes, without a NUL, that `length` UTF-16 units take; kCFNotFound when that is beyond
+/// the range of CFIndex.
+CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
+/// Writes the string and a NUL into `size` bytes, in UTF-8, UTF-16 or ASCII. False when they do not
+/// suffice or a character cannot be encoded; then the text in the buffer is empty.
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
                            CFStringEncoding encoding);
+/// Writes as many of the units in `range` as fit `size` bytes, in UTF-8, UTF-16 or ASCII, and stops
+/// at one that cannot be encoded, unless `loss_byte` (0 for none) may stand for it in ASCII. Null
+/// for `buffer` only counts. Returns the number of units; `used` (may be null) gets the bytes.
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
                          UInt8 loss_byte, Boolean is_external, UInt8* buffer, CFIndex size,
                          CFIndex* used);
+/// Compares strings by their UTF-16 units. `options` must be 0.
 CFComparisonResult CFStringCompare(CFStringRef a, CFStringRef b, CFStringCompareFlags options);
-CFIndex CFStringGetLength(CFStringRef string);
-CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 
+/// Data with a copy of the bytes.
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
 const UInt8* CFDataGetBytePtr(CFDataRef data);
 CFIndex CFDataGetLength(CFDataRef data);
 
+/// A date, in seconds since 2001-01-01 00:00:00 UTC.
 CFDateRef CFDateCreate(CFAllocatorRef allocator, CFAbsoluteTime time);
 CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date);
 
+/// A number from the scalar at `value`.
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
+/// Writes the number as a scalar of `type` to `value`. False when that is not its exact value: the
+/// low bits of a whole number, a real cut towards zero (at most to the ends of the range), the
+/// nearest real. The 8 and 16 bit types take values of their unsigned counterparts as exact.
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
+/// The type without aliases in which the number is kept; reals of single precision are kept so.
 CFNumberType CFNumberGetType(CFNumberRef number);
+/// The size in bytes of a scalar of that type.
 CFIndex CFNumberGetByteSize(CFNumberRef number);
 Boolean CFNumberIsFloatType(CFNumberRef number);
 Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
+/// An array of `count` values, which it retains if the callbacks are those of objects.
 CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void** values, CFIndex count,
                          const CFArrayCallBacks* callbacks);
+/// An empty array that grows as needed; `capacity` is only a hint.
 CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                        const CFArrayCallBacks* callbacks);
+/// Adds a value at the end. An array that is not mutable stops the process.
 void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
 CFIndex CFArrayGetCount(CFArrayRef array);
+/// The value at an index; an index that is out of range stops the process.
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 
+/// A dictionary of `count` entries; of several with equal keys the first stays. Entries keep the
+/// order in which their keys first came in.
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, const void** values,
                                    CFIndex count, const CFDictionaryKeyCallBacks* key_callbacks,
                                    const CFDictionaryValueCallBacks* value_callbacks);
+/// An empty dictionary that grows as needed; `capacity` is only a hint.
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                  const CFDictionaryKeyCallBacks* key_callbacks,
                                                  const CFDictionaryValueCallBacks* value_callbacks);
+/// A mutable dictionary with the same entries and callbacks, which share their keys and values.
 CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
                                                      CFDictionaryRef dictionary);
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
+/// The value of a key; null when there is no such key.
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
 Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
+/// Whether the key is there; if so, `value` (may be null) gets its value.
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
                                       const void** value);
+/// Fills arrays of as many pointers as there are entries; either may be null.
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
                                   const void** values);
+/// Adds an entry, or puts the key and the value in the place of those of an equal key. This and the
+/// next two stop the process when the dictionary is not mutable.
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
+/// Adds an entry unless there is one with an equal key.
 void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
+/// Removes the entry of a key, if there is one; the others keep their order.
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
 
 CFIndex CFSetGetCount(CFSetRef set);
+/// Fills an array of as many pointers as there are values.
 void CFSetGetValues(CFSetRef set, const void** values);
 
 CFErrorDomain CFErrorGetDomain(CFErrorRef error);
 CFIndex CFErrorGetCode(CFErrorRef error);
+/// What went wrong, in English.
 CFStringRef CFErrorCopyDescription(CFErrorRef error);
 
+/// The URL of a path of `length` bytes, which need not be UTF-8; null for no bytes. A relative path
+/// starts from the folder that is current now. A folder's URL ends in "/".
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
                                                  CFIndex length, Boolean is_directory);
+/// The URL that is written in `string`; null when it has characters that no URL has, or when `base`
+/// is not null.
 CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef string, CFURLRef base);
+/// The text of the URL, percent-encoded; of a relative path, that path.
 CFStringRef CFURLGetString(CFURLRef url);
+/// The URL's path in the POSIX style, without "/" at its end and not resolved; null when the URL
+/// has no path or one that is not UTF-8, and in another style.
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
+/// Writes the URL's path and a NUL into `size` bytes, if asked to as an absolute path. False when
+/// they do not suffice (the buffer then has an empty path) or the URL has no path.
 Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve_against_base, UInt8* buffer,
                                          CFIndex size);
 

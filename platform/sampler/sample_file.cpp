@@ -1,0 +1,182 @@
+// Whether a file is a sample that could be played.
+//
+// The file is opened once, by the C library's `open` under the path as recorded, so that a library
+// which redirects that call sees every sample. What the first bytes do not decide libsndfile does,
+// for the containers that samplers use: some of its other parsers, and its decoders for MPEG audio
+// and for ALAC, print remarks, and the standard streams are not ours. It reads through us: behind a
+// tag that precedes the audio, and only so much of a file, since some parsers walk as far through a
+// file as the file tells them to.
+//
+// A Sound Designer II file keeps its header in a resource fork, which is lost on the way to Linux
+// and would be lost again on the way into a show; without it the file is not audio.
+#include "sampler/sample_file.h"
+
+#include "sampler/audio_signature.h"
+#include "unique_fd.h"
+
+#include <fcntl.h>
+#include <sndfile.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <string_view>
+#include <unordered_set>
+
+namespace lumo::platform {
+namespace {
+
+constexpr int most_tags = 16; ///< files have one, seldom two
+constexpr sf_count_t most_bytes = 32 << 20;
+constexpr sf_count_t cost_of_a_read = 256; ///< in bytes, so that tiny reads come to an end as well
+
+/// A file, or the part of it from `start` on, as libsndfile reads it.
+struct SampleReader {
+    int fd;
+    sf_count_t start;
+    sf_count_t size;
+    sf_count_t at = 0;
+    sf_count_t allowance = most_bytes;
+    int error = 0; ///< errno of a read that failed
+
+    std::span<std::uint8_t> read(std::span<std::uint8_t> buffer) {
+        const ssize_t count =
+            uninterrupted([&] { return ::pread(fd, buffer.data(), buffer.size(), start + at); });
+        if (count < 0) {
+            error = errno;
+            return {};
+        }
+        at += count;
+        return buffer.first(static_cast<std::size_t>(count));
+    }
+};
+
+SampleReader& reader_of(void* user_data) {
+    return *static_cast<SampleReader*>(user_data);
+}
+
+sf_count_t reader_size(void* user_data) {
+    return reader_of(user_data).size;
+}
+
+sf_count_t reader_seek(sf_count_t offset, int whence, void* user_data) {
+    SampleReader& reader = reader_of(user_data);
+    const sf_count_t base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? reader.at : reader.size;
+    sf_count_t position = 0;
+    if (!__builtin_add_overflow(base, offset, &position) && position >= 0) {
+        reader.at = std::min(position, reader.size);
+    }
+    return reader.at;
+}
+
+sf_count_t reader_read(void* bytes, sf_count_t count, void* user_data) {
+    SampleReader& reader = reader_of(user_data);
+    const sf_count_t allowed = std::min(count, reader.allowance - cost_of_a_read);
+    if (allowed <= 0) {
+        return 0;
+    }
+    const auto read =
+        reader.read({static_cast<std::uint8_t*>(bytes), static_cast<std::size_t>(allowed)});
+    reader.allowance -= static_cast<sf_count_t>(read.size()) + cost_of_a_read;
+    return static_cast<sf_count_t>(read.size());
+}
+
+sf_count_t reader_tell(void* user_data) {
+    return reader_of(user_data).at;
+}
+
+bool is_audio_to_libsndfile(SampleReader& reader) {
+    SF_VIRTUAL_IO io{reader_size, reader_seek, reader_read, nullptr, reader_tell};
+    SF_INFO info{};
+    SNDFILE* file = sf_open_virtual(&io, SFM_READ, &info, &reader);
+    if (file) {
+        sf_close(file);
+    }
+    return file != nullptr;
+}
+
+/// Moves the reader's start behind the tags in front of the audio. The first bytes of the audio are
+/// returned, in `buffer`; none when they cannot be read.
+std::span<const std::uint8_t> skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
+    for (int tags = 0; tags <= most_tags; ++tags) {
+        reader.at = 0;
+        const auto head = reader.read(buffer);
+        const auto tag = static_cast<sf_count_t>(id3_tag_size(head));
+        if (tag == 0) {
+            reader.at = 0;
+            return head;
+        }
+        if (tag >= reader.size) {
+            break;
+        }
+        reader.start += tag;
+        reader.size -= tag;
+    }
+    return {};
+}
+
+OSStatus judge(int fd, off_t size) {
+    std::array<std::uint8_t, audio_head_size> buffer; // NOLINT: filled as far as it is used
+    SampleReader reader{fd, 0, size};
+    const auto head = skip_tags(reader, buffer);
+    const AudioHead kind = audio_head(head);
+    if (kind == AudioHead::audio ||
+        (kind == AudioHead::container && is_audio_to_libsndfile(reader))) {
+        return 0;
+    }
+    return reader.error != 0 ? status_of_file_error(reader.error) : not_an_audio_file;
+}
+
+} // namespace
+
+OSStatus status_of_file_error(int error) {
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case ELOOP:
+    case ENAMETOOLONG:
+        return file_not_found;
+    case EACCES:
+    case EPERM:
+        return file_not_permitted;
+    case EMFILE:
+    case ENFILE:
+        return too_many_open_files;
+    default:
+        return file_io_failed;
+    }
+}
+
+OSStatus open_sample(const std::string& path) {
+    if (path.find('\0') != std::string::npos) {
+        return file_not_found; // no file has such a name; cut off it would be another's
+    }
+    const UniqueFd fd(uninterrupted(
+        [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
+    if (!fd) {
+        // Sockets, and devices that are not there, cannot be opened at all.
+        return errno == ENXIO || errno == ENODEV ? not_an_audio_file : status_of_file_error(errno);
+    }
+    struct stat status {};
+    if (::fstat(fd.get(), &status) != 0) {
+        return status_of_file_error(errno);
+    }
+    return S_ISREG(status.st_mode) ? judge(fd.get(), status.st_size) : not_an_audio_file;
+}
+
+OSStatus open_samples(std::span<const std::string> paths) {
+    OSStatus first = 0;
+    std::unordered_set<std::string_view> seen;
+    for (const std::string& path : paths) {
+        if (seen.insert(path).second) {
+            const OSStatus status = open_sample(path);
+            first = first != 0 ? first : status;
+        }
+    }
+    return first;
+}
+
+} // namespace lumo::platform

@@ -1,0 +1,267 @@
+// Arrays and dictionaries through CoreFoundation's functions: what they hold, own and refuse.
+#include <CoreFoundation/CoreFoundation.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <thread>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+struct Release {
+    void operator()(const void* object) const { CFRelease(object); }
+};
+
+template <class Ref>
+using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
+
+template <class Ref>
+Holder<Ref> hold(Ref reference) {
+    return Holder<Ref>{reference};
+}
+
+Holder<CFStringRef> text(const std::string& utf8) {
+    return hold(CFStringCreateWithCString(nullptr, utf8.c_str(), kCFStringEncodingUTF8));
+}
+
+Holder<CFNumberRef> number(int value) {
+    return hold(CFNumberCreate(nullptr, kCFNumberIntType, &value));
+}
+
+Holder<CFMutableDictionaryRef> dictionary() {
+    return hold(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
+                                          &kCFTypeDictionaryValueCallBacks));
+}
+
+int value_of(CFDictionaryRef dictionary, const std::string& key) {
+    int value = -1;
+    const void* found = CFDictionaryGetValue(dictionary, text(key).get());
+    if (found != nullptr) {
+        CFNumberGetValue(static_cast<CFNumberRef>(found), kCFNumberIntType, &value);
+    }
+    return value;
+}
+
+Holder<CFMutableDictionaryRef> numbered(int count) {
+    auto result = dictionary();
+    for (int i = 0; i < count; ++i) {
+        CFDictionarySetValue(result.get(), text("key " + std::to_string(i)).get(), number(i).get());
+    }
+    return result;
+}
+
+TEST(Dictionaries, HoldWhatWasSet) {
+    for (const int count : {1, 8, 9, 100, 5000}) {
+        const auto entries = numbered(count);
+        EXPECT_EQ(CFDictionaryGetCount(entries.get()), count);
+        for (int i = 0; i < count; ++i) {
+            EXPECT_EQ(value_of(entries.get(), "key " + std::to_string(i)), i);
+        }
+        EXPECT_EQ(value_of(entries.get(), "key"), -1);
+    }
+}
+
+TEST(Dictionaries, KeepTheirKeysAndValuesAlive) {
+    auto entries = dictionary();
+    {
+        const auto key = text("a key that is only held by the dictionary");
+        const auto value = text("and so is the value");
+        CFDictionarySetValue(entries.get(), key.get(), value.get());
+    }
+    const void* key = nullptr;
+    const void* value = nullptr;
+    CFDictionaryGetKeysAndValues(entries.get(), &key, &value);
+    EXPECT_TRUE(CFEqual(key, text("a key that is only held by the dictionary").get()));
+    EXPECT_TRUE(CFEqual(value, text("and so is the value").get()));
+}
+
+TEST(Dictionaries, SetReplacesKeyAndValue) {
+    auto entries = dictionary();
+    const auto first = text("key");
+    const auto second = text("key");
+    CFDictionarySetValue(entries.get(), first.get(), number(1).get());
+    CFDictionarySetValue(entries.get(), second.get(), number(2).get());
+    const void* key = nullptr;
+    CFDictionaryGetKeysAndValues(entries.get(), &key, nullptr);
+    EXPECT_EQ(CFDictionaryGetCount(entries.get()), 1);
+    EXPECT_EQ(key, second.get());
+    EXPECT_EQ(value_of(entries.get(), "key"), 2);
+}
+
+TEST(Dictionaries, SetMayReplaceAnEntryByItself) {
+    auto entries = numbered(1);
+    const void* key = nullptr;
+    const void* value = nullptr;
+    CFDictionaryGetKeysAndValues(entries.get(), &key, &value);
+    CFDictionarySetValue(entries.get(), key, value);
+    EXPECT_EQ(value_of(entries.get(), "key 0"), 0);
+}
+
+TEST(Dictionaries, AddAndCreateKeepTheFirstOfEqualKeys) {
+    auto added = dictionary();
+    CFDictionaryAddValue(added.get(), text("key").get(), number(1).get());
+    CFDictionaryAddValue(added.get(), text("key").get(), number(2).get());
+    EXPECT_EQ(value_of(added.get(), "key"), 1);
+
+    const auto a = text("key");
+    const auto b = text("key");
+    const auto one = number(1);
+    const auto two = number(2);
+    const void* keys[] = {a.get(), b.get()};
+    const void* values[] = {one.get(), two.get()};
+    const auto created =
+        hold(CFDictionaryCreate(nullptr, keys, values, 2, &kCFTypeDictionaryKeyCallBacks,
+                                &kCFTypeDictionaryValueCallBacks));
+    EXPECT_EQ(CFDictionaryGetCount(created.get()), 1);
+    EXPECT_EQ(value_of(created.get(), "key"), 1);
+}
+
+TEST(Dictionaries, TakeAnIntegerAndTheRealOfItsValueForOneKey) {
+    auto entries = dictionary();
+    const double real = 5.0;
+    CFDictionarySetValue(entries.get(), number(5).get(), text("integer").get());
+    CFDictionarySetValue(entries.get(),
+                         hold(CFNumberCreate(nullptr, kCFNumberDoubleType, &real)).get(),
+                         text("real").get());
+    EXPECT_EQ(CFDictionaryGetCount(entries.get()), 1);
+    EXPECT_TRUE(CFEqual(CFDictionaryGetValue(entries.get(), number(5).get()), text("real").get()));
+}
+
+TEST(Dictionaries, TellAMissingKeyFromAPresentOne) {
+    const auto entries = numbered(3);
+    const void* value = nullptr;
+    EXPECT_TRUE(CFDictionaryContainsKey(entries.get(), text("key 2").get()));
+    EXPECT_FALSE(CFDictionaryContainsKey(entries.get(), text("key 3").get()));
+    EXPECT_TRUE(CFDictionaryGetValueIfPresent(entries.get(), text("key 2").get(), &value));
+    EXPECT_TRUE(CFEqual(value, number(2).get()));
+    EXPECT_TRUE(CFDictionaryGetValueIfPresent(entries.get(), text("key 2").get(), nullptr));
+    EXPECT_FALSE(CFDictionaryGetValueIfPresent(entries.get(), text("key 3").get(), &value));
+}
+
+TEST(Dictionaries, LoseARemovedEntryOnly) {
+    for (const int count : {3, 40}) {
+        auto entries = numbered(count);
+        CFDictionaryRemoveValue(entries.get(), text("key 1").get());
+        CFDictionaryRemoveValue(entries.get(), text("absent").get());
+        EXPECT_EQ(CFDictionaryGetCount(entries.get()), count - 1);
+        EXPECT_EQ(value_of(entries.get(), "key 1"), -1);
+        EXPECT_EQ(value_of(entries.get(), "key 0"), 0);
+        EXPECT_EQ(value_of(entries.get(), "key 2"), 2);
+    }
+}
+
+TEST(Dictionaries, CopiedAreIndependentButShareTheirValues) {
+    const auto original = numbered(20);
+    const auto copy = hold(CFDictionaryCreateMutableCopy(nullptr, 0, original.get()));
+    EXPECT_TRUE(CFEqual(original.get(), copy.get()));
+    const auto key = text("key 7");
+    EXPECT_EQ(CFDictionaryGetValue(original.get(), key.get()),
+              CFDictionaryGetValue(copy.get(), key.get()));
+    CFDictionarySetValue(copy.get(), key.get(), number(70).get());
+    EXPECT_EQ(value_of(original.get(), "key 7"), 7);
+    EXPECT_EQ(value_of(copy.get(), "key 7"), 70);
+}
+
+TEST(Dictionaries, OutliveTheOneTheyWereCopiedFrom) {
+    auto original = numbered(20);
+    const auto copy = hold(CFDictionaryCreateMutableCopy(nullptr, 0, original.get()));
+    original.reset();
+    EXPECT_EQ(value_of(copy.get(), "key 19"), 19);
+}
+
+TEST(Dictionaries, WithoutCallbacksHoldPlainPointers) {
+    auto pointers = hold(CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr));
+    std::vector<int> things(50);
+    for (int& thing : things) {
+        CFDictionarySetValue(pointers.get(), &thing, &thing + 1);
+    }
+    EXPECT_EQ(CFDictionaryGetCount(pointers.get()), 50);
+    EXPECT_EQ(CFDictionaryGetValue(pointers.get(), &things[7]), &things[8]);
+    CFDictionaryRemoveValue(pointers.get(), &things[7]);
+    EXPECT_EQ(CFDictionaryGetValue(pointers.get(), &things[7]), nullptr);
+}
+
+TEST(Dictionaries, AreNotEqualWhenAValueDiffers) {
+    const auto one = numbered(20);
+    const auto other = numbered(20);
+    EXPECT_TRUE(CFEqual(one.get(), other.get()));
+    EXPECT_EQ(CFHash(one.get()), CFHash(other.get()));
+    CFDictionarySetValue(other.get(), text("key 3").get(), text("3").get());
+    EXPECT_FALSE(CFEqual(one.get(), other.get()));
+}
+
+TEST(Arrays, HoldTheirValuesInOrder) {
+    const auto array = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    for (int i = 0; i < 100; ++i) {
+        CFArrayAppendValue(array.get(), number(1000 + i).get());
+    }
+    EXPECT_EQ(CFArrayGetCount(array.get()), 100);
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_TRUE(CFEqual(CFArrayGetValueAtIndex(array.get(), i), number(1000 + i).get()));
+    }
+}
+
+TEST(Arrays, AreEqualWhenTheirValuesAre) {
+    const auto a = text("a");
+    const auto b = text("b");
+    const void* values[] = {a.get(), b.get()};
+    const auto array = hold(CFArrayCreate(nullptr, values, 2, &kCFTypeArrayCallBacks));
+    const auto same = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    CFArrayAppendValue(same.get(), text("a").get());
+    EXPECT_FALSE(CFEqual(array.get(), same.get()));
+    CFArrayAppendValue(same.get(), text("b").get());
+    EXPECT_TRUE(CFEqual(array.get(), same.get()));
+}
+
+TEST(Objects, OfDifferentTypesAreNeverEqual) {
+    EXPECT_FALSE(CFEqual(number(1).get(), kCFBooleanTrue));
+    EXPECT_FALSE(CFEqual(text("1").get(), number(1).get()));
+    EXPECT_FALSE(CFEqual(kCFNull, kCFBooleanFalse));
+    EXPECT_NE(CFGetTypeID(kCFBooleanTrue), CFNumberGetTypeID());
+}
+
+TEST(Objects, NestedDeeplyAreReleased) {
+    auto outer = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    for (int i = 0; i < 100000; ++i) {
+        auto around = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+        CFArrayAppendValue(around.get(), outer.get());
+        outer = std::move(around);
+    }
+    EXPECT_EQ(CFArrayGetCount(outer.get()), 1);
+    outer.reset();
+    EXPECT_EQ(outer, nullptr);
+}
+
+TEST(Objects, MayBeRetainedAndReadFromManyThreads) {
+    const auto shared = numbered(30);
+    std::vector<std::thread> threads;
+    std::vector<int> sums(4);
+    for (int& sum : sums) {
+        threads.emplace_back([&shared, &sum] {
+            for (int i = 0; i < 2000; ++i) {
+                const auto own = hold(static_cast<CFDictionaryRef>(CFRetain(shared.get())));
+                sum += value_of(own.get(), "key 29");
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(sums, std::vector<int>(4, 2000 * 29));
+}
+
+TEST(ObjectsDeathTest, ThatAreNullCannotBeRetainedOrReleased) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(CFRelease(nullptr), "");
+    EXPECT_DEATH(CFRetain(nullptr), "");
+}
+
+TEST(ObjectsDeathTest, ArraysEndAtTheirCount) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto array = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    EXPECT_DEATH(CFArrayGetValueAtIndex(array.get(), 0), "");
+}
+
+} // namespace

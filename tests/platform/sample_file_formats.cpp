@@ -1,0 +1,329 @@
+// What is a sample and what is not.
+#include "audio_bytes.h"
+#include "in_child.h"
+#include "sampler/sample_file.h"
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+#include <sndfile.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+namespace lumo::platform {
+namespace {
+
+using namespace lumo::test;
+
+class SampleFile : public testing::Test {
+protected:
+    TempFolder folder;
+    const fs::path path = folder / "kick.wav";
+
+    OSStatus open_bytes(const std::string& bytes) const {
+        write_file(path, bytes);
+        return open_sample(path);
+    }
+    OSStatus open_format(int format) const {
+        write_audio(path, format);
+        return open_sample(path);
+    }
+};
+
+// --- what is ------------------------------------------------------------------------------------
+
+TEST_F(SampleFile, IsWhatLibsndfileWrites) {
+    constexpr int containers[] = {SF_FORMAT_WAV,  SF_FORMAT_WAVEX, SF_FORMAT_RF64, SF_FORMAT_W64,
+                                  SF_FORMAT_AIFF, SF_FORMAT_AU,    SF_FORMAT_CAF,  SF_FORMAT_FLAC};
+    for (const int container : containers) {
+        EXPECT_EQ(open_format(container | SF_FORMAT_PCM_16), 0) << std::hex << container;
+        EXPECT_EQ(open_format(container | SF_FORMAT_PCM_24), 0) << std::hex << container;
+    }
+}
+
+TEST_F(SampleFile, IsFloatingPointAndCompressedAudio) {
+    EXPECT_EQ(open_format(SF_FORMAT_WAV | SF_FORMAT_FLOAT), 0);
+    EXPECT_EQ(open_format(SF_FORMAT_WAV | SF_FORMAT_IMA_ADPCM), 0);
+    EXPECT_EQ(open_format(SF_FORMAT_AIFF | SF_FORMAT_FLOAT), 0); // AIFC
+    EXPECT_EQ(open_format(SF_FORMAT_CAF | SF_FORMAT_ALAC_16), 0);
+    EXPECT_EQ(open_format(SF_FORMAT_OGG | SF_FORMAT_VORBIS), 0);
+    EXPECT_EQ(open_format(SF_FORMAT_AU | SF_ENDIAN_LITTLE | SF_FORMAT_PCM_16), 0);
+    EXPECT_EQ(open_format(SF_FORMAT_WAV | SF_ENDIAN_BIG | SF_FORMAT_PCM_16), 0); // RIFX
+}
+
+TEST_F(SampleFile, IsMpegAudioOfEveryLayer) {
+    EXPECT_EQ(open_format(SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III), 0);
+    EXPECT_EQ(open_bytes(mp3_frames(3)), 0);
+    // Layer I, 32 kbit/s at 32 kHz: 48 bytes; layer II of MPEG-2, 64 kbit/s at 24 kHz: 384 bytes.
+    const std::string layer1 = "\xFF\xFF\x18\x00"s + std::string(44, '\0');
+    EXPECT_EQ(open_bytes(layer1 + layer1), 0);
+    const std::string layer2 = "\xFF\xF5\x84\x00"s + std::string(380, '\0');
+    EXPECT_EQ(open_bytes(layer2 + layer2), 0);
+    // Layer III of MPEG-2.5, 8 kbit/s at 11.025 kHz: 52 bytes.
+    const std::string layer3 = "\xFF\xE3\x10\x00"s + std::string(48, '\0');
+    EXPECT_EQ(open_bytes(layer3 + layer3), 0);
+}
+
+TEST_F(SampleFile, IsASingleFrameThatFillsTheFile) {
+    EXPECT_EQ(open_bytes(mp3_frames(1)), 0);
+    EXPECT_EQ(open_bytes(adts_frames(1, 100)), 0);
+}
+
+TEST_F(SampleFile, IsWhatLibsndfileDoesNotRead) {
+    EXPECT_EQ(open_bytes(mpeg4_head("M4A ")), 0);
+    EXPECT_EQ(open_bytes(mpeg4_head("mp42")), 0);
+    EXPECT_EQ(open_bytes(adts_frames(3, 200)), 0);
+    EXPECT_EQ(open_bytes(adts_frames(2, 8191)), 0);
+    EXPECT_EQ(open_bytes(ac3_head()), 0);
+    EXPECT_EQ(open_bytes(core_audio_head("aac ")), 0);
+    EXPECT_EQ(open_bytes(core_audio_head("opus")), 0);
+}
+
+TEST_F(SampleFile, IsAudioBehindATag) {
+    EXPECT_EQ(open_bytes(id3_tag(100) + mp3_frames(3)), 0);
+    EXPECT_EQ(open_bytes(id3_tag(300'000) + mp3_frames(3)), 0);
+    EXPECT_EQ(open_bytes(id3_tag(10) + id3_tag(20'000) + adts_frames(3, 100)), 0);
+    write_audio(path, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
+    EXPECT_EQ(open_bytes(id3_tag(5000) + read_file(path)), 0);
+}
+
+TEST_F(SampleFile, IsFoundThroughLinks) {
+    write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    fs::create_symlink("kick.wav", folder / "link.wav");
+    EXPECT_EQ(open_sample(folder / "link.wav"), 0);
+}
+
+TEST_F(SampleFile, IsToldByItsBytesAndNotByItsName) {
+    write_audio(folder / "kick.txt", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    EXPECT_EQ(open_sample(folder / "kick.txt"), 0);
+    EXPECT_EQ(open_bytes("Dear diary,"), not_an_audio_file);
+}
+
+// --- what is not --------------------------------------------------------------------------------
+
+TEST_F(SampleFile, IsNotAnythingElse) {
+    for (const std::string& bytes :
+         {""s, "R"s, "RIFF"s, "RIFF\4\0\0\0WAVE"s, "RIFF\4\0\0\0AVI "s, "FORM\0\0\0\4ILBM"s,
+          "caff"s, "caff\0\1\0\0"s, "ID3"s, "fLaC"s, "OggS"s, "root:x:0:0:root:/root:/bin/bash\n"s,
+          std::string(100'000, '\0'), std::string(100'000, '\xFF')}) {
+        EXPECT_EQ(open_bytes(bytes), not_an_audio_file) << bytes.substr(0, 20);
+    }
+}
+
+TEST_F(SampleFile, IsNotATextThatBeginsLikeAFrame) {
+    std::string text = "\xFF\xFE"s; // the mark of UTF-16
+    for (const char letter : "half a page of text that goes on for a while"s) {
+        text += letter + "\0"s;
+    }
+    EXPECT_EQ(open_bytes(text), not_an_audio_file);
+    for (int doubling = 0; doubling < 4; ++doubling) {
+        text += text;
+    }
+    EXPECT_EQ(open_bytes(text), not_an_audio_file);
+}
+
+TEST_F(SampleFile, IsNotAFrameFollowedBySomethingElse) {
+    EXPECT_EQ(open_bytes(mp3_frames(1) + std::string(1000, 'x')), not_an_audio_file);
+    EXPECT_EQ(open_bytes(adts_frames(1, 100) + std::string(1000, 'x')), not_an_audio_file);
+    EXPECT_EQ(open_bytes(mp3_frames(1).substr(0, 300)), not_an_audio_file);
+    EXPECT_EQ(open_bytes(adts_frames(1, 7).substr(0, 6)), not_an_audio_file);
+}
+
+TEST_F(SampleFile, IsNotAFrameWithImpossibleFields) {
+    for (const std::string& header : {"\xFF\xFB\x00\xC4"s, "\xFF\xFB\xF0\xC4"s, "\xFF\xFB\x9C\xC4"s,
+                                      "\xFF\xEB\x90\xC4"s, "\xFF\xF9\x90\xC4"s}) {
+        EXPECT_EQ(open_bytes(header + std::string(5000, '\0')), not_an_audio_file);
+    }
+    std::string ac3 = ac3_head();
+    ac3[4] = '\xD4'; // no such sampling rate
+    EXPECT_EQ(open_bytes(ac3), not_an_audio_file);
+    EXPECT_EQ(open_bytes(adts_frames(3, 3)), not_an_audio_file);
+}
+
+TEST_F(SampleFile, IsNotATagWithoutAudio) {
+    EXPECT_EQ(open_bytes(id3_tag(1000)), not_an_audio_file);
+    EXPECT_EQ(open_bytes(id3_tag(1000).substr(0, 500)), not_an_audio_file);
+    EXPECT_EQ(open_bytes(id3_tag(1000) + std::string(5000, 'x')), not_an_audio_file);
+    std::string tags;
+    for (int i = 0; i < 1000; ++i) {
+        tags += id3_tag(0);
+    }
+    EXPECT_EQ(open_bytes(tags + mp3_frames(3)), not_an_audio_file);
+}
+
+TEST_F(SampleFile, IsNotAnythingButARegularFile) {
+    EXPECT_EQ(open_sample(folder.path()), not_an_audio_file);
+    EXPECT_EQ(open_sample("/dev/zero"), not_an_audio_file);
+    EXPECT_EQ(open_sample("/dev/null"), not_an_audio_file);
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    EXPECT_EQ(open_sample(path), not_an_audio_file); // and did not wait
+    fs::remove(path);
+    const int end = socket(AF_UNIX, SOCK_STREAM, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.string().copy(address.sun_path, sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(end, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(open_sample(path), not_an_audio_file);
+    close(end);
+}
+
+TEST_F(SampleFile, IsAbsent) {
+    EXPECT_EQ(open_sample(path), file_not_found);
+    EXPECT_EQ(open_sample(""), file_not_found);
+    EXPECT_EQ(open_sample(folder / "no folder/kick.wav"), file_not_found);
+    EXPECT_EQ(open_sample(folder / std::string(300, 'x')), file_not_found);
+    fs::create_symlink("nowhere.wav", path);
+    EXPECT_EQ(open_sample(path), file_not_found);
+    EXPECT_EQ(open_sample(path / "kick.wav"), file_not_found);
+    fs::create_symlink("loop.wav", folder / "loop.wav");
+    EXPECT_EQ(open_sample(folder / "loop.wav"), file_not_found);
+}
+
+TEST_F(SampleFile, IsNotTheFileWhoseNameItsPathBeginsWith) {
+    write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    EXPECT_EQ(open_sample(path.string() + "\0.wav"s), file_not_found);
+}
+
+TEST_F(SampleFile, MayNotBeReadable) {
+    write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    fs::permissions(folder.path(), fs::perms::all);
+    fs::permissions(path, fs::perms::none);
+    EXPECT_EQ(in_child([&] {
+                  become_nobody();
+                  return open_sample(path) == file_not_permitted;
+              }),
+              1);
+}
+
+TEST_F(SampleFile, CannotBeOpenedWithoutAFreeDescriptor) {
+    write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    EXPECT_EQ(in_child([&] {
+                  const rlimit none{0, 0};
+                  setrlimit(RLIMIT_NOFILE, &none);
+                  return open_sample(path) == too_many_open_files;
+              }),
+              1);
+}
+
+TEST_F(SampleFile, FailsWithTheDisk) {
+    write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    EXPECT_EQ(in_child([&] {
+                  return refuse({{SYS_pread64, EIO}}) && open_sample(path) == file_io_failed;
+              }),
+              1);
+}
+
+TEST_F(SampleFile, IsNotLeftOpen) {
+    write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    const auto open_files = [] {
+        return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    };
+    const auto before = open_files();
+    open_sample(path);
+    open_bytes("no audio");
+    open_sample(folder.path());
+    EXPECT_EQ(open_files(), before);
+}
+
+// --- hostile headers ----------------------------------------------------------------------------
+
+/// What a process has read from files so far, in bytes.
+std::uint64_t bytes_read() {
+    std::ifstream stream("/proc/self/io");
+    std::string label;
+    std::uint64_t count = 0;
+    stream >> label >> count; // rchar
+    return count;
+}
+
+/// Opens the file in a process of its own and says whether it stayed within bounds of memory and of
+/// what it read.
+testing::AssertionResult opens_within_bounds(const fs::path& path) {
+    constexpr long most_kilobytes = 96 << 10;
+    constexpr std::uint64_t most_read = 40 << 20;
+    const int result = in_child([&] {
+        rusage before{};
+        getrusage(RUSAGE_SELF, &before);
+        const std::uint64_t read_before = bytes_read();
+        open_sample(path);
+        rusage after{};
+        getrusage(RUSAGE_SELF, &after);
+        const bool is_small = after.ru_maxrss - before.ru_maxrss < most_kilobytes;
+        const bool is_short = bytes_read() - read_before < most_read;
+        return (is_small ? 0 : 1) + (is_short ? 0 : 2);
+    });
+    return result == 0 ? testing::AssertionSuccess()
+                       : testing::AssertionFailure()
+                             << path.filename() << ((result & 1) != 0 ? ": too much memory" : "")
+                             << ((result & 2) != 0 ? ": read too much" : "");
+}
+
+TEST_F(SampleFile, WithAHostileHeaderTakesNeitherTimeNorMemory) {
+    const std::string huge(8, '\xFF');
+    const std::string beginnings[] = {
+        "RIFF"s + huge.substr(0, 4) + "WAVEfmt " + huge,
+        "RIFF"s + huge.substr(0, 4) + "WAVELIST\xFF\xFF\xFF\x7F"s + huge,
+        "RIFF"s + huge.substr(0, 4) + "WAVEcue \xF0\xFF\xFF\x7F\xFF\xFF\xFF\x0F"s,
+        "RF64"s + huge.substr(0, 4) + "WAVEds64\x1C\0\0\0"s + huge + huge + huge + huge,
+        "FORM\x7F\xFF\xFF\xFF\x41IFFCOMM\x7F\xFF\xFF\xFF\xFF\xFF"s + huge,
+        "FORM\x7F\xFF\xFF\xFF"s + "AIFFMARK\0\0\x10\0\xFF\xFF"s,
+        "FORM\x7F\xFF\xFF\xFF"s + "AIFFCOMT\x7F\xFF\xFF\xFF\xFF\xFF"s,
+        ".snd\xFF\xFF\xFF\xFF"s + huge + huge,
+        "fLaC\0\xFF\xFF\xFF"s + huge,
+        "fLaC\0\0\0\x22"s + std::string(34, '\1') + "\4\xFF\xFF\xFF\x10\0\0\0\xFF\xFF\xFF\xFF"s,
+        "OggS\0\2"s + std::string(20, '\0') + "\xFF"s + std::string(255, '\xFF'),
+        id3_tag(500) + "RIFF",
+        "ID3\4\0\0\x7F\x7F\x7F\x7F"s,
+    };
+    int number = 0;
+    for (const std::string& beginning : beginnings) {
+        const fs::path file = folder / std::to_string(number++);
+        write_file(file, beginning + std::string(1 << 20, '\xFF'));
+        EXPECT_TRUE(opens_within_bounds(file));
+        ASSERT_EQ(truncate(file.c_str(), off_t{1} << 36), 0); // 64 GB, nearly all of it a hole
+        EXPECT_TRUE(opens_within_bounds(file));
+    }
+}
+
+TEST_F(SampleFile, WithMetadataWithoutAnEndTakesNeitherTimeNorMemory) {
+    constexpr std::size_t stream_info_end = 42;
+    constexpr std::streamoff largest = 0xFFFFFF;
+    write_audio(path, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
+    std::string head = read_file(path).substr(0, stream_info_end);
+    head[4] = '\0';                               // there is more metadata
+    for (const char* kind : {"\1", "\2", "\4"}) { // padding, an application's, comments
+        std::ofstream stream(path, std::ios::binary | std::ios::trunc);
+        stream << head;
+        for (int block = 0; block < 100; ++block) {
+            stream << kind << "\xFF\xFF\xFF" << std::string(8, '\0');
+            stream.seekp(largest - 8, std::ios::cur);
+        }
+        stream << "\xFF\xF8";
+        stream.close();
+        EXPECT_TRUE(opens_within_bounds(path));
+    }
+}
+
+TEST_F(SampleFile, OfValidAudioWithoutAnEndTakesNeitherTimeNorMemory) {
+    for (const int format : {SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_AIFF | SF_FORMAT_PCM_16,
+                             SF_FORMAT_FLAC | SF_FORMAT_PCM_16, SF_FORMAT_OGG | SF_FORMAT_VORBIS,
+                             SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III}) {
+        write_audio(path, format);
+        ASSERT_EQ(truncate(path.c_str(), off_t{1} << 36), 0);
+        EXPECT_TRUE(opens_within_bounds(path)) << std::hex << format;
+    }
+}
+
+} // namespace
+} // namespace lumo::platform

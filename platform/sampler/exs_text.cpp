@@ -1,5 +1,7 @@
 // Names of the classic Mac OS are MacRoman; later ones are UTF-8. The two are told apart by their
-// bytes alone: text in MacRoman with a letter beyond ASCII is hardly ever valid UTF-8 too.
+// bytes alone: text in MacRoman with a letter beyond ASCII is hardly ever valid UTF-8 too. A name
+// that filled its room may have been cut within a character; what is whole of it still counts as
+// UTF-8.
 //
 // The classic systems wrote paths with colons, the volume first and a colon at the end of a
 // folder. A slash was an ordinary letter to them, and is a colon to the systems since.
@@ -25,6 +27,26 @@ std::string utf8(CFStringRef string) {
     return text;
 }
 
+String make(std::span<const std::uint8_t> bytes, CFStringEncoding encoding) {
+    return String::adopt(CFStringCreateWithBytes(
+        kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size()), encoding, false));
+}
+
+bool is_ascii(std::span<const std::uint8_t> bytes) {
+    return std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte < 0x80; });
+}
+
+/// How many bytes at the end begin a character of UTF-8 without ending it, if any do.
+std::size_t unfinished_character(std::span<const std::uint8_t> bytes) {
+    constexpr std::size_t longest = 3;
+    for (std::size_t count = 1; count <= std::min(longest, bytes.size()); ++count) {
+        if (bytes[bytes.size() - count] >= 0xC0) {
+            return count;
+        }
+    }
+    return 0;
+}
+
 bool colon_path(std::string_view directory) {
     return !directory.starts_with('/') && directory.find(':') != std::string_view::npos;
 }
@@ -41,19 +63,14 @@ std::string posix_parts(std::string_view parts) {
 } // namespace
 
 std::string exs_text(std::span<const std::uint8_t> bytes) {
-    std::string text(bytes.begin(), bytes.end());
-    if (std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte < 0x80; })) {
-        return text;
+    const auto rest = bytes.first(bytes.size() - unfinished_character(bytes));
+    if (is_ascii(bytes) || make(bytes, kCFStringEncodingUTF8)) {
+        return {bytes.begin(), bytes.end()};
     }
-    const auto make = [&](CFStringEncoding encoding) {
-        return String::adopt(CFStringCreateWithBytes(kCFAllocatorDefault, bytes.data(),
-                                                     static_cast<CFIndex>(bytes.size()), encoding,
-                                                     false));
-    };
-    if (make(kCFStringEncodingUTF8)) {
-        return text;
+    if (!is_ascii(rest) && make(rest, kCFStringEncodingUTF8)) {
+        return {rest.begin(), rest.end()};
     }
-    const String roman = make(kCFStringEncodingMacRoman);
+    const String roman = make(bytes, kCFStringEncodingMacRoman);
     return roman ? utf8(roman.get()) : std::string();
 }
 

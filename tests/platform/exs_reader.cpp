@@ -297,6 +297,24 @@ TEST(ExsReader, NamesAreUtf8OrElseMacRoman) {
     EXPECT_EQ(instrument->samples.at(0).path, "/Users/ren\xC3\xA9/a.wav");
 }
 
+TEST(ExsReader, NameCutWithinACharacterLosesThatAlone) {
+    const std::string kana = "\xE3\x82\xAB";
+    const std::string e_acute = "\x8E";
+    std::string long_name;
+    for (int i = 0; i < 22; ++i) {
+        long_name += kana; // 66 bytes for 64
+    }
+    const auto instrument = read(ExsBuilder()
+                                     .zone({.name = long_name})
+                                     .zone({.name = "caf" + e_acute})
+                                     .zone({.name = "caf\xC3"})
+                                     .bytes());
+    ASSERT_TRUE(instrument);
+    EXPECT_EQ(instrument->zones.at(0).name, long_name.substr(0, 63));
+    EXPECT_EQ(instrument->zones.at(1).name, "caf\xC3\xA9");
+    EXPECT_EQ(instrument->zones.at(2).name, "caf\xE2\x88\x9A"); // a root sign
+}
+
 TEST(ExsReader, FolderOfAnOldSystemIsOneBelowVolumes) {
     const auto instrument =
         read(ExsBuilder()

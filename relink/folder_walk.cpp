@@ -1,0 +1,203 @@
+// The walk reads the root's own folders first and keeps the symbolic links to folders that it
+// meets. Then it takes the byte-wise smallest of the links still waiting, reads the folders behind
+// it, which may add links, and so on. A folder is known by device and inode and is read the first
+// time only: so cycles end, and each folder has the path that these rules give it, whatever the
+// order in which the disk lists its entries.
+//
+// No descriptor stays open while another folder is read, so depth costs none. Files are never
+// asked for their status: the entries of a folder tell their types on every usual file system.
+#include "folder_walk.h"
+
+#include "sample_names.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <queue>
+#include <unordered_set>
+#include <vector>
+
+namespace lumo::exs::relink {
+namespace {
+
+struct FolderId {
+    dev_t device;
+    ino_t inode;
+    bool operator==(const FolderId&) const = default;
+};
+
+struct FolderIdHash {
+    std::size_t operator()(const FolderId& id) const {
+        return std::hash<std::uint64_t>()(id.inode ^ static_cast<std::uint64_t>(id.device) << 40);
+    }
+};
+
+struct CloseFolder {
+    void operator()(DIR* folder) const { closedir(folder); }
+};
+using Folder = std::unique_ptr<DIR, CloseFolder>;
+
+constexpr int open_flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
+
+/// A descriptor of the folder at `path`, negative when there is none. The system takes no path of
+/// PATH_MAX bytes or more: a longer one is opened in pieces, each from the folder before it.
+int open_path(const std::string& path) {
+    int folder = AT_FDCWD;
+    std::size_t begin = 0;
+    while (path.size() - begin >= PATH_MAX) {
+        const std::size_t slash = path.rfind('/', begin + PATH_MAX - 2);
+        const bool has_piece = slash != std::string::npos && slash > begin;
+        const int next =
+            has_piece ? openat(folder, path.substr(begin, slash - begin).c_str(), open_flags) : -1;
+        if (folder != AT_FDCWD) {
+            close(folder);
+        }
+        if (next < 0) {
+            return next;
+        }
+        folder = next;
+        begin = std::min(path.find_first_not_of('/', slash), path.size());
+    }
+    const char* rest = begin < path.size() ? path.c_str() + begin : ".";
+    const int descriptor = openat(folder, rest, open_flags);
+    if (folder != AT_FDCWD) {
+        close(folder);
+    }
+    return descriptor;
+}
+
+class Walk {
+public:
+    explicit Walk(const SampleFound& found) : found_(found) {}
+
+    void run(const std::string& root) {
+        read_tree(root.empty() || root.back() == '/' ? root : root + '/');
+        while (!links_.empty()) {
+            const std::string link = links_.top() + '/';
+            links_.pop();
+            read_tree(link);
+        }
+    }
+
+private:
+    void read_tree(std::string top) {
+        folders_.push_back(std::move(top));
+        while (!folders_.empty()) {
+            const std::string folder = std::move(folders_.back());
+            folders_.pop_back();
+            read_folder(folder);
+        }
+    }
+
+    void read_folder(const std::string& path) {
+        const Folder folder = open_unread(path);
+        if (!folder) {
+            return;
+        }
+        const auto first = static_cast<std::ptrdiff_t>(folders_.size());
+        while (const dirent* entry = readdir(folder.get())) {
+            if (entry->d_name[0] != '.') {
+                take(path, dirfd(folder.get()), *entry);
+            }
+        }
+        // A folder that is mounted twice is read under its first name.
+        std::sort(folders_.begin() + first, folders_.end(), std::greater<>());
+    }
+
+    /// The folder at `path`, unless it cannot be had or was read before under another path.
+    Folder open_unread(const std::string& path) {
+        const int descriptor = open_path(path);
+        struct stat status {};
+        if (descriptor < 0) {
+            return nullptr;
+        }
+        if (fstat(descriptor, &status) != 0 ||
+            !read_.insert({status.st_dev, status.st_ino}).second) {
+            close(descriptor);
+            return nullptr;
+        }
+        Folder folder(fdopendir(descriptor));
+        if (!folder) {
+            close(descriptor);
+        }
+        return folder;
+    }
+
+    void take(const std::string& path, int folder, const dirent& entry) {
+        const std::string_view name = entry.d_name;
+        switch (entry.d_type) {
+        case DT_REG:
+            take_file(path, name);
+            break;
+        case DT_DIR:
+            take_folder(path, name);
+            break;
+        case DT_LNK:
+            take_link(path, folder, name);
+            break;
+        case DT_UNKNOWN:
+            take_unknown(path, folder, name);
+            break;
+        default:
+            break; // a pipe, a socket or a device
+        }
+    }
+
+    void take_file(const std::string& path, std::string_view name) {
+        if (is_sample_name(name)) {
+            found_(path, name);
+        }
+    }
+
+    void take_folder(const std::string& path, std::string_view name) {
+        std::string& folder = folders_.emplace_back();
+        folder.reserve(path.size() + name.size() + 1);
+        folder.append(path).append(name).push_back('/');
+    }
+
+    void take_link(const std::string& path, int folder, std::string_view name) {
+        struct stat target {};
+        if (fstatat(folder, name.data(), &target, 0) != 0) {
+            return; // it leads nowhere, or round in a circle
+        }
+        if (S_ISREG(target.st_mode)) {
+            take_file(path, name);
+        } else if (S_ISDIR(target.st_mode)) {
+            links_.push(path + std::string(name));
+        }
+    }
+
+    /// An entry of a file system that does not tell the types of its entries.
+    void take_unknown(const std::string& path, int folder, std::string_view name) {
+        struct stat status {};
+        if (fstatat(folder, name.data(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+            return;
+        }
+        if (S_ISREG(status.st_mode)) {
+            take_file(path, name);
+        } else if (S_ISDIR(status.st_mode)) {
+            take_folder(path, name);
+        } else if (S_ISLNK(status.st_mode)) {
+            take_link(path, folder, name);
+        }
+    }
+
+    const SampleFound& found_;
+    std::vector<std::string> folders_; // paths to read, with a slash at the end
+    std::priority_queue<std::string, std::vector<std::string>, std::greater<>> links_; // without
+    std::unordered_set<FolderId, FolderIdHash> read_;
+};
+
+} // namespace
+
+void walk_samples(const std::string& root, const SampleFound& found) {
+    Walk(found).run(root);
+}
+
+} // namespace lumo::exs::relink

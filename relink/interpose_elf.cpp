@@ -1,0 +1,336 @@
+// The C library's file functions under their own names. This library stands before libc in the
+// process's search order, so calls from the program and from every library in it arrive here; the
+// real function is the next one of that name. A shim decides nothing: it says how the call is made
+// and look_up says with which path. Only calls that read are looked up; one that may write goes to
+// the path that it names.
+//
+// glibc's fopen, opendir and realpath call inner functions that cannot be taken over, so each name
+// has a shim of its own. The names with 64 differ from those without where off_t has 32 bits.
+#undef _FORTIFY_SOURCE
+#undef _FILE_OFFSET_BITS
+
+#include "look_up.h"
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace lumo::exs::relink {
+namespace {
+
+/// The real function behind a shim, looked for at its first call: the first calls come before any
+/// initialiser of this library has run.
+template <class Function>
+class Real {
+public:
+    constexpr explicit Real(const char* name) : name_(name) {}
+
+    template <class... Arguments>
+    auto operator()(Arguments... arguments) {
+        Function* function = function_.load(std::memory_order_relaxed);
+        return (function ? function : find())(arguments...);
+    }
+
+private:
+    Function* find() {
+        const int before = errno;
+        auto* const function = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name_));
+        function_.store(function, std::memory_order_relaxed);
+        errno = before;
+        return function;
+    }
+
+    const char* name_;
+    std::atomic<Function*> function_{nullptr};
+};
+
+using Open = int(const char*, int, ...);
+using OpenChecked = int(const char*, int);
+using OpenAt = int(int, const char*, int, ...);
+using OpenAtChecked = int(int, const char*, int);
+using OpenStream = FILE*(const char*, const char*);
+using ReopenStream = FILE*(const char*, const char*, FILE*);
+using OpenFolder = DIR*(const char*);
+using Stat = int(const char*, struct stat*);
+using Stat64 = int(const char*, struct stat64*);
+using StatAt = int(int, const char*, struct stat*, int);
+using StatAt64 = int(int, const char*, struct stat64*, int);
+using StatX = int(int, const char*, int, unsigned, struct statx*);
+using OldStat = int(int, const char*, struct stat*);
+using OldStat64 = int(int, const char*, struct stat64*);
+using OldStatAt = int(int, int, const char*, struct stat*, int);
+using OldStatAt64 = int(int, int, const char*, struct stat64*, int);
+using Access = int(const char*, int);
+using AccessAt = int(int, const char*, int, int);
+using ReadLink = ssize_t(const char*, char*, size_t);
+using RealPath = char*(const char*, char*);
+using RealPathChecked = char*(const char*, char*, size_t);
+using CanonicalName = char*(const char*);
+
+constinit Real<Open> real_open("open");
+constinit Real<Open> real_open64("open64");
+constinit Real<OpenChecked> real_open_2("__open_2");
+constinit Real<OpenChecked> real_open64_2("__open64_2");
+constinit Real<OpenAt> real_openat("openat");
+constinit Real<OpenAt> real_openat64("openat64");
+constinit Real<OpenAtChecked> real_openat_2("__openat_2");
+constinit Real<OpenAtChecked> real_openat64_2("__openat64_2");
+constinit Real<OpenStream> real_fopen("fopen");
+constinit Real<OpenStream> real_fopen64("fopen64");
+constinit Real<ReopenStream> real_freopen("freopen");
+constinit Real<ReopenStream> real_freopen64("freopen64");
+constinit Real<OpenFolder> real_opendir("opendir");
+constinit Real<Stat> real_stat("stat");
+constinit Real<Stat64> real_stat64("stat64");
+constinit Real<Stat> real_lstat("lstat");
+constinit Real<Stat64> real_lstat64("lstat64");
+constinit Real<StatAt> real_fstatat("fstatat");
+constinit Real<StatAt64> real_fstatat64("fstatat64");
+constinit Real<StatX> real_statx("statx");
+constinit Real<OldStat> real_xstat("__xstat");
+constinit Real<OldStat64> real_xstat64("__xstat64");
+constinit Real<OldStat> real_lxstat("__lxstat");
+constinit Real<OldStat64> real_lxstat64("__lxstat64");
+constinit Real<OldStatAt> real_fxstatat("__fxstatat");
+constinit Real<OldStatAt64> real_fxstatat64("__fxstatat64");
+constinit Real<Access> real_access("access");
+constinit Real<AccessAt> real_faccessat("faccessat");
+constinit Real<ReadLink> real_readlink("readlink");
+constinit Real<RealPath> real_realpath("realpath");
+constinit Real<RealPathChecked> real_realpath_chk("__realpath_chk");
+constinit Real<CanonicalName> real_canonicalize_file_name("canonicalize_file_name");
+
+bool only_reads(int flags) {
+    return (flags & (O_ACCMODE | O_CREAT | O_TRUNC)) == O_RDONLY;
+}
+
+bool only_reads(const char* mode) {
+    return mode[0] == 'r' && !strchr(mode, '+');
+}
+
+/// The mode argument of an open that may create a file.
+mode_t mode_of(int flags, va_list arguments) {
+    const bool has_mode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+    // The caller has started the list, which the analyzer does not see.
+    return has_mode ? va_arg(arguments, mode_t) : 0; // NOLINT(clang-analyzer-valist.Uninitialized)
+}
+
+/// look_up for a call that opens as `how` says, flags or a stream's mode.
+template <class How, class Call>
+auto look_up_to_open(How how, const char* path, Call call) {
+    return only_reads(how) ? look_up(path, call) : call(path);
+}
+
+/// look_up for `call(folder, path)`. A name relative to another folder than the current one does
+/// not say where a sample was recorded.
+template <class Call>
+auto look_up_at(int folder, const char* path, Call call) {
+    const bool says_where = folder == AT_FDCWD || (path && path[0] == '/');
+    return says_where ? look_up(path, [&](const char* p) { return call(AT_FDCWD, p); })
+                      : call(folder, path);
+}
+
+/// The same for a call that opens as `flags` say.
+template <class Call>
+auto look_up_at_to_open(int flags, int folder, const char* path, Call call) {
+    return only_reads(flags) ? look_up_at(folder, path, call) : call(folder, path);
+}
+
+/// freopen closes its stream even when it fails, so the path is chosen before the one call.
+FILE* reopen(Real<ReopenStream>& real, const char* path, const char* mode, FILE* stream) {
+    if (!session::is_open() || !path || !only_reads(mode)) {
+        return real(path, mode, stream);
+    }
+    std::string chosen = path;
+    look_up(path, [&](const char* p) {
+        const int result = real_access(p, F_OK);
+        if (result == 0) {
+            chosen = p;
+        }
+        return result;
+    });
+    return real(chosen.c_str(), mode, stream);
+}
+
+} // namespace
+
+bool is_readable(const char* path) {
+    return real_access(path, R_OK) == 0;
+}
+
+} // namespace lumo::exs::relink
+
+using namespace lumo::exs::relink;
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are the C library's own.
+#pragma GCC visibility push(default)
+extern "C" {
+
+int open(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_to_open(flags, path, [&](const char* p) { return real_open(p, flags, mode); });
+}
+
+int open64(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_to_open(flags, path, [&](const char* p) { return real_open64(p, flags, mode); });
+}
+
+int __open_2(const char* path, int flags) {
+    return look_up_to_open(flags, path, [&](const char* p) { return real_open_2(p, flags); });
+}
+
+int __open64_2(const char* path, int flags) {
+    return look_up_to_open(flags, path, [&](const char* p) { return real_open64_2(p, flags); });
+}
+
+int openat(int folder, const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_at_to_open(flags, folder, path,
+                              [&](int f, const char* p) { return real_openat(f, p, flags, mode); });
+}
+
+int openat64(int folder, const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_at_to_open(flags, folder, path, [&](int f, const char* p) {
+        return real_openat64(f, p, flags, mode);
+    });
+}
+
+int __openat_2(int folder, const char* path, int flags) {
+    return look_up_at_to_open(flags, folder, path,
+                              [&](int f, const char* p) { return real_openat_2(f, p, flags); });
+}
+
+int __openat64_2(int folder, const char* path, int flags) {
+    return look_up_at_to_open(flags, folder, path,
+                              [&](int f, const char* p) { return real_openat64_2(f, p, flags); });
+}
+
+FILE* fopen(const char* path, const char* mode) {
+    return look_up_to_open(mode, path, [&](const char* p) { return real_fopen(p, mode); });
+}
+
+FILE* fopen64(const char* path, const char* mode) {
+    return look_up_to_open(mode, path, [&](const char* p) { return real_fopen64(p, mode); });
+}
+
+FILE* freopen(const char* path, const char* mode, FILE* stream) {
+    return reopen(real_freopen, path, mode, stream);
+}
+
+FILE* freopen64(const char* path, const char* mode, FILE* stream) {
+    return reopen(real_freopen64, path, mode, stream);
+}
+
+DIR* opendir(const char* path) {
+    return look_up(path, [](const char* p) { return real_opendir(p); });
+}
+
+int stat(const char* path, struct stat* status) noexcept {
+    return look_up(path, [&](const char* p) { return real_stat(p, status); });
+}
+
+int stat64(const char* path, struct stat64* status) noexcept {
+    return look_up(path, [&](const char* p) { return real_stat64(p, status); });
+}
+
+int lstat(const char* path, struct stat* status) noexcept {
+    return look_up(path, [&](const char* p) { return real_lstat(p, status); });
+}
+
+int lstat64(const char* path, struct stat64* status) noexcept {
+    return look_up(path, [&](const char* p) { return real_lstat64(p, status); });
+}
+
+int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept {
+    return look_up_at(folder, path,
+                      [&](int f, const char* p) { return real_fstatat(f, p, status, flags); });
+}
+
+int fstatat64(int folder, const char* path, struct stat64* status, int flags) noexcept {
+    return look_up_at(folder, path,
+                      [&](int f, const char* p) { return real_fstatat64(f, p, status, flags); });
+}
+
+int statx(int folder, const char* path, int flags, unsigned mask, struct statx* status) noexcept {
+    return look_up_at(folder, path,
+                      [&](int f, const char* p) { return real_statx(f, p, flags, mask, status); });
+}
+
+// What programs call that were built with a glibc before 2.33.
+
+int __xstat(int version, const char* path, struct stat* status) {
+    return look_up(path, [&](const char* p) { return real_xstat(version, p, status); });
+}
+
+int __xstat64(int version, const char* path, struct stat64* status) {
+    return look_up(path, [&](const char* p) { return real_xstat64(version, p, status); });
+}
+
+int __lxstat(int version, const char* path, struct stat* status) {
+    return look_up(path, [&](const char* p) { return real_lxstat(version, p, status); });
+}
+
+int __lxstat64(int version, const char* path, struct stat64* status) {
+    return look_up(path, [&](const char* p) { return real_lxstat64(version, p, status); });
+}
+
+int __fxstatat(int version, int folder, const char* path, struct stat* status, int flags) {
+    return look_up_at(folder, path, [&](int f, const char* p) {
+        return real_fxstatat(version, f, p, status, flags);
+    });
+}
+
+int __fxstatat64(int version, int folder, const char* path, struct stat64* status, int flags) {
+    return look_up_at(folder, path, [&](int f, const char* p) {
+        return real_fxstatat64(version, f, p, status, flags);
+    });
+}
+
+int access(const char* path, int mode) noexcept {
+    return look_up(path, [&](const char* p) { return real_access(p, mode); });
+}
+
+int faccessat(int folder, const char* path, int mode, int flags) noexcept {
+    return look_up_at(folder, path,
+                      [&](int f, const char* p) { return real_faccessat(f, p, mode, flags); });
+}
+
+ssize_t readlink(const char* path, char* text, size_t size) noexcept {
+    return look_up(path, [&](const char* p) { return real_readlink(p, text, size); });
+}
+
+char* realpath(const char* path, char* resolved) noexcept {
+    return look_up(path, [&](const char* p) { return real_realpath(p, resolved); });
+}
+
+char* __realpath_chk(const char* path, char* resolved, size_t size) noexcept {
+    return look_up(path, [&](const char* p) { return real_realpath_chk(p, resolved, size); });
+}
+
+char* canonicalize_file_name(const char* path) noexcept {
+    return look_up(path, [](const char* p) { return real_canonicalize_file_name(p); });
+}
+
+} // extern "C"
+#pragma GCC visibility pop
+// NOLINTEND(bugprone-reserved-identifier)

@@ -1,0 +1,50 @@
+// The key of a name with CoreFoundation: composed, folded, composed again, since folding may
+// leave a letter and a mark that have a composed form.
+#include "sample_names.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <memory>
+#include <type_traits>
+
+namespace lumo::exs::relink {
+namespace {
+
+struct Release {
+    void operator()(CFTypeRef object) const { CFRelease(object); }
+};
+
+using String = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Release>;
+using MutableString = std::unique_ptr<std::remove_pointer_t<CFMutableStringRef>, Release>;
+
+/// The UTF-8 bytes of `string`; false when it has none (a lone surrogate).
+bool copy_bytes(CFStringRef string, std::string& bytes) {
+    const CFRange all{0, CFStringGetLength(string)};
+    CFIndex size = 0;
+    if (CFStringGetBytes(string, all, kCFStringEncodingUTF8, 0, false, nullptr, 0, &size) !=
+        all.length) {
+        return false;
+    }
+    bytes.resize(static_cast<std::size_t>(size));
+    CFStringGetBytes(string, all, kCFStringEncodingUTF8, 0, false,
+                     reinterpret_cast<UInt8*>(bytes.data()), size, nullptr);
+    return true;
+}
+
+} // namespace
+
+bool make_unicode_key(std::string_view name, std::string& key) {
+    const String text(
+        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(name.data()),
+                                static_cast<CFIndex>(name.size()), kCFStringEncodingUTF8, false));
+    if (!text) {
+        return false;
+    }
+    const MutableString folded(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, text.get()));
+    CFStringNormalize(folded.get(), kCFStringNormalizationFormC);
+    CFStringFold(folded.get(), kCFCompareCaseInsensitive, nullptr);
+    CFStringNormalize(folded.get(), kCFStringNormalizationFormC);
+    return copy_bytes(folded.get(), key);
+}
+
+} // namespace lumo::exs::relink

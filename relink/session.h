@@ -1,0 +1,42 @@
+// The one relink session of the process: which file to use for a path, and the record of it. It
+// knows no function of the C library; the shims that do ask it through look_up.h.
+#pragma once
+
+#include <atomic>
+#include <optional>
+#include <string>
+
+namespace lumo::exs::relink::session {
+
+/// Set while a session is open. The shims are called before any initialiser has run and in every
+/// thread, so until this says true they touch nothing else of the library.
+extern constinit std::atomic<bool> opened;
+
+inline bool is_open() noexcept {
+    return opened.load(std::memory_order_relaxed);
+}
+
+/// Marks the calling thread as being inside a look-up for as long as it lives.
+class Inside {
+public:
+    Inside() noexcept;
+    ~Inside();
+    Inside(const Inside&) = delete;
+    Inside& operator=(const Inside&) = delete;
+
+    /// Whether the thread was not inside before: a look-up made from within one is left alone.
+    bool is_first() const noexcept { return is_first_; }
+
+private:
+    bool is_first_;
+};
+
+/// Whether `path` (which may be null) is one that the session looks for when it is absent. One in
+/// Apple's library is not: it is recorded here, whether or not it exists.
+bool looks_for(const char* path) noexcept;
+
+/// The indexed file to use for `path`, which is absent, or nothing when the index has none that
+/// `is_readable` confirms. Recorded when `path` is asked for the first time; the answer stays.
+std::optional<std::string> replacement(const char* path, bool (*is_readable)(const char*)) noexcept;
+
+} // namespace lumo::exs::relink::session

@@ -1,0 +1,120 @@
+// What a walk brings into the index.
+#include "support/temp_folder.h"
+#include <lumo/relink.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <type_traits>
+
+namespace lumo::exs {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TempFolder;
+using test::write_file;
+using Paths = std::vector<std::string>;
+
+/// All paths of an index, sorted.
+Paths paths_of(const SampleIndex& index) {
+    Paths paths;
+    for (const auto& [key, entries] : index.files) {
+        for (const SampleIndex::Entry& entry : entries) {
+            paths.push_back(entry.path);
+        }
+    }
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+/// The paths that `root` brings, without `root` and the slash behind it.
+Paths walk(const fs::path& root) {
+    SampleIndex index;
+    index.add_root(root.string());
+    Paths paths = paths_of(index);
+    for (std::string& path : paths) {
+        path.erase(0, root.string().size() + 1);
+    }
+    EXPECT_EQ(index.entries, paths.size());
+    return paths;
+}
+
+TEST(SampleIndexType, is_a_plain_value_of_map_and_count) {
+    const SampleIndex index;
+    EXPECT_EQ(index.files.bucket_count(), 1u); // libstdc++ keeps its one bucket inside the map
+    EXPECT_EQ(index.files.max_load_factor(), 1.0f);
+    EXPECT_EQ(index.entries, 0u);
+    static_assert(std::is_nothrow_move_assignable_v<SampleIndex>);
+    static_assert(std::is_aggregate_v<SampleIndex> && std::is_aggregate_v<SampleIndex::Entry>);
+}
+
+TEST(AddRoot, finds_samples_in_all_folders_below) {
+    const TempFolder folder;
+    write_file(folder / "a.wav", "");
+    write_file(folder / "Kits/808/Kick.AIF", "");
+    write_file(folder / "Kits/808/Kick.exs", "");
+    write_file(folder / "Kits/Kick.aupreset", "");
+    EXPECT_EQ(walk(folder.path()), (Paths{"Kits/808/Kick.AIF", "a.wav"}));
+}
+
+TEST(AddRoot, notes_path_and_root_under_the_key_of_the_name) {
+    const TempFolder folder;
+    write_file(folder / "Kits/U\u0308ber.WAV", "");
+    SampleIndex index;
+    index.add_root(folder.path().string());
+    const auto& entries = index.files.at("\u00fcber.wav");
+    ASSERT_EQ(entries.size(), 1u);
+    EXPECT_EQ(entries[0].path, (folder / "Kits/U\u0308ber.WAV").string());
+    EXPECT_EQ(entries[0].root, folder.path().string());
+}
+
+TEST(AddRoot, adds_one_slash_between_root_and_name) {
+    const TempFolder folder;
+    write_file(folder / "a.wav", "");
+    SampleIndex index;
+    index.add_root(folder.path().string() + "/");
+    EXPECT_EQ(paths_of(index), (Paths{folder.path().string() + "/a.wav"}));
+}
+
+TEST(AddRoot, adds_a_root_once_however_often_it_is_given) {
+    const TempFolder folder;
+    write_file(folder / "Kits/a.wav", "");
+    write_file(folder / "Kits/b.wav", "");
+    SampleIndex index;
+    index.add_root(folder.path().string());
+    index.add_root(folder.path().string());
+    EXPECT_EQ(index.entries, 2u);
+    EXPECT_EQ(paths_of(index).size(), 2u);
+}
+
+TEST(AddRoot, takes_several_roots) {
+    const TempFolder folder;
+    write_file(folder / "one/a.wav", "");
+    write_file(folder / "two/a.wav", "");
+    SampleIndex index;
+    index.add_root((folder / "one").string());
+    index.add_root((folder / "two").string());
+    EXPECT_EQ(index.files.size(), 1u);
+    EXPECT_EQ(paths_of(index), (Paths{folder / "one/a.wav", folder / "two/a.wav"}));
+}
+
+TEST(AddRoot, passes_over_a_root_that_is_absent_or_a_file) {
+    const TempFolder folder;
+    write_file(folder / "a.wav", "");
+    SampleIndex index;
+    index.add_root((folder / "gone").string());
+    index.add_root((folder / "a.wav").string());
+    EXPECT_EQ(index.entries, 0u);
+}
+
+TEST(AddRoot, skips_names_that_begin_with_a_dot) {
+    const TempFolder folder;
+    write_file(folder / "._a.wav", "");
+    write_file(folder / ".wav", "");
+    write_file(folder / ".hidden/b.wav", "");
+    write_file(folder / "c.wav", "");
+    EXPECT_EQ(walk(folder.path()), Paths{"c.wav"});
+}
+
+} // namespace
+} // namespace lumo::exs

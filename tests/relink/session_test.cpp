@@ -1,0 +1,244 @@
+// What a session records and gives, seen through the C library and the standard library.
+#include "support/temp_folder.h"
+#include <lumo/relink.h>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <fstream>
+#include <thread>
+
+namespace lumo::exs {
+namespace {
+
+using Pairs = std::vector<std::pair<std::string, std::string>>;
+using Paths = std::vector<std::string>;
+using test::read_file;
+using test::TempFolder;
+using test::write_file;
+
+/// A library with some samples, and paths at which they are no more.
+class Session : public testing::Test {
+protected:
+    void SetUp() override {
+        write_file(folder / "library/kick.wav", "the kick");
+        write_file(folder / "library/snare.wav", "the snare");
+        index.add_root((folder / "library").string());
+    }
+
+    std::string path(std::string_view name) const { return (folder / name).string(); }
+
+    TempFolder folder;
+    SampleIndex index;
+};
+
+TEST_F(Session, without_look_ups_has_an_empty_result) {
+    relink::begin(index);
+    const relink::Result result = relink::end();
+    EXPECT_TRUE(result.relinked.empty());
+    EXPECT_TRUE(result.unresolved.empty());
+    EXPECT_TRUE(result.apple_library.empty());
+}
+
+TEST_F(Session, uses_an_existing_sample_as_it_is) {
+    write_file(folder / "here/kick.wav", "another kick");
+    relink::begin(index);
+    const std::string bytes = read_file(path("here/kick.wav"));
+    const relink::Result result = relink::end();
+    EXPECT_EQ(bytes, "another kick");
+    EXPECT_TRUE(result.relinked.empty());
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(Session, gives_the_indexed_file_for_an_absent_sample) {
+    relink::begin(index);
+    const std::string bytes = read_file(path("gone/Kick.WAV"));
+    const relink::Result result = relink::end();
+    EXPECT_EQ(bytes, "the kick");
+    EXPECT_EQ(result.relinked, (Pairs{{path("gone/Kick.WAV"), path("library/kick.wav")}}));
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(Session, records_an_absent_sample_that_is_not_indexed) {
+    relink::begin(index);
+    const std::string bytes = read_file(path("gone/tom.wav"));
+    const relink::Result result = relink::end();
+    EXPECT_EQ(bytes, "");
+    EXPECT_EQ(result.unresolved, Paths{path("gone/tom.wav")});
+    EXPECT_TRUE(result.relinked.empty());
+}
+
+TEST_F(Session, against_an_empty_index_relinks_nothing) {
+    const SampleIndex empty;
+    relink::begin(empty);
+    read_file(path("gone/kick.wav"));
+    const relink::Result result = relink::end();
+    EXPECT_EQ(result.unresolved, Paths{path("gone/kick.wav")});
+    EXPECT_TRUE(result.relinked.empty());
+}
+
+TEST_F(Session, takes_a_file_in_the_place_of_a_folder_as_absence) {
+    write_file(folder / "flat", "no folder");
+    relink::begin(index);
+    const std::string bytes = read_file(path("flat/kick.wav"));
+    const relink::Result result = relink::end();
+    EXPECT_EQ(bytes, "the kick");
+    EXPECT_EQ(result.relinked.size(), 1u);
+}
+
+TEST_F(Session, counts_a_sample_as_unresolved_when_the_indexed_file_is_gone) {
+    std::filesystem::remove(path("library/kick.wav"));
+    relink::begin(index);
+    struct stat status {};
+    errno = 0;
+    const int result = stat(path("gone/kick.wav").c_str(), &status);
+    const int error = errno;
+    const relink::Result recorded = relink::end();
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(error, ENOENT);
+    EXPECT_EQ(recorded.unresolved, Paths{path("gone/kick.wav")});
+    EXPECT_TRUE(recorded.relinked.empty());
+}
+
+TEST_F(Session, lists_each_path_once_in_the_order_of_the_first_look_ups) {
+    relink::begin(index);
+    for (const char* name : {"b/snare.wav", "a/kick.wav", "z/tom.wav", "b/snare.wav", "a//kick.wav",
+                             "y/rim.wav", "z/tom.wav", "a/kick.wav"}) {
+        std::filesystem::exists(path(name));
+        read_file(path(name));
+    }
+    const relink::Result result = relink::end();
+    EXPECT_EQ(result.relinked, (Pairs{{path("b/snare.wav"), path("library/snare.wav")},
+                                      {path("a/kick.wav"), path("library/kick.wav")},
+                                      {path("a//kick.wav"), path("library/kick.wav")}}));
+    EXPECT_EQ(result.unresolved, (Paths{path("z/tom.wav"), path("y/rim.wav")}));
+}
+
+TEST_F(Session, holds_only_its_own_look_ups) {
+    relink::begin(index);
+    read_file(path("gone/kick.wav"));
+    read_file(path("gone/tom.wav"));
+    relink::end();
+    relink::begin(index);
+    read_file(path("gone/snare.wav"));
+    const relink::Result second = relink::end();
+    EXPECT_EQ(second.relinked, (Pairs{{path("gone/snare.wav"), path("library/snare.wav")}}));
+    EXPECT_TRUE(second.unresolved.empty());
+}
+
+TEST_F(Session, that_has_ended_redirects_nothing) {
+    relink::begin(index);
+    relink::end();
+    EXPECT_EQ(read_file(path("gone/kick.wav")), "");
+    EXPECT_FALSE(std::filesystem::exists(path("gone/kick.wav")));
+}
+
+TEST_F(Session, records_a_sample_of_apples_library_and_does_not_relink_it) {
+    const std::string apples = "/Library/Application Support/Logic/EXS Factory Samples/kick.wav";
+    const std::string moved = path("Logic Pro Library.bundle/snare.wav");
+    write_file(moved, "Apple's snare");
+    relink::begin(index);
+    const std::string absent = read_file(apples);
+    const std::string present = read_file(moved);
+    read_file(apples);
+    const relink::Result result = relink::end();
+    EXPECT_EQ(absent, "");
+    EXPECT_EQ(present, "Apple's snare");
+    EXPECT_EQ(result.apple_library, (Paths{apples, moved}));
+    EXPECT_TRUE(result.relinked.empty());
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(Session, leaves_paths_alone_that_are_no_samples) {
+    relink::begin(index);
+    for (const char* name : {"gone/kick.txt", "gone/kick", "gone/._kick.wav", "gone/kick.wav/",
+                             "gone/.AppleDouble/kick.wav", "gone/kick.wav/..namedfork/rsrc"}) {
+        EXPECT_FALSE(std::ifstream(path(name))) << name;
+    }
+    const relink::Result result = relink::end();
+    EXPECT_TRUE(result.relinked.empty());
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(Session, keeps_errno_when_a_look_up_is_redirected) {
+    relink::begin(index);
+    errno = EDOM;
+    const int result = access(path("gone/kick.wav").c_str(), R_OK);
+    const int error = errno;
+    relink::end();
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(error, EDOM);
+}
+
+TEST_F(Session, leaves_errno_as_the_real_function_set_it) {
+    write_file(folder / "flat", "no folder");
+    relink::begin(index);
+    errno = 0;
+    const int first = access(path("gone/tom.wav").c_str(), R_OK);
+    const int absent = errno;
+    const int second = access(path("flat/tom.wav").c_str(), R_OK);
+    const int no_folder = errno;
+    relink::end();
+    EXPECT_EQ(first, -1);
+    EXPECT_EQ(second, -1);
+    EXPECT_EQ(absent, ENOENT);
+    EXPECT_EQ(no_folder, ENOTDIR);
+}
+
+TEST_F(Session, never_redirects_a_call_that_may_write) {
+    relink::begin(index);
+    const int created = open(path("gone/kick.wav").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    const int updated = open(path("gone/kick.wav").c_str(), O_RDWR);
+    const bool streamed = std::ofstream(path("gone/kick.wav")).is_open();
+    const relink::Result result = relink::end();
+    EXPECT_LT(created, 0);
+    EXPECT_LT(updated, 0);
+    EXPECT_FALSE(streamed);
+    EXPECT_EQ(read_file(path("library/kick.wav")), "the kick");
+    EXPECT_TRUE(result.relinked.empty());
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(Session, creates_a_sample_where_the_caller_says_with_the_callers_mode) {
+    umask(022);
+    relink::begin(index);
+    const int created = open(path("library/new.wav").c_str(), O_WRONLY | O_CREAT | O_EXCL, 0751);
+    const relink::Result result = relink::end();
+    ASSERT_GE(created, 0);
+    struct stat status {};
+    fstat(created, &status);
+    close(created);
+    EXPECT_EQ(status.st_mode & 0777u, 0751u);
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(Session, accepts_look_ups_from_several_threads) {
+    constexpr int rounds = 200;
+    relink::begin(index);
+    std::atomic<int> redirected = 0;
+    std::array<std::thread, 4> threads;
+    for (std::thread& thread : threads) {
+        thread = std::thread([&] {
+            for (int round = 0; round < rounds; ++round) {
+                const std::string file = "gone/" + std::to_string(round);
+                redirected += read_file(path(file + "/kick.wav")) == "the kick" ? 1 : 0;
+                redirected += access(path(file + "/tom.wav").c_str(), F_OK) != 0 ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const relink::Result result = relink::end();
+    EXPECT_EQ(redirected, 4 * rounds * 2);
+    EXPECT_EQ(result.relinked.size(), static_cast<std::size_t>(rounds));
+    EXPECT_EQ(result.unresolved.size(), static_cast<std::size_t>(rounds));
+}
+
+} // namespace
+} // namespace lumo::exs

@@ -1,0 +1,243 @@
+// One test for each file function that is taken over: it reaches an indexed file for a sample that
+// is not at its recorded path. Take a shim out, and the test that has its name fails.
+#undef _FORTIFY_SOURCE
+
+#include "support/temp_folder.h"
+#include <lumo/relink.h>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <functional>
+
+// What fortified programs and those built with an older glibc call; no header declares them here.
+// NOLINTBEGIN(bugprone-reserved-identifier)
+extern "C" {
+int __open_2(const char* path, int flags);
+int __open64_2(const char* path, int flags);
+int __openat_2(int folder, const char* path, int flags);
+int __openat64_2(int folder, const char* path, int flags);
+int __xstat(int version, const char* path, struct stat* status);
+int __xstat64(int version, const char* path, struct stat64* status);
+int __lxstat(int version, const char* path, struct stat* status);
+int __lxstat64(int version, const char* path, struct stat64* status);
+int __fxstatat(int version, int folder, const char* path, struct stat* status, int flags);
+int __fxstatat64(int version, int folder, const char* path, struct stat64* status, int flags);
+char* __realpath_chk(const char* path, char* resolved, size_t size);
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+namespace lumo::exs {
+namespace {
+
+constexpr const char* bytes = "the sound of a kick";
+constexpr off_t size = 19;
+#ifdef __x86_64__
+constexpr int stat_version = 1;
+#else
+constexpr int stat_version = 0;
+#endif
+
+bool reads(int file) {
+    std::array<char, 64> read{};
+    const bool is_right = file >= 0 && ::read(file, read.data(), read.size()) == size &&
+                          std::string(read.data()) == bytes;
+    if (file >= 0) {
+        close(file);
+    }
+    return is_right;
+}
+
+bool reads(FILE* stream) {
+    std::array<char, 64> read{};
+    const bool is_right =
+        stream && fgets(read.data(), read.size(), stream) && std::string(read.data()) == bytes;
+    if (stream) {
+        fclose(stream);
+    }
+    return is_right;
+}
+
+/// Reads after `reopen` gave another file to a stream.
+bool reads_after(FILE* (*reopen)(const char*, const char*, FILE*), const char* path) {
+    FILE* const stream = fopen("/dev/null", "r");
+    FILE* const reopened = reopen(path, "r", stream);
+    if (!reopened) {
+        fclose(stream); // closed already; glibc leaves its memory to this call
+    }
+    return reads(reopened);
+}
+
+/// Calls `call(&status)` and says whether it told of the sample.
+template <class Status>
+bool tells(const std::function<int(Status*)>& call) {
+    Status status{};
+    return call(&status) == 0 && S_ISREG(status.st_mode) && status.st_size == size;
+}
+
+bool tells_extended(const char* path) {
+    struct statx status {};
+    return statx(AT_FDCWD, path, 0, STATX_SIZE, &status) == 0 && status.stx_size == size;
+}
+
+/// Whether `resolved` (freed here unless it is `storage`) is the path of the sample in the library.
+bool leads_to_the_sample(char* resolved, const char* storage = nullptr) {
+    const bool is_right = resolved && std::string(resolved).ends_with("/library/kick.wav");
+    if (resolved != storage) {
+        free(resolved);
+    }
+    return is_right;
+}
+
+using Stat = struct stat;
+using Stat64 = struct stat64;
+using Path = const char*;
+
+struct Shim {
+    const char* name;
+    /// Uses the function on a path; whether it then had the sample.
+    std::function<bool(Path)> has_sample;
+};
+
+void PrintTo(const Shim& shim, std::ostream* out) {
+    *out << shim.name;
+}
+
+const std::vector<Shim>& shims() {
+    static const std::vector<Shim> all{
+        {"open", [](Path p) { return reads(open(p, O_RDONLY)); }},
+        {"open64", [](Path p) { return reads(open64(p, O_RDONLY | O_CLOEXEC)); }},
+        {"open_2", [](Path p) { return reads(__open_2(p, O_RDONLY)); }},
+        {"open64_2", [](Path p) { return reads(__open64_2(p, O_RDONLY)); }},
+        {"openat", [](Path p) { return reads(openat(AT_FDCWD, p, O_RDONLY)); }},
+        {"openat64", [](Path p) { return reads(openat64(AT_FDCWD, p, O_RDONLY)); }},
+        {"openat_2", [](Path p) { return reads(__openat_2(AT_FDCWD, p, O_RDONLY)); }},
+        {"openat64_2", [](Path p) { return reads(__openat64_2(AT_FDCWD, p, O_RDONLY)); }},
+        {"fopen", [](Path p) { return reads(fopen(p, "r")); }},
+        {"fopen64", [](Path p) { return reads(fopen64(p, "rb")); }},
+        {"freopen", [](Path p) { return reads_after(freopen, p); }},
+        {"freopen64", [](Path p) { return reads_after(freopen64, p); }},
+        {"stat", [](Path p) { return tells<Stat>([p](Stat* s) { return stat(p, s); }); }},
+        {"stat64", [](Path p) { return tells<Stat64>([p](Stat64* s) { return stat64(p, s); }); }},
+        {"lstat", [](Path p) { return tells<Stat>([p](Stat* s) { return lstat(p, s); }); }},
+        {"lstat64", [](Path p) { return tells<Stat64>([p](Stat64* s) { return lstat64(p, s); }); }},
+        {"fstatat",
+         [](Path p) { return tells<Stat>([p](Stat* s) { return fstatat(AT_FDCWD, p, s, 0); }); }},
+        {"fstatat64",
+         [](Path p) {
+             return tells<Stat64>([p](Stat64* s) { return fstatat64(AT_FDCWD, p, s, 0); });
+         }},
+        {"statx", tells_extended},
+        {"xstat",
+         [](Path p) { return tells<Stat>([p](Stat* s) { return __xstat(stat_version, p, s); }); }},
+        {"xstat64",
+         [](Path p) {
+             return tells<Stat64>([p](Stat64* s) { return __xstat64(stat_version, p, s); });
+         }},
+        {"lxstat",
+         [](Path p) { return tells<Stat>([p](Stat* s) { return __lxstat(stat_version, p, s); }); }},
+        {"lxstat64",
+         [](Path p) {
+             return tells<Stat64>([p](Stat64* s) { return __lxstat64(stat_version, p, s); });
+         }},
+        {"fxstatat",
+         [](Path p) {
+             return tells<Stat>(
+                 [p](Stat* s) { return __fxstatat(stat_version, AT_FDCWD, p, s, 0); });
+         }},
+        {"fxstatat64",
+         [](Path p) {
+             return tells<Stat64>(
+                 [p](Stat64* s) { return __fxstatat64(stat_version, AT_FDCWD, p, s, 0); });
+         }},
+        {"access", [](Path p) { return access(p, R_OK) == 0; }},
+        {"faccessat", [](Path p) { return faccessat(AT_FDCWD, p, R_OK, 0) == 0; }},
+        {"realpath", [](Path p) { return leads_to_the_sample(realpath(p, nullptr)); }},
+        {"realpath_chk",
+         [](Path p) {
+             std::array<char, PATH_MAX> storage{};
+             return leads_to_the_sample(__realpath_chk(p, storage.data(), storage.size()),
+                                        storage.data());
+         }},
+        {"canonicalize_file_name",
+         [](Path p) { return leads_to_the_sample(canonicalize_file_name(p)); }},
+    };
+    return all;
+}
+
+class TheShimOf : public testing::TestWithParam<Shim> {
+protected:
+    void SetUp() override {
+        test::write_file(folder / "library/kick.wav", bytes);
+        index.add_root((folder / "library").string());
+    }
+
+    test::TempFolder folder;
+    SampleIndex index;
+};
+
+TEST_P(TheShimOf, reaches_the_indexed_file) {
+    const std::string gone = (folder / "gone/kick.wav").string();
+    relink::begin(index);
+    const bool has_sample = GetParam().has_sample(gone.c_str());
+    const relink::Result result = relink::end();
+    EXPECT_TRUE(has_sample);
+    ASSERT_EQ(result.relinked.size(), 1u);
+    EXPECT_EQ(result.relinked[0].first, gone);
+    EXPECT_EQ(result.relinked[0].second, (folder / "library/kick.wav").string());
+}
+
+TEST_P(TheShimOf, records_a_sample_that_is_nowhere) {
+    const std::string gone = (folder / "gone/tom.wav").string();
+    relink::begin(index);
+    const bool has_sample = GetParam().has_sample(gone.c_str());
+    const relink::Result result = relink::end();
+    EXPECT_FALSE(has_sample);
+    EXPECT_EQ(result.unresolved, std::vector<std::string>{gone});
+}
+
+TEST_P(TheShimOf, does_nothing_without_a_session) {
+    EXPECT_TRUE(GetParam().has_sample((folder / "library/kick.wav").c_str()));
+    EXPECT_FALSE(GetParam().has_sample((folder / "gone/kick.wav").c_str()));
+}
+
+INSTANTIATE_TEST_SUITE_P(Function, TheShimOf, testing::ValuesIn(shims()),
+                         [](const auto& test) { return test.param.name; });
+
+class TheShimsOf : public TheShimOf {};
+
+TEST_F(TheShimsOf, readlink_gives_the_text_of_an_indexed_link) {
+    test::TempFolder links;
+    std::filesystem::create_symlink(folder / "library/kick.wav", links / "snare.wav");
+    index.add_root(links.path().string());
+    std::array<char, PATH_MAX> text{};
+    relink::begin(index);
+    const ssize_t length =
+        readlink((folder / "gone/snare.wav").c_str(), text.data(), text.size() - 1);
+    const relink::Result result = relink::end();
+    EXPECT_GT(length, 0);
+    EXPECT_EQ(std::string(text.data()), (folder / "library/kick.wav").string());
+    EXPECT_EQ(result.relinked.size(), 1u);
+}
+
+TEST_F(TheShimsOf, opendir_records_the_sample_and_opens_no_file_as_a_folder) {
+    const std::string gone = (folder / "gone/kick.wav").string();
+    relink::begin(index);
+    DIR* const opened = opendir(gone.c_str());
+    const int error = errno;
+    const relink::Result result = relink::end();
+    EXPECT_EQ(opened, nullptr);
+    EXPECT_EQ(error, ENOENT);
+    ASSERT_EQ(result.relinked.size(), 1u);
+    EXPECT_EQ(result.relinked[0].first, gone);
+}
+
+} // namespace
+} // namespace lumo::exs

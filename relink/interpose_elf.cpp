@@ -1,8 +1,7 @@
 // The C library's file functions under their own names. This library stands before libc in the
 // process's search order, so calls from the program and from every library in it arrive here; the
-// real function is the next one of that name. A shim decides nothing: it says how the call is made
-// and look_up says with which path. Only calls that read are looked up; one that may write goes to
-// the path that it names.
+// real function is the next one of that name. A shim decides nothing: it says how the call is made,
+// and look_up says with which path.
 //
 // glibc's fopen, opendir and realpath call inner functions that cannot be taken over, so each name
 // has a shim of its own. The names with 64 differ from those without where off_t has 32 bits.
@@ -17,7 +16,6 @@
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -106,40 +104,11 @@ constinit Real<RealPath> real_realpath("realpath");
 constinit Real<RealPathChecked> real_realpath_chk("__realpath_chk");
 constinit Real<CanonicalName> real_canonicalize_file_name("canonicalize_file_name");
 
-bool only_reads(int flags) {
-    return (flags & (O_ACCMODE | O_CREAT | O_TRUNC)) == O_RDONLY;
-}
-
-bool only_reads(const char* mode) {
-    return mode[0] == 'r' && !strchr(mode, '+');
-}
-
 /// The mode argument of an open that may create a file.
 mode_t mode_of(int flags, va_list arguments) {
     const bool has_mode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
     // The caller has started the list, which the analyzer does not see.
     return has_mode ? va_arg(arguments, mode_t) : 0; // NOLINT(clang-analyzer-valist.Uninitialized)
-}
-
-/// look_up for a call that opens as `how` says, flags or a stream's mode.
-template <class How, class Call>
-auto look_up_to_open(How how, const char* path, Call call) {
-    return only_reads(how) ? look_up(path, call) : call(path);
-}
-
-/// look_up for `call(folder, path)`. A name relative to another folder than the current one does
-/// not say where a sample was recorded.
-template <class Call>
-auto look_up_at(int folder, const char* path, Call call) {
-    const bool says_where = folder == AT_FDCWD || (path && path[0] == '/');
-    return says_where ? look_up(path, [&](const char* p) { return call(AT_FDCWD, p); })
-                      : call(folder, path);
-}
-
-/// The same for a call that opens as `flags` say.
-template <class Call>
-auto look_up_at_to_open(int flags, int folder, const char* path, Call call) {
-    return only_reads(flags) ? look_up_at(folder, path, call) : call(folder, path);
 }
 
 /// freopen closes its stream even when it fails, so the path is chosen before the one call.

@@ -4,7 +4,10 @@
 
 #include "session.h"
 
+#include <fcntl.h>
+
 #include <cerrno>
+#include <cstring>
 #include <type_traits>
 
 namespace lumo::exs::relink {
@@ -51,6 +54,36 @@ auto look_up_in_session(const char* path, Call call) {
 template <class Call>
 auto look_up(const char* path, Call call) {
     return session::is_open() ? look_up_in_session(path, call) : call(path);
+}
+
+/// look_up for `call(folder, path)`. A name relative to another folder than the current one does
+/// not say where a sample was recorded.
+template <class Call>
+auto look_up_at(int folder, const char* path, Call call) {
+    const bool says_where = folder == AT_FDCWD || (path && path[0] == '/');
+    return says_where ? look_up(path, [&](const char* p) { return call(AT_FDCWD, p); })
+                      : call(folder, path);
+}
+
+inline bool only_reads(int flags) {
+    return (flags & (O_ACCMODE | O_CREAT | O_TRUNC)) == O_RDONLY;
+}
+
+inline bool only_reads(const char* mode) {
+    return mode[0] == 'r' && !std::strchr(mode, '+');
+}
+
+/// look_up for a call that opens as `how` says: flags, or a stream's mode. One that may write goes
+/// where its caller says.
+template <class How, class Call>
+auto look_up_to_open(How how, const char* path, Call call) {
+    return only_reads(how) ? look_up(path, call) : call(path);
+}
+
+/// look_up_at for a call that opens as `flags` say.
+template <class Call>
+auto look_up_at_to_open(int flags, int folder, const char* path, Call call) {
+    return only_reads(flags) ? look_up_at(folder, path, call) : call(folder, path);
 }
 
 } // namespace lumo::exs::relink

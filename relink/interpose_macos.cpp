@@ -1,0 +1,293 @@
+// The system's file functions on a Mac. The loader reads the pairs in the section __interpose when
+// the process starts and binds each call of the original, from whatever image but this one, to the
+// replacement; calls from here reach the original. A replacement decides nothing: it says how the
+// call is made, and look_up says with which path.
+//
+// What libsystem_c does inside fopen, opendir and realpath arrives at the kernel's functions, which
+// is why those have to be here; that the three are here themselves is a second net.
+//
+// The variants of a name that end in $NOCANCEL and $DARWIN_EXTSN have no names in C and get them
+// here; the compiler adds $INODE64 where the processor has it. Functions that no header declares,
+// or that not every supported system has, are imported weakly: the loader skips the pair of one
+// that is absent.
+#include "look_up.h"
+
+#include <dirent.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <sys/attr.h>
+#include <sys/clonefile.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+extern "C" {
+int open_nocancel(const char*, int, ...) __asm("_open$NOCANCEL");
+int openat_nocancel(int, const char*, int, ...) __asm("_openat$NOCANCEL");
+FILE* fopen_plain(const char*, const char*) __asm("_fopen");
+FILE* fopen_extended(const char*, const char*) __asm("_fopen$DARWIN_EXTSN");
+char* realpath_plain(const char*, char*) __asm("_realpath");
+char* realpath_extended(const char*, char*) __asm("_realpath$DARWIN_EXTSN");
+
+// In sys/xattr.h, which not every set of a Mac's headers has.
+ssize_t getxattr(const char*, const char*, void*, size_t, uint32_t, int);
+ssize_t listxattr(const char*, char*, size_t, int);
+
+int stat_64(const char*, void*) __asm("_stat64") __attribute__((weak_import));
+int lstat_64(const char*, void*) __asm("_lstat64") __attribute__((weak_import));
+int open_dprotected_np(const char*, int, int, int, ...) __attribute__((weak_import));
+int openat_dprotected_np(int, const char*, int, int, int, ...) __attribute__((weak_import));
+int guarded_open_np(const char*, const void*, unsigned, int, ...) __attribute__((weak_import));
+int guarded_open_dprotected_np(const char*, const void*, unsigned, int, int, int, ...)
+    __attribute__((weak_import));
+}
+
+namespace lumo::exs::relink {
+
+bool is_readable(const char* path) {
+    return access(path, R_OK) == 0;
+}
+
+namespace {
+
+/// The mode argument of an open that may create a file; a mode_t is passed on as an int.
+int mode_of(int flags, va_list arguments) {
+    return flags & O_CREAT ? va_arg(arguments, int) : 0;
+}
+
+int open_shim(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const int mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_to_open(flags, path, [&](const char* p) { return open(p, flags, mode); });
+}
+
+int open_nocancel_shim(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const int mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_to_open(flags, path,
+                           [&](const char* p) { return open_nocancel(p, flags, mode); });
+}
+
+int openat_shim(int folder, const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const int mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_at_to_open(flags, folder, path,
+                              [&](int f, const char* p) { return openat(f, p, flags, mode); });
+}
+
+int openat_nocancel_shim(int folder, const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const int mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_at_to_open(flags, folder, path, [&](int f, const char* p) {
+        return openat_nocancel(f, p, flags, mode);
+    });
+}
+
+int open_dprotected_np_shim(const char* path, int flags, int protection, int how, ...) {
+    va_list arguments;
+    va_start(arguments, how);
+    const int mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_to_open(flags, path, [&](const char* p) {
+        return open_dprotected_np(p, flags, protection, how, mode);
+    });
+}
+
+int openat_dprotected_np_shim(int folder, const char* path, int flags, int protection, int how,
+                              ...) {
+    va_list arguments;
+    va_start(arguments, how);
+    const int mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_at_to_open(flags, folder, path, [&](int f, const char* p) {
+        return openat_dprotected_np(f, p, flags, protection, how, mode);
+    });
+}
+
+int guarded_open_np_shim(const char* path, const void* guard, unsigned guarded, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const int mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_to_open(flags, path, [&](const char* p) {
+        return guarded_open_np(p, guard, guarded, flags, mode);
+    });
+}
+
+int guarded_open_dprotected_np_shim(const char* path, const void* guard, unsigned guarded,
+                                    int flags, int protection, int how, ...) {
+    va_list arguments;
+    va_start(arguments, how);
+    const int mode = mode_of(flags, arguments);
+    va_end(arguments);
+    return look_up_to_open(flags, path, [&](const char* p) {
+        return guarded_open_dprotected_np(p, guard, guarded, flags, protection, how, mode);
+    });
+}
+
+int stat_shim(const char* path, struct stat* status) {
+    return look_up(path, [&](const char* p) { return stat(p, status); });
+}
+
+int stat_64_shim(const char* path, void* status) {
+    return look_up(path, [&](const char* p) { return stat_64(p, status); });
+}
+
+int lstat_shim(const char* path, struct stat* status) {
+    return look_up(path, [&](const char* p) { return lstat(p, status); });
+}
+
+int lstat_64_shim(const char* path, void* status) {
+    return look_up(path, [&](const char* p) { return lstat_64(p, status); });
+}
+
+int fstatat_shim(int folder, const char* path, struct stat* status, int flags) {
+    return look_up_at(folder, path,
+                      [&](int f, const char* p) { return fstatat(f, p, status, flags); });
+}
+
+int statfs_shim(const char* path, struct statfs* status) {
+    return look_up(path, [&](const char* p) { return statfs(p, status); });
+}
+
+int access_shim(const char* path, int mode) {
+    return look_up(path, [&](const char* p) { return access(p, mode); });
+}
+
+int faccessat_shim(int folder, const char* path, int mode, int flags) {
+    return look_up_at(folder, path,
+                      [&](int f, const char* p) { return faccessat(f, p, mode, flags); });
+}
+
+/// This one judges a list of paths in one call and tells an error for each.
+int accessx_np_shim(const accessx_descriptor* paths, size_t size, int* errors, uid_t user) {
+    const int result = accessx_np(paths, size, errors, user);
+    if (result != 0 || !session::is_open()) {
+        return result;
+    }
+    // The texts stand behind the descriptors; one without a text of its own has that of the last.
+    const char* path = nullptr;
+    for (size_t i = 0; i < paths[0].ad_name_offset / sizeof(accessx_descriptor); ++i) {
+        if (paths[i].ad_name_offset != 0) {
+            path = reinterpret_cast<const char*>(paths) + paths[i].ad_name_offset;
+        }
+        const auto exists = [](const char* p) { return access(p, F_OK); };
+        if ((errors[i] == ENOENT || errors[i] == ENOTDIR) && look_up(path, exists) == 0) {
+            errors[i] = 0;
+        }
+    }
+    return result;
+}
+
+int getattrlist_shim(const char* path, void* wanted, void* attributes, size_t size,
+                     unsigned options) {
+    return look_up(
+        path, [&](const char* p) { return getattrlist(p, wanted, attributes, size, options); });
+}
+
+int getattrlistat_shim(int folder, const char* path, void* wanted, void* attributes, size_t size,
+                       unsigned long options) {
+    return look_up_at(folder, path, [&](int f, const char* p) {
+        return getattrlistat(f, p, wanted, attributes, size, options);
+    });
+}
+
+ssize_t getxattr_shim(const char* path, const char* name, void* value, size_t size,
+                      uint32_t position, int options) {
+    return look_up(
+        path, [&](const char* p) { return getxattr(p, name, value, size, position, options); });
+}
+
+ssize_t listxattr_shim(const char* path, char* names, size_t size, int options) {
+    return look_up(path, [&](const char* p) { return listxattr(p, names, size, options); });
+}
+
+/// A negative result with errno as it was means that there is no limit.
+long pathconf_shim(const char* path, int name) {
+    return look_up(path, [&](const char* p) {
+        errno = 0;
+        return pathconf(p, name);
+    });
+}
+
+ssize_t readlink_shim(const char* path, char* text, size_t size) {
+    return look_up(path, [&](const char* p) { return readlink(p, text, size); });
+}
+
+int clonefile_shim(const char* from, const char* to, uint32_t flags) {
+    return look_up(from, [&](const char* p) { return clonefile(p, to, flags); });
+}
+
+DIR* opendir_shim(const char* path) {
+    return look_up(path, [](const char* p) { return opendir(p); });
+}
+
+FILE* fopen_plain_shim(const char* path, const char* mode) {
+    return look_up_to_open(mode, path, [&](const char* p) { return fopen_plain(p, mode); });
+}
+
+FILE* fopen_extended_shim(const char* path, const char* mode) {
+    return look_up_to_open(mode, path, [&](const char* p) { return fopen_extended(p, mode); });
+}
+
+char* realpath_plain_shim(const char* path, char* resolved) {
+    return look_up(path, [&](const char* p) { return realpath_plain(p, resolved); });
+}
+
+char* realpath_extended_shim(const char* path, char* resolved) {
+    return look_up(path, [&](const char* p) { return realpath_extended(p, resolved); });
+}
+
+/// What the loader reads; both functions have one type.
+template <class Function>
+struct Pair {
+    Function* replacement;
+    Function* original;
+};
+
+// A macro, because only a variable can be put into a section.
+#define LUMO_INTERPOSE(original)                                                                   \
+    __attribute__((used, section("__DATA,__interpose"))) constinit const Pair original##_pair{     \
+        original##_shim, ::original};
+
+LUMO_INTERPOSE(open)
+LUMO_INTERPOSE(open_nocancel)
+LUMO_INTERPOSE(openat)
+LUMO_INTERPOSE(openat_nocancel)
+LUMO_INTERPOSE(open_dprotected_np)
+LUMO_INTERPOSE(openat_dprotected_np)
+LUMO_INTERPOSE(guarded_open_np)
+LUMO_INTERPOSE(guarded_open_dprotected_np)
+LUMO_INTERPOSE(stat)
+LUMO_INTERPOSE(stat_64)
+LUMO_INTERPOSE(lstat)
+LUMO_INTERPOSE(lstat_64)
+LUMO_INTERPOSE(fstatat)
+LUMO_INTERPOSE(statfs)
+LUMO_INTERPOSE(access)
+LUMO_INTERPOSE(faccessat)
+LUMO_INTERPOSE(accessx_np)
+LUMO_INTERPOSE(getattrlist)
+LUMO_INTERPOSE(getattrlistat)
+LUMO_INTERPOSE(getxattr)
+LUMO_INTERPOSE(listxattr)
+LUMO_INTERPOSE(pathconf)
+LUMO_INTERPOSE(readlink)
+LUMO_INTERPOSE(clonefile)
+LUMO_INTERPOSE(opendir)
+LUMO_INTERPOSE(fopen_plain)
+LUMO_INTERPOSE(fopen_extended)
+LUMO_INTERPOSE(realpath_plain)
+LUMO_INTERPOSE(realpath_extended)
+
+} // namespace
+} // namespace lumo::exs::relink

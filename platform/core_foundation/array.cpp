@@ -10,9 +10,11 @@
 namespace lumo::platform {
 namespace {
 
+constexpr std::size_t pointer_size = sizeof(void*);
+
 /// An array with room for `room` values behind its header.
 Array* allocate(std::uint8_t flags, std::size_t room) {
-    auto* array = new (::operator new(sizeof(Array) + room * sizeof(Object*))) Array{flags, room};
+    auto* array = new (::operator new(sizeof(Array) + room * pointer_size)) Array{flags, room};
     array->values = reinterpret_cast<const Object**>(array + 1);
     return array;
 }
@@ -22,7 +24,7 @@ void reserve(Array& array, std::size_t room) {
         return;
     }
     room = std::max(room, array.capacity * 2);
-    auto** values = static_cast<const Object**>(::operator new(room * sizeof(Object*)));
+    auto** values = static_cast<const Object**>(::operator new(room* pointer_size));
     std::copy_n(array.values, array.count, values);
     if (!array.is_inline()) {
         ::operator delete(array.values);

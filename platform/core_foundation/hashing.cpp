@@ -18,6 +18,7 @@ std::uint64_t load_word(const unsigned char* bytes, std::size_t size) noexcept {
 }
 
 std::uint64_t random_seed() noexcept {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel hands out the address as a number
     const auto* bytes = reinterpret_cast<const unsigned char*>(getauxval(AT_RANDOM));
     return bytes == nullptr ? multiplier : load_word(bytes, sizeof(std::uint64_t));
 }

@@ -17,7 +17,7 @@ String* allocate(String::Storage storage, std::size_t units) {
     if (units > std::numeric_limits<std::uint32_t>::max()) {
         throw std::length_error{"string too long"};
     }
-    const std::size_t width = storage == String::ascii_storage ? 1 : 2;
+    const std::size_t width = storage == String::ascii_storage ? 1 : String::width_of_unit;
     return new (::operator new(sizeof(String) + units * width))
         String{storage, static_cast<std::uint32_t>(units)};
 }
@@ -81,18 +81,14 @@ Owned make_string_utf16be(const std::uint8_t* bytes, std::size_t units) {
 }
 
 bool equal_strings(const String& a, const String& b) noexcept {
-    if (a.length != b.length || a.detail != b.detail) {
-        return false;
-    }
-    const std::size_t size = a.is_ascii() ? a.length : std::size_t{a.length} * 2;
-    return std::memcmp(&a + 1, &b + 1, size) == 0;
+    return a.detail == b.detail && a.bytes() == b.bytes();
 }
 
 std::uint32_t hash_string(const String& string) noexcept {
     std::uint32_t value = string.hash_cache.load(std::memory_order_relaxed);
     if (value == 0) {
-        const std::size_t width = string.is_ascii() ? 1 : 2;
-        value = std::max(hash_bytes(&string + 1, string.length * width), std::uint32_t{1});
+        const std::string_view bytes = string.bytes();
+        value = std::max(hash_bytes(bytes.data(), bytes.size()), std::uint32_t{1});
         string.hash_cache.store(value, std::memory_order_relaxed);
     }
     return value;

@@ -25,6 +25,14 @@ struct String : Object {
         return {reinterpret_cast<const char16_t*>(this + 1), length};
     }
 
+    /// The characters as they are stored.
+    std::string_view bytes() const noexcept {
+        return {reinterpret_cast<const char*>(this + 1),
+                is_ascii() ? length : length * width_of_unit};
+    }
+
+    static constexpr std::size_t width_of_unit = sizeof(char16_t);
+
     mutable std::atomic<std::uint32_t> hash_cache; ///< 0 until the hash is first asked for.
     std::uint32_t length;                          ///< In UTF-16 units.
 };

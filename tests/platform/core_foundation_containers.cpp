@@ -236,8 +236,9 @@ TEST(Objects, NestedDeeplyAreReleased) {
 
 TEST(Objects, MayBeRetainedAndReadFromManyThreads) {
     const auto shared = numbered(30);
-    std::vector<std::thread> threads;
     std::vector<int> sums(4);
+    std::vector<std::thread> threads;
+    threads.reserve(sums.size());
     for (int& sum : sums) {
         threads.emplace_back([&shared, &sum] {
             for (int i = 0; i < 2000; ++i) {

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace lumo::platform {
@@ -62,6 +64,58 @@ TEST(Strings, OfInvalidUtf8AreNotMade) {
                              "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "a\xFF"}) {
         EXPECT_EQ(make_string(text), nullptr) << testing::PrintToString(text);
     }
+}
+
+TEST(Strings, KeepZerosAndLoneSurrogates) {
+    const Owned zero = make_string({"a\0b", 3});
+    EXPECT_EQ(as<String>(zero.get()).length, 3U);
+    const char16_t lone[] = {u'a', 0xD83D, u'b'};
+    EXPECT_EQ(as<String>(make_string_utf16({lone, 3}).get()).utf16(),
+              (std::u16string_view{lone, 3}));
+}
+
+TEST(Numbers, RememberTheirPrecision) {
+    const Owned single = make_real32(0.1F);
+    EXPECT_EQ(as<Number>(single.get()).number_kind(), NumberKind::real32);
+    EXPECT_FALSE(equal(single.get(), make_real(0.1).get()));
+    EXPECT_TRUE(equal(single.get(), make_real(static_cast<double>(0.1F)).get()));
+}
+
+TEST(Numbers, OfBothWidthsAreEqualByValue) {
+    const Owned wide = make_integer_128(-1, static_cast<std::uint64_t>(-5));
+    EXPECT_TRUE(equal(wide.get(), make_integer(-5).get()));
+    EXPECT_EQ(hash(wide.get()), hash(make_integer(-5).get()));
+    EXPECT_FALSE(equal(make_integer_128(0, static_cast<std::uint64_t>(-5)).get(), wide.get()));
+}
+
+TEST(Numbers, OfEqualValueButOtherKindHashAlike) {
+    for (const std::int64_t value : {std::int64_t{0}, std::int64_t{-7}, std::int64_t{1} << 52}) {
+        EXPECT_EQ(hash(make_integer(value).get()),
+                  hash(make_real(static_cast<double>(value)).get()));
+    }
+}
+
+TEST(Values, AreEqualByValueWithinTheirKind) {
+    const std::uint8_t bytes[] = {1, 2, 3};
+    EXPECT_TRUE(equal(make_data(bytes).get(), make_data(bytes).get()));
+    EXPECT_FALSE(equal(make_data(bytes).get(), make_data({bytes, 2}).get()));
+    EXPECT_TRUE(equal(make_data({}).get(), make_data({}).get()));
+    EXPECT_TRUE(equal(make_date(0.0).get(), make_date(-0.0).get()));
+    EXPECT_EQ(hash(make_date(0.0).get()), hash(make_date(-0.0).get()));
+    EXPECT_TRUE(equal(make_uid(7).get(), make_uid(7).get()));
+    EXPECT_FALSE(equal(make_uid(7).get(), make_integer(7).get()));
+    EXPECT_TRUE(equal(make_null().get(), make_null().get()));
+    EXPECT_FALSE(equal(make_boolean(true).get(), make_boolean(false).get()));
+}
+
+TEST(Errors, TellDomainCodeAndDescription) {
+    const Owned error = make_cocoa_error(3840, "unexpected end");
+    auto* reference = const_cast<CFErrorRef>(
+        reinterpret_cast<const std::remove_pointer_t<CFErrorRef>*>(error.get()));
+    EXPECT_TRUE(CFEqual(CFErrorGetDomain(reference), kCFErrorDomainCocoa));
+    EXPECT_EQ(CFErrorGetCode(reference), 3840);
+    const Owned description{object_of(CFErrorCopyDescription(reference))};
+    EXPECT_EQ(as<String>(description.get()).ascii(), "unexpected end");
 }
 
 TEST(Dictionaries, KeepTheOrderOfInsertion) {

@@ -2,6 +2,7 @@
 #include "platform/core_foundation_vectors.h"
 
 #include <algorithm>
+#include <array>
 
 namespace lumo::test {
 namespace {
@@ -154,6 +155,31 @@ Holder<CFMutableDictionaryRef> make_dictionary() {
                                           &kCFTypeDictionaryValueCallBacks));
 }
 
+/// The entry that stays when one of two equal keys comes second.
+std::string value_after(void (*put)(CFMutableDictionaryRef, const void*, const void*)) {
+    const auto dictionary = make_dictionary();
+    for (const char* value : {"first", "second"}) {
+        const auto key = hold(CFStringCreateWithCString(nullptr, "key", kCFStringEncodingUTF8));
+        const auto text = hold(CFStringCreateWithCString(nullptr, value, kCFStringEncodingUTF8));
+        put(dictionary.get(), key.get(), text.get());
+    }
+    std::array<char, 16> buffer{};
+    const void* value = nullptr;
+    CFDictionaryGetKeysAndValues(dictionary.get(), nullptr, &value);
+    CFStringGetCString(static_cast<CFStringRef>(value), buffer.data(), buffer.size(),
+                       kCFStringEncodingUTF8);
+    return buffer.data();
+}
+
+void compare_key_order(ConformanceTable& table, const Json& recorded) {
+    const std::string row = "entries of a dictionary";
+    table.compare(row, value_after(CFDictionarySetValue) == recorded["SetValue twice"]["value"],
+                  "CFDictionarySetValue");
+    table.compare(row, value_after(CFDictionaryAddValue) == recorded["AddValue twice"]["value"],
+                  "CFDictionaryAddValue");
+    table.differs_on_purpose(row, "they keep the order in which they came in");
+}
+
 TEST(StringVectors, EqualityAndOrderAgreeWithCoreFoundation) {
     const auto vectors = read_vectors("string/equality.json");
     if (!vectors) {
@@ -177,6 +203,7 @@ TEST(StringVectors, EqualityAndOrderAgreeWithCoreFoundation) {
         table.compare("keys of a dictionary",
                       CFDictionaryGetCount(dictionary.get()) == row["dictCountAfterBoth"], pair);
     }
+    compare_key_order(table, (*vectors)["dictionary"]);
     table.print("string/equality");
     EXPECT_GT(table.equal(), 0U);
     EXPECT_EQ(table.differing(), 0U);

@@ -37,6 +37,7 @@ typedef double CFAbsoluteTime;
 
 typedef const void* CFTypeRef;
 typedef CFTypeRef CFPropertyListRef;
+// NOLINTBEGIN(bugprone-reserved-identifier): the tags are macOS's
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFString* CFStringRef;
 typedef struct __CFString* CFMutableStringRef;
@@ -52,6 +53,7 @@ typedef const struct __CFNull* CFNullRef;
 typedef const struct __CFSet* CFSetRef;
 typedef const struct __CFURL* CFURLRef;
 typedef struct __CFError* CFErrorRef;
+// NOLINTEND(bugprone-reserved-identifier)
 typedef CFStringRef CFErrorDomain;
 
 typedef struct {

@@ -1,1 +1,225 @@
+// The import of one instrument, step by step: load it into AUSampler while samples that moved are
+// redirected, read the sampler's state back, place its samples in the show, write the state with
+// references into the show, and see that it loads from there. A step that fails says so in the
+// report, and the import ends; files that are written by then stay.
+#include "folder_lock.h"
+#include "preset_file.h"
+#include "property_list.h"
+#include "references.h"
+#include "sampler_host.h"
+#include "samples.h"
 #include <lumo/exs.h>
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+
+namespace lumo::exs {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr OSStatus file_not_found = -43; // kAudio_FileNotFoundError of CoreAudio
+
+enum class Kind { preset, exs };
+
+std::optional<Kind> kind_of(const std::string& path) {
+    if (has_extension(path, ".aupreset")) {
+        return Kind::preset;
+    }
+    return has_extension(path, ".exs") ? std::optional(Kind::exs) : std::nullopt;
+}
+
+std::string with_status(const std::string& text, OSStatus status) {
+    return text + " (OSStatus " + std::to_string(status) + ")";
+}
+
+/// The index of the run, or an empty one for a run without.
+const SampleIndex& index_of(const Options& options) {
+    static const SampleIndex empty;
+    return options.index ? *options.index : empty;
+}
+
+/// Makes the one call that loads an instrument, inside a relink session.
+template <typename Load>
+OSStatus load_in_session(const SampleIndex& index, relink::Result& result, Load load) {
+    relink::begin(index);
+    const OSStatus status = load();
+    result = relink::end();
+    return status;
+}
+
+OSStatus load_exs(AudioUnit sampler, const SampleIndex& index, Report& report) {
+    const std::string& path = report.source;
+    const auto url = Ref<CFURLRef>::adopt(CFURLCreateFromFileSystemRepresentation(
+        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(path.data()),
+        static_cast<CFIndex>(path.size()), false));
+    if (!url) {
+        return file_not_found;
+    }
+    return load_in_session(index, report.relink, [&] { return set_exs(sampler, url.get()); });
+}
+
+Ref<CFDataRef> file_data(const std::string& path) {
+    const std::vector<UInt8> bytes = read_preset(path);
+    return Ref<CFDataRef>::adopt(
+        CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
+}
+
+Ref<CFPropertyListRef> file_list(const std::string& path) {
+    const Ref<CFDataRef> data = file_data(path);
+    return Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
+        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+}
+
+/// The status of the load; nothing, with the error set, when the file is no preset.
+std::optional<OSStatus> load_preset(AudioUnit sampler, const SampleIndex& index, Report& report) {
+    const Ref<CFPropertyListRef> preset = file_list(report.source);
+    if (!preset || CFGetTypeID(preset.get()) != CFDictionaryGetTypeID()) {
+        report.error = "the preset isn't a property list";
+        return std::nullopt;
+    }
+    return load_in_session(index, report.relink, [&] { return set_state(sampler, preset.get()); });
+}
+
+/// Loads the instrument and measures the time that it takes, reading the file included.
+std::optional<OSStatus> load(AudioUnit sampler, Kind kind, const SampleIndex& index,
+                             Report& report) {
+    using Clock = std::chrono::steady_clock;
+    const Clock::time_point start = Clock::now();
+    const std::optional<OSStatus> status =
+        kind == Kind::exs ? load_exs(sampler, index, report) : load_preset(sampler, index, report);
+    if (status) {
+        const std::chrono::nanoseconds taken = Clock::now() - start;
+        report.load_ms = static_cast<double>(taken.count()) / 1000000.0;
+    }
+    return status;
+}
+
+/// Whether the load leaves an instrument that can be imported. What the session met outranks the
+/// sampler's own status, which often only follows from it.
+bool judge(OSStatus status, Report& report) {
+    if (!report.relink.apple_library.empty()) {
+        report.error = "it uses samples from Apple's sound library: Lumo imports only your own or "
+                       "exported instruments";
+    } else if (!report.relink.unresolved.empty()) {
+        const fs::path missing = report.relink.unresolved.front();
+        report.error = "a sample wasn't found: " + missing.filename().string();
+    } else if (status != 0) {
+        report.error = with_status("AUSampler couldn't load it", status);
+    } else {
+        return true;
+    }
+    return false;
+}
+
+/// The state of a sampler that has loaded the instrument; nothing, with the error set, when it
+/// couldn't. The sampler is gone by then.
+Ref<CFPropertyListRef> loaded_state(const Options& options, Report& report) {
+    const std::optional<Kind> kind = kind_of(report.source);
+    if (!kind) {
+        report.error = "not an EXS instrument or an AUSampler preset";
+        return {};
+    }
+    const Sampler sampler = make_sampler(report.error);
+    if (!sampler) {
+        return {};
+    }
+    const std::optional<OSStatus> status = load(sampler.get(), *kind, index_of(options), report);
+    if (!status || !judge(*status, report)) {
+        return {};
+    }
+    Ref<CFPropertyListRef> state = get_state(sampler.get());
+    if (!state) {
+        report.error = "AUSampler's state couldn't be read";
+    }
+    return state;
+}
+
+/// Brings the samples of `state` into the show and makes the states folder. The samples' new
+/// references; nothing, with the error set, when one is missing or the disk refuses.
+std::optional<References> bring_samples(const void* state, const Options& options, Report& report) {
+    References samples = references(state);
+    if (!find_samples(samples, options.index, report)) {
+        return std::nullopt;
+    }
+    try {
+        References placed = place_samples(samples, options.package, report);
+        fs::create_directories(options.states);
+        return placed;
+    } catch (const fs::filesystem_error& failure) {
+        report.error =
+            std::string("the samples couldn't be copied into the show: ") + failure.what();
+        return std::nullopt;
+    }
+}
+
+/// The first of NAME.aupreset, NAME-2.aupreset, NAME-3.aupreset and so on that is not there.
+/// Throws when that cannot be told.
+fs::path free_name(const fs::path& folder, const std::string& name) {
+    fs::path file = folder / (name + ".aupreset");
+    for (unsigned number = 2; fs::exists(fs::symlink_status(file)); ++number) {
+        file = folder / (name + "-" + std::to_string(number) + ".aupreset");
+    }
+    return file;
+}
+
+bool write_state(const void* state, const Options& options, Report& report) {
+    const FolderLock lock(options.states); // or another process may take the same name
+    const fs::path file = free_name(options.states, report.name);
+    if (!write_plist(state, file)) {
+        report.error = "its state couldn't be written";
+        return false;
+    }
+    report.state_file = file.string();
+    return true;
+}
+
+/// The written state with references through the package; nothing, with the error set, when they
+/// don't resolve.
+Ref<CFPropertyListRef> resolved(const void* state, const Options& options, Report& report) {
+    std::string reason;
+    auto list =
+        Ref<CFPropertyListRef>::adopt(resolve_package_state(state, options.package, reason));
+    if (!list) {
+        report.error = "check: " + reason;
+    }
+    return list;
+}
+
+/// Whether a fresh sampler loads `state`, on its own paths: no relink session is open.
+bool loads_from_show(const void* state, Report& report) {
+    std::string unused;
+    const Sampler sampler = make_sampler(unused);
+    const OSStatus status = sampler ? set_state(sampler.get(), state) : 0;
+    if (!sampler || status != 0) {
+        report.error = with_status("check: it didn't load from the show", status);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+Report import_instrument(const std::string& path, const Options& options) {
+    Report report;
+    report.source = path;
+    report.name = fs::path(path).stem().string();
+    Ref<CFPropertyListRef> state = loaded_state(options, report);
+    if (!state) {
+        return report;
+    }
+    report.shape = describe(state.get());
+    const std::optional<References> placed = bring_samples(state.get(), options, report);
+    if (!placed) {
+        return report;
+    }
+    state = with_references(state.get(), *placed);
+    if (!write_state(state.get(), options, report)) {
+        return report;
+    }
+    state = resolved(state.get(), options, report);
+    report.ok = state && loads_from_show(state.get(), report);
+    return report;
+}
+
+} // namespace lumo::exs

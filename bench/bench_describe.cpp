@@ -1,0 +1,151 @@
+// Describing a state: counting layers on cells against a bit test of each cell and layer, and the
+// whole of it against libplist reading the same state.
+#include "coverage.h"
+#include "paired_time.h"
+#include "ref.h"
+#include <lumo/exs.h>
+
+#include <plist/plist.h>
+
+#include <random>
+#include <string>
+
+namespace {
+
+using namespace lumo::exs;
+
+/// Layers as velocity-split instruments have them: a zone for every few keys.
+std::vector<Coverage> make_layers(std::size_t count) {
+    std::mt19937 random(1);
+    std::uniform_int_distribution<int> keys(1, 12);
+    std::uniform_int_distribution<int> velocities(1, 127);
+    std::vector<Coverage> layers(count);
+    for (Coverage& layer : layers) {
+        for (int key = 0; key < 128;) {
+            const int high_key = std::min(key + keys(random), 127);
+            const auto [low, high] = std::minmax({velocities(random), velocities(random)});
+            cover(layer, key, high_key, low, high);
+            key = high_key + 1;
+        }
+    }
+    return layers;
+}
+
+Stacking count_upright(const std::vector<Coverage>& layers) {
+    CoverageCounter counter;
+    for (const Coverage& layer : layers) {
+        counter.add(layer);
+    }
+    return counter.stacking();
+}
+
+Stacking count_bit_by_bit(const std::vector<Coverage>& layers) {
+    Stacking result;
+    for (std::size_t key = 0; key < 128; ++key) {
+        for (int bit = 0; bit < 64; ++bit) {
+            std::int32_t count = 0;
+            for (const Coverage& layer : layers) {
+                count += (layer[key] >> bit & 1) != 0 ? 1 : 0;
+            }
+            result.covered += count >= 1 ? 1 : 0;
+            result.stacked += count >= 2 ? 1 : 0;
+            result.highest = std::max(result.highest, count);
+        }
+    }
+    return result;
+}
+
+void compare_counting(std::size_t count, const char* goal, int rounds) {
+    const std::vector<Coverage> layers = make_layers(count);
+    const std::string name = "describe's counting, " + std::to_string(count) + " layers";
+    lumo::bench::compare(
+        name.c_str(), goal, rounds, [&] { lumo::bench::keep(count_upright(layers)); },
+        [&] { lumo::bench::keep(count_bit_by_bit(layers)); });
+}
+
+std::string zone_text(int number) {
+    const auto integer = [](const char* key, int value) {
+        return "<key>" + std::string(key) + "</key><integer>" + std::to_string(value) +
+               "</integer>";
+    };
+    const auto real = [](const char* key, double value) {
+        return "<key>" + std::string(key) + "</key><real>" + std::to_string(value) + "</real>";
+    };
+    const int key = number % 120;
+    return "<dict>" + integer("ID", number) + real("coarse tune", 0) + "<key>enabled</key><true/>" +
+           real("fine tune", number * 0.01) + real("gain", number * -0.01) +
+           integer("loop end", number * 100 + 90) + "<key>loop enabled</key><false/>" +
+           integer("loop mode", 0) + integer("loop start", number * 100) +
+           integer("max key", key + 7) + integer("max vel", 127) + integer("min key", key) +
+           integer("min vel", number % 100) + "<key>name</key><string>Zone #" +
+           std::to_string(number) + "</string>" + integer("output", 0) + real("pan", 0) +
+           "<key>pitch tracking</key><true/>" + integer("root key", key + 3) +
+           integer("sample end", number * 100 + 99) + integer("waveform", 268435456 + number) +
+           "</dict>";
+}
+
+std::string state_text(int zones) {
+    std::string layers;
+    std::string references;
+    for (int layer = 0; layer < 2; ++layer) {
+        layers += "<dict><key>Zones</key><array>";
+        for (int i = 0; i < zones; ++i) {
+            layers += zone_text(i);
+        }
+        layers += "</array></dict>";
+    }
+    for (int i = 0; i < zones; ++i) {
+        references += "<key>Sample:" + std::to_string(268435456 + i) +
+                      "</key><string>samples/Kit/" + std::to_string(i) + ".wav</string>";
+    }
+    return "<plist version=\"1.0\"><dict><key>Instrument</key><dict><key>Layers</key><array>" +
+           layers + "</array></dict><key>file-references</key><dict>" + references +
+           "</dict></dict></plist>";
+}
+
+Ref<CFPropertyListRef> read_list(const std::string& bytes) {
+    const auto data = Ref<CFDataRef>::adopt(
+        CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
+                     static_cast<CFIndex>(bytes.size())));
+    return Ref<CFPropertyListRef>::adopt(
+        CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(), 0, nullptr, nullptr));
+}
+
+Ref<CFDataRef> binary_form(const Ref<CFPropertyListRef>& list) {
+    return Ref<CFDataRef>::adopt(CFPropertyListCreateData(
+        kCFAllocatorDefault, list.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+}
+
+void compare_describing(const char* form, int zones, const Ref<CFPropertyListRef>& state,
+                        const Ref<CFDataRef>& binary, int rounds) {
+    const auto* bytes = reinterpret_cast<const char*>(CFDataGetBytePtr(binary.get()));
+    const auto size = static_cast<std::uint32_t>(CFDataGetLength(binary.get()));
+    const std::string name =
+        "describe, 2 layers of " + std::to_string(zones) + " zones read from " + form;
+    lumo::bench::compare(
+        name.c_str(), "0.3 of libplist reading it", rounds,
+        [&] { lumo::bench::keep(describe(state.get())); },
+        [&] {
+            plist_t list = nullptr;
+            plist_from_bin(bytes, size, &list);
+            plist_free(list);
+        });
+}
+
+void compare_describing(int zones, int rounds) {
+    const Ref<CFPropertyListRef> from_xml = read_list(state_text(zones));
+    const Ref<CFDataRef> binary = binary_form(from_xml);
+    const auto from_binary = Ref<CFPropertyListRef>::adopt(
+        CFPropertyListCreateWithData(kCFAllocatorDefault, binary.get(), 0, nullptr, nullptr));
+    compare_describing("XML", zones, from_xml, binary, rounds);
+    compare_describing("binary", zones, from_binary, binary, rounds);
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    const bool small = count > 1 && std::string(arguments[1]) == "--small";
+    compare_counting(16, "0.067 (15 times faster)", small ? 3 : 15);
+    compare_counting(256, "0.020 (50 times faster)", small ? 3 : 15);
+    compare_describing(small ? 100 : 2000, small ? 3 : 15);
+}

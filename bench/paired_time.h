@@ -1,0 +1,67 @@
+// Measures two pieces of work in turns and prints their row of the table.
+#pragma once
+
+#include <time.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <vector>
+
+namespace lumo::bench {
+
+/// CPU time of this process so far, user and system, in seconds.
+inline double cpu_seconds() {
+    timespec now{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+/// CPU time of one of `times` calls of `work`.
+template <typename Work>
+double cpu_seconds_of(Work& work, int times) {
+    const double start = cpu_seconds();
+    for (int i = 0; i < times; ++i) {
+        work();
+    }
+    return (cpu_seconds() - start) / times;
+}
+
+inline double median(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+/// Keeps the compiler from leaving out what made `value`.
+template <typename T>
+void keep(const T& value) {
+    asm volatile("" : : "r"(&value) : "memory");
+}
+
+/// How many calls of `work` take some twenty milliseconds, once it is warm.
+template <typename Work>
+int calls_of_a_round(Work& work) {
+    work();
+    return static_cast<int>(0.02 / cpu_seconds_of(work, 1)) + 1;
+}
+
+/// Runs `ours` and `reference` in turns, each for some milliseconds a round, and prints the
+/// medians and the median of the rounds' ratios.
+template <typename Ours, typename Reference>
+void compare(const char* name, const char* goal, int rounds, Ours ours, Reference reference) {
+    const int ours_often = calls_of_a_round(ours);
+    const int reference_often = calls_of_a_round(reference);
+    std::vector<double> ours_times;
+    std::vector<double> reference_times;
+    std::vector<double> ratios;
+    for (int round = 0; round < rounds; ++round) {
+        ours_times.push_back(cpu_seconds_of(ours, ours_often));
+        reference_times.push_back(cpu_seconds_of(reference, reference_often));
+        ratios.push_back(ours_times.back() / reference_times.back());
+    }
+    std::printf("%s\t%.4g ms\t%.4g ms\t%.3f\t%s\n", name, median(ours_times) * 1e3,
+                median(reference_times) * 1e3, median(ratios), goal);
+    std::fflush(stdout);
+}
+
+} // namespace lumo::bench

@@ -1,0 +1,40 @@
+// A state in a show refers to the samples in the show by paths relative to the package. Before it
+// is loaded those are joined with the package's own path, and each must be there.
+#include "references.h"
+#include <lumo/exs.h>
+
+#include <filesystem>
+
+namespace lumo::exs {
+namespace fs = std::filesystem;
+namespace {
+
+/// Turns a reference's path into one through the package; else says in `error` why it is refused.
+bool resolve(std::string& path, const fs::path& package, std::string& error) {
+    if (path.empty() || path.front() == '/') {
+        error = "not a path in the show: " + path;
+        return false;
+    }
+    path = (package / path).string();
+    std::error_code ignored;
+    if (!fs::exists(fs::status(path, ignored))) {
+        error = "missing from the show: " + path;
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+const void* resolve_package_state(const void* state, const std::string& package,
+                                  std::string& error) {
+    References paths = references(state);
+    for (auto& [key, path] : paths) {
+        if (!resolve(path, package, error)) {
+            return nullptr;
+        }
+    }
+    return with_references(state, paths).release();
+}
+
+} // namespace lumo::exs

@@ -1,0 +1,85 @@
+// Access to property lists. A key string is made for each look-up and dropped right after it;
+// every value's type is tested before it is used as that type.
+#include "property_list.h"
+
+#include <fstream>
+
+namespace lumo::exs {
+namespace {
+
+template <typename T>
+T typed_value(CFDictionaryRef dictionary, const char* key, CFTypeID type) {
+    const CFTypeRef value = value_of(dictionary, key);
+    return value && CFGetTypeID(value) == type ? static_cast<T>(value) : nullptr;
+}
+
+} // namespace
+
+Ref<CFStringRef> make_string(const char* text) {
+    return Ref<CFStringRef>::adopt(
+        CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8));
+}
+
+std::string to_string(CFStringRef string) {
+    if (!string) {
+        return {};
+    }
+    const CFIndex size =
+        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
+    std::string text(static_cast<std::size_t>(size), '\0');
+    if (!CFStringGetCString(string, text.data(), size, kCFStringEncodingUTF8)) {
+        return {};
+    }
+    text.resize(text.find('\0'));
+    return text;
+}
+
+CFTypeRef value_of(CFDictionaryRef dictionary, const char* key) {
+    return CFDictionaryGetValue(dictionary, make_string(key).get());
+}
+
+CFDictionaryRef dictionary_of(CFDictionaryRef dictionary, const char* key) {
+    return typed_value<CFDictionaryRef>(dictionary, key, CFDictionaryGetTypeID());
+}
+
+CFArrayRef array_of(CFDictionaryRef dictionary, const char* key) {
+    return typed_value<CFArrayRef>(dictionary, key, CFArrayGetTypeID());
+}
+
+CFStringRef string_of(CFDictionaryRef dictionary, const char* key) {
+    return typed_value<CFStringRef>(dictionary, key, CFStringGetTypeID());
+}
+
+std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t fallback) {
+    const CFTypeRef value = value_of(dictionary, key);
+    if (!value) {
+        return fallback;
+    }
+    if (CFGetTypeID(value) == CFNumberGetTypeID()) {
+        std::int32_t number = fallback;
+        CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberIntType, &number);
+        return number;
+    }
+    if (CFGetTypeID(value) == CFBooleanGetTypeID()) {
+        return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) ? 1 : 0;
+    }
+    return fallback;
+}
+
+bool write_plist(const void* list, const std::filesystem::path& path) {
+    const auto data = Ref<CFDataRef>::adopt(CFPropertyListCreateData(
+        kCFAllocatorDefault, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+    if (!data) {
+        return false;
+    }
+    // Nobody looks at how the stream closes, so nothing may be left to write by then.
+    std::ofstream stream;
+    stream.rdbuf()->pubsetbuf(nullptr, 0);
+    stream.open(path.native(), std::ios::binary | std::ios::trunc);
+    stream.write(reinterpret_cast<const char*>(CFDataGetBytePtr(data.get())),
+                 CFDataGetLength(data.get()));
+    stream.flush();
+    return !stream.fail();
+}
+
+} // namespace lumo::exs

@@ -1,0 +1,57 @@
+// Reading and replacing the entry "file-references" of a sampler state, a dictionary from the
+// sampler's own keys to the paths of its sample files.
+#include "references.h"
+
+#include "property_list.h"
+
+#include <vector>
+
+namespace lumo::exs {
+namespace {
+
+constexpr const char* references_key = "file-references";
+
+Ref<CFMutableDictionaryRef> make_dictionary(const References& paths) {
+    auto dictionary = Ref<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
+        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    for (const auto& [key, path] : paths) {
+        const Ref<CFStringRef> key_string = make_string(key.c_str());
+        const Ref<CFStringRef> path_string = make_string(path.c_str());
+        if (key_string && path_string) {
+            CFDictionarySetValue(dictionary.get(), key_string.get(), path_string.get());
+        }
+    }
+    return dictionary;
+}
+
+} // namespace
+
+References references(const void* state) {
+    const CFDictionaryRef entries =
+        dictionary_of(static_cast<CFDictionaryRef>(state), references_key);
+    if (!entries) {
+        return {};
+    }
+    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(entries));
+    std::vector<const void*> keys(count);
+    std::vector<const void*> values(count);
+    CFDictionaryGetKeysAndValues(entries, keys.data(), values.data());
+    References paths;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (CFGetTypeID(values[i]) == CFStringGetTypeID()) {
+            std::string path = to_string(static_cast<CFStringRef>(values[i]));
+            paths[to_string(static_cast<CFStringRef>(keys[i]))] = std::move(path);
+        }
+    }
+    return paths;
+}
+
+Ref<CFTypeRef> with_references(const void* state, const References& paths) {
+    auto copy = Ref<CFMutableDictionaryRef>::adopt(
+        CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, static_cast<CFDictionaryRef>(state)));
+    const Ref<CFMutableDictionaryRef> dictionary = make_dictionary(paths);
+    CFDictionarySetValue(copy.get(), make_string(references_key).get(), dictionary.get());
+    return Ref<CFTypeRef>::adopt(copy.release());
+}
+
+} // namespace lumo::exs

@@ -1,0 +1,56 @@
+// The AudioToolbox calls of an import, each with its constants in one place.
+#include "sampler_host.h"
+
+#include <strings.h>
+
+#include <filesystem>
+
+namespace lumo::exs {
+
+Sampler make_sampler(std::string& error) {
+    const AudioComponentDescription description = {
+        kAudioUnitType_MusicDevice, kAudioUnitSubType_Sampler, kAudioUnitManufacturer_Apple, 0, 0};
+    const AudioComponent component = AudioComponentFindNext(nullptr, &description);
+    AudioUnit unit = nullptr;
+    if (!component || AudioComponentInstanceNew(component, &unit) != 0) {
+        error = "AUSampler not found";
+        return nullptr;
+    }
+    Sampler sampler(unit);
+    if (const OSStatus status = AudioUnitInitialize(unit); status != 0) {
+        error = "AUSampler initialise failed (OSStatus " + std::to_string(status) + ")";
+        return nullptr;
+    }
+    return sampler;
+}
+
+bool has_extension(const std::string& path, const char* extension) {
+    return strcasecmp(std::filesystem::path(path).extension().c_str(), extension) == 0;
+}
+
+OSStatus set_exs(AudioUnit sampler, CFURLRef url) {
+    AUSamplerInstrumentData data = {};
+    data.fileURL = url;
+    data.instrumentType = kInstrumentType_EXS24;
+    data.bankMSB = kAUSampler_DefaultMelodicBankMSB;
+    data.bankLSB = kAUSampler_DefaultBankLSB;
+    data.presetID = 0;
+    return AudioUnitSetProperty(sampler, kAUSamplerProperty_LoadInstrument, kAudioUnitScope_Global,
+                                0, &data, sizeof data);
+}
+
+OSStatus set_state(AudioUnit sampler, CFPropertyListRef state) {
+    return AudioUnitSetProperty(sampler, kAudioUnitProperty_ClassInfo, kAudioUnitScope_Global, 0,
+                                &state, sizeof state);
+}
+
+Ref<CFPropertyListRef> get_state(AudioUnit sampler) {
+    CFPropertyListRef list = nullptr;
+    UInt32 size = sizeof list;
+    const OSStatus status = AudioUnitGetProperty(sampler, kAudioUnitProperty_ClassInfo,
+                                                 kAudioUnitScope_Global, 0, &list, &size);
+    auto state = Ref<CFPropertyListRef>::adopt(list);
+    return status == 0 ? std::move(state) : Ref<CFPropertyListRef>();
+}
+
+} // namespace lumo::exs

@@ -1,0 +1,59 @@
+#include "list_values.h"
+
+namespace lumo::test {
+
+Value adopt(CFTypeRef object) {
+    return {object, [](CFTypeRef last) {
+                if (last) {
+                    CFRelease(last);
+                }
+            }};
+}
+
+Value text(const std::string& utf8) {
+    return adopt(
+        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
+                                static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
+}
+
+Value whole(int number) {
+    return adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberIntType, &number));
+}
+
+Value real(double number) {
+    return adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberDoubleType, &number));
+}
+
+Value boolean(bool value) {
+    return adopt(CFRetain(value ? kCFBooleanTrue : kCFBooleanFalse));
+}
+
+Value data(const std::string& bytes) {
+    return adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
+                              static_cast<CFIndex>(bytes.size())));
+}
+
+Value array(const std::vector<Value>& values) {
+    const CFMutableArrayRef result =
+        CFArrayCreateMutable(kCFAllocatorDefault, 0, &kCFTypeArrayCallBacks);
+    for (const Value& value : values) {
+        CFArrayAppendValue(result, value.get());
+    }
+    return adopt(result);
+}
+
+Value dictionary(const std::vector<std::pair<std::string, Value>>& entries) {
+    const CFMutableDictionaryRef result = CFDictionaryCreateMutable(
+        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+    for (const auto& [key, value] : entries) {
+        CFDictionarySetValue(result, text(key).get(), value.get());
+    }
+    return adopt(result);
+}
+
+Value entry(const Value& dictionary, const char* key) {
+    const CFTypeRef value = CFDictionaryGetValue(as_dictionary(dictionary), text(key).get());
+    return value ? adopt(CFRetain(value)) : Value();
+}
+
+} // namespace lumo::test

@@ -1,0 +1,35 @@
+// Property lists written down in tests: dictionary({{"Layers", array({...})}, {"gain", real(0)}}).
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lumo::test {
+
+/// A CoreFoundation object with one reference, which its last copy drops.
+using Value = std::shared_ptr<const void>;
+
+/// Takes over the reference that a Create function handed out.
+Value adopt(CFTypeRef object);
+
+Value text(const std::string& utf8);
+Value whole(int number);
+Value real(double number);
+Value boolean(bool value);
+Value data(const std::string& bytes);
+Value array(const std::vector<Value>& values);
+Value dictionary(const std::vector<std::pair<std::string, Value>>& entries);
+
+/// The value for `key` in a dictionary, with a reference of its own; null when there is none.
+Value entry(const Value& dictionary, const char* key);
+
+/// The value as a dictionary.
+inline CFDictionaryRef as_dictionary(const Value& value) {
+    return static_cast<CFDictionaryRef>(value.get());
+}
+
+} // namespace lumo::test

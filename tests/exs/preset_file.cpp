@@ -1,0 +1,67 @@
+// Reading the bytes of a preset, wherever they come from.
+#include "preset_file.h"
+
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace {
+
+using namespace lumo::test;
+
+std::string read(const std::filesystem::path& path) {
+    const std::vector<unsigned char> bytes = lumo::exs::read_preset(path.string());
+    return {bytes.begin(), bytes.end()};
+}
+
+TEST(PresetFile, IsReadWhole) {
+    const TempFolder folder;
+    for (const std::size_t size : {0U, 1U, 65535U, 65536U, 65537U, 1000000U}) {
+        std::string bytes(size, '\0');
+        for (std::size_t i = 0; i < size; ++i) {
+            bytes[i] = static_cast<char>(i * 31 >> 3);
+        }
+        write_file(folder / "preset", bytes);
+        EXPECT_EQ(read(folder / "preset"), bytes) << size;
+    }
+}
+
+TEST(PresetFile, ThatIsNotThereIsEmpty) {
+    const TempFolder folder;
+    EXPECT_EQ(read(folder / "preset"), "");
+}
+
+TEST(PresetFile, ThatIsAFolderIsEmpty) {
+    const TempFolder folder;
+    EXPECT_EQ(read(folder.path()), "");
+}
+
+TEST(PresetFile, OfMoreThanAGigabyteIsEmpty) {
+    const TempFolder folder;
+    write_file(folder / "preset", "bplist00");
+    std::filesystem::resize_file(folder / "preset", (std::uintmax_t{1} << 30) + 1);
+    EXPECT_EQ(read(folder / "preset"), "");
+}
+
+TEST(PresetFile, MayBeAPipe) {
+    const TempFolder folder;
+    const std::filesystem::path pipe = folder / "preset";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const std::string bytes(300000, 'x');
+    std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << bytes; });
+    EXPECT_EQ(read(pipe), bytes);
+    writer.join();
+}
+
+TEST(PresetFile, ThatIsAPipeWithoutAWriterIsEmpty) {
+    const TempFolder folder;
+    ASSERT_EQ(mkfifo((folder / "preset").c_str(), 0600), 0);
+    EXPECT_EQ(read(folder / "preset"), "");
+}
+
+} // namespace

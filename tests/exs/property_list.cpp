@@ -1,0 +1,125 @@
+// Texts and numbers out of property lists, and property lists into files.
+#include "property_list.h"
+
+#include "list_values.h"
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+namespace {
+
+using namespace lumo::test;
+using lumo::exs::integer;
+using lumo::exs::make_string;
+using lumo::exs::to_string;
+using lumo::exs::write_plist;
+
+std::string string_text(const std::string& utf8) {
+    return to_string(static_cast<CFStringRef>(text(utf8).get()));
+}
+
+int integer_of(const Value& value, int fallback) {
+    return integer(as_dictionary(dictionary({{"key", value}})), "key", fallback);
+}
+
+TEST(ToString, OfNullIsEmpty) {
+    EXPECT_EQ(to_string(nullptr), "");
+}
+
+TEST(ToString, OfAnEmptyStringIsEmpty) {
+    EXPECT_EQ(string_text(""), "");
+}
+
+TEST(ToString, GivesLettersBeyondAsciiAsUtf8) {
+    EXPECT_EQ(string_text("Caf\xc3\xa9 \xf0\x9f\x8e\xb9"), "Caf\xc3\xa9 \xf0\x9f\x8e\xb9");
+}
+
+TEST(ToString, EndsAtTheFirstNul) {
+    EXPECT_EQ(string_text(std::string("kick\0snare", 10)), "kick");
+}
+
+TEST(MakeString, OfBytesThatAreNotUtf8IsNothing) {
+    EXPECT_FALSE(make_string("Caf\xe9"));
+}
+
+TEST(Integer, OfAMissingKeyIsTheDefault) {
+    EXPECT_EQ(integer(as_dictionary(dictionary({})), "min key", 127), 127);
+}
+
+TEST(Integer, IsTheNumber) {
+    EXPECT_EQ(integer_of(whole(-5), 127), -5);
+}
+
+TEST(Integer, LosesTheFractionOfARealTowardZero) {
+    EXPECT_EQ(integer_of(real(3.7), 0), 3);
+    EXPECT_EQ(integer_of(real(-2.5), 0), -2);
+}
+
+TEST(Integer, OfABooleanIsOneOrZeroWhateverTheDefault) {
+    EXPECT_EQ(integer_of(boolean(true), 127), 1);
+    EXPECT_EQ(integer_of(boolean(false), 127), 0);
+}
+
+TEST(Integer, OfAnyOtherTypeIsTheDefault) {
+    EXPECT_EQ(integer_of(text("5"), 7), 7);
+    EXPECT_EQ(integer_of(data("5"), 7), 7);
+    EXPECT_EQ(integer_of(dictionary({}), 7), 7);
+    EXPECT_EQ(integer_of(array({whole(5)}), 7), 7);
+}
+
+TEST(WritePlist, WritesTheBinaryFormat) {
+    const TempFolder folder;
+    EXPECT_TRUE(write_plist(dictionary({{"gain", real(-3.5)}}).get(), folder / "state"));
+    EXPECT_EQ(read_file(folder / "state").substr(0, 8), "bplist00");
+}
+
+TEST(WritePlist, WritesWhatReadsBackEqual) {
+    const TempFolder folder;
+    const Value list = dictionary({{"a", array({whole(1), real(0.5), boolean(true)})},
+                                   {"b", text("\xc3\xa9")},
+                                   {"c", data("bytes")}});
+    ASSERT_TRUE(write_plist(list.get(), folder / "state"));
+    const Value bytes = data(read_file(folder / "state"));
+    const Value read = adopt(CFPropertyListCreateWithData(
+        kCFAllocatorDefault, static_cast<CFDataRef>(bytes.get()), 0, nullptr, nullptr));
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(CFEqual(read.get(), list.get()));
+}
+
+TEST(WritePlist, OverwritesAFileWhole) {
+    const TempFolder folder;
+    write_file(folder / "state", std::string(5000, 'x'));
+    ASSERT_TRUE(write_plist(dictionary({}).get(), folder / "state"));
+    ASSERT_TRUE(write_plist(dictionary({}).get(), folder / "fresh"));
+    EXPECT_EQ(read_file(folder / "state"), read_file(folder / "fresh"));
+}
+
+TEST(WritePlist, IntoAMissingFolderCreatesNothing) {
+    const TempFolder folder;
+    EXPECT_FALSE(write_plist(dictionary({}).get(), folder / "missing/state"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "missing"));
+}
+
+TEST(WritePlist, OfWhatCannotBeSerialisedTouchesNothing) {
+    const TempFolder folder;
+    write_file(folder / "state", "as it was");
+    const std::string path = "/kick.wav";
+    const Value url = adopt(CFURLCreateFromFileSystemRepresentation(
+        kCFAllocatorDefault, reinterpret_cast<const UInt8*>(path.data()),
+        static_cast<CFIndex>(path.size()), false));
+    EXPECT_FALSE(write_plist(dictionary({{"url", url}}).get(), folder / "state"));
+    EXPECT_FALSE(write_plist(dictionary({{"url", url}}).get(), folder / "new"));
+    EXPECT_EQ(read_file(folder / "state"), "as it was");
+    EXPECT_FALSE(std::filesystem::exists(folder / "new"));
+}
+
+TEST(WritePlist, SeesThatTheDiskIsFull) {
+    if (!std::filesystem::exists("/dev/full")) {
+        GTEST_SKIP() << "this system has no /dev/full";
+    }
+    EXPECT_FALSE(write_plist(dictionary({{"name", text("Test")}}).get(), "/dev/full"));
+}
+
+} // namespace

@@ -22,6 +22,10 @@ struct Container : Object {
     };
 };
 
+inline bool is_container(Kind kind) noexcept {
+    return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
+}
+
 /// Stops the process unless the container may be changed, as on a Mac.
 inline void require_mutable(const Container& container) noexcept {
     if (!container.has(Container::is_mutable)) {

@@ -45,16 +45,24 @@ void use_storage(Dictionary& dictionary, void* memory, std::size_t room) noexcep
     }
 }
 
-std::uint32_t hash_key(const Dictionary& dictionary, const void* key) noexcept {
-    return dictionary.has(Container::owns_keys) ? hash(static_cast<const Object*>(key))
-                                                : hash_word(reinterpret_cast<std::uintptr_t>(key));
+/// Whether a key is told from others by its value and not by its address. Containers in a set are
+/// not: they have no hash worth the name, and a file with a large set of them must not take for
+/// ever.
+bool goes_by_value(const Dictionary& dictionary, const Object* key) noexcept {
+    return dictionary.has(Container::owns_keys) &&
+           !(dictionary.kind == Kind::set && is_container(key->kind));
+}
+
+std::uint32_t hash_key(const Dictionary& dictionary, const Object* key) noexcept {
+    return goes_by_value(dictionary, key) ? hash(key)
+                                          : hash_word(reinterpret_cast<std::uintptr_t>(key));
 }
 
 bool same_key(const Dictionary& dictionary, const Object* held, const Object* key) {
     if (held == key) {
         return true;
     }
-    if (!dictionary.has(Container::owns_keys) || held->kind != key->kind) {
+    if (!goes_by_value(dictionary, key) || held->kind != key->kind) {
         return false;
     }
     return held->kind == Kind::string

@@ -36,7 +36,8 @@ enum class Duplicates { first_wins, last_wins };
 /// A dictionary of keys and values in turn (key, value, key, value, ...), whose references it takes
 /// over (they are null afterwards).
 Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates);
-/// A set of the given objects, whose references it takes over; equal ones are held once.
+/// A set of the given objects, whose references it takes over. Equal ones are held once, but
+/// containers are told apart by their addresses.
 Owned make_set(std::span<Owned> items);
 
 /// The entry with an equal key, or null.

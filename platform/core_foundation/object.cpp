@@ -14,10 +14,6 @@ namespace {
 
 using Pair = std::pair<const Object*, const Object*>;
 
-bool is_container(Kind kind) noexcept {
-    return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
-}
-
 /// Frees a dead object at once, or, when it has children, puts it on the list of those to be
 /// emptied.
 void bury(const Object* dead, Container*& pending) noexcept {

@@ -168,6 +168,15 @@ TEST(Sets, HoldEqualValuesOnce) {
     EXPECT_EQ(dictionary(set).count, 2U);
 }
 
+TEST(Sets, TellContainersApartByTheirAddresses) {
+    std::vector<Owned> items;
+    items.push_back(make_array({}));
+    items.push_back(share(items[0].get()));
+    items.push_back(make_array({}));
+    const Owned set = make_set(items);
+    EXPECT_EQ(dictionary(set).count, 2U);
+}
+
 TEST(References, HandedToAContainerAreItsOwn) {
     Owned child = make_string("shared");
     const Owned second = share(child.get());

@@ -174,17 +174,19 @@ int accessx_np_shim(const accessx_descriptor* paths, size_t size, int* errors, u
     if (result != 0 || !session::is_open()) {
         return result;
     }
+    const int before = errno;
+    const auto exists = [](const char* p) { return access(p, F_OK); };
     // The texts stand behind the descriptors; one without a text of its own has that of the last.
     const char* path = nullptr;
     for (size_t i = 0; i < paths[0].ad_name_offset / sizeof(accessx_descriptor); ++i) {
         if (paths[i].ad_name_offset != 0) {
             path = reinterpret_cast<const char*>(paths) + paths[i].ad_name_offset;
         }
-        const auto exists = [](const char* p) { return access(p, F_OK); };
         if ((errors[i] == ENOENT || errors[i] == ENOTDIR) && look_up(path, exists) == 0) {
             errors[i] = 0;
         }
     }
+    errno = before;
     return result;
 }
 
@@ -211,20 +213,28 @@ ssize_t listxattr_shim(const char* path, char* names, size_t size, int options) 
     return look_up(path, [&](const char* p) { return listxattr(p, names, size, options); });
 }
 
-/// A negative result with errno as it was means that there is no limit.
+/// A negative result that leaves errno alone means that there is no limit.
 long pathconf_shim(const char* path, int name) {
-    return look_up(path, [&](const char* p) {
-        errno = 0;
-        return pathconf(p, name);
-    });
+    const int before = errno;
+    errno = 0;
+    const long result = look_up(path, [&](const char* p) { return pathconf(p, name); });
+    if (errno == 0) {
+        errno = before;
+    }
+    return result;
 }
 
 ssize_t readlink_shim(const char* path, char* text, size_t size) {
     return look_up(path, [&](const char* p) { return readlink(p, text, size); });
 }
 
+/// What is absent may be the folder of `to`, too: `from` is looked up only where it is not there.
 int clonefile_shim(const char* from, const char* to, uint32_t flags) {
-    return look_up(from, [&](const char* p) { return clonefile(p, to, flags); });
+    const auto clone = [&](const char* p) { return clonefile(p, to, flags); };
+    const int before = errno;
+    const bool is_there = !session::is_open() || access(from, F_OK) == 0;
+    errno = before;
+    return is_there ? clone(from) : look_up(from, clone);
 }
 
 DIR* opendir_shim(const char* path) {

@@ -156,7 +156,7 @@ Holder<CFMutableDictionaryRef> make_dictionary() {
 }
 
 /// The entry that stays when one of two equal keys comes second.
-std::string value_after(void (*put)(CFMutableDictionaryRef, const void*, const void*)) {
+Json value_after(void (*put)(CFMutableDictionaryRef, const void*, const void*)) {
     const auto dictionary = make_dictionary();
     for (const char* value : {"first", "second"}) {
         const auto key = hold(CFStringCreateWithCString(nullptr, "key", kCFStringEncodingUTF8));

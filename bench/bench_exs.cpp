@@ -1,6 +1,7 @@
 // Reading an EXS24 instrument and building its state, against reading the file's bytes, in turns
 // and in CPU time, over instruments ten and a hundred times as large: the time for a zone must not
 // grow.
+#include "paired_time.h"
 #include "sampler/exs_layers.h"
 #include "sampler/exs_reader.h"
 #include "sampler/exs_state.h"
@@ -8,11 +9,9 @@
 #include "support/temp_folder.h"
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
@@ -79,57 +78,30 @@ void read_and_build(const fs::path& path) {
     }
 }
 
-double cpu_ms() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    const auto ms = [](const timeval& time) {
-        return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
-    };
-    return ms(usage.ru_utime) + ms(usage.ru_stime);
-}
-
-/// CPU milliseconds of one of `repeats` times `work`.
-template <class Work>
-double cpu_ms(int repeats, const Work& work) {
-    const double before = cpu_ms();
-    for (int i = 0; i < repeats; ++i) {
-        work();
-    }
-    return (cpu_ms() - before) / repeats;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-/// CPU milliseconds of reading and building.
-double measure(const fs::path& folder, int zones, int rounds) {
-    const fs::path path = folder / (std::to_string(zones) + ".exs");
+fs::path write_instrument(const fs::path& folder, int zones) {
+    fs::path path = folder / (std::to_string(zones) + ".exs");
     std::ofstream(path, std::ios::binary) << instrument(zones);
-    const int repeats = std::max(1, 20000 / zones);
-    std::vector<double> ours;
-    std::vector<double> theirs;
-    for (int round = 0; round < rounds; ++round) {
-        ours.push_back(cpu_ms(repeats, [&] { read_and_build(path); }));
-        theirs.push_back(cpu_ms(repeats, [&] { bytes_of(path); }));
-    }
-    std::printf(
-        "EXS24 of %d zones to its state\t%.2f ms\t%.2f ms (its bytes read)\t%.1f\treported\n",
-        zones, median(ours), median(theirs), median(ours) / median(theirs));
-    return median(ours);
+    return path;
 }
 
-void measure_growth(const fs::path& folder, const std::vector<int>& sizes, int rounds) {
-    double smaller = 0;
+void measure(const fs::path& folder, const std::vector<int>& sizes, int rounds) {
+    fs::path smaller;
     for (const int zones : sizes) {
-        const double time = measure(folder, zones, rounds);
-        if (smaller > 0) {
-            std::printf("EXS24, a zone of %d against one of %d\t%.2f us\t%.2f us\t%.2f\tlinear\n",
-                        zones, zones / 10, time / zones * 1e3, smaller / (zones / 10.0) * 1e3,
-                        time / smaller / 10);
+        const fs::path path = write_instrument(folder, zones);
+        const std::string name = "EXS24 of " + std::to_string(zones) + " zones to its state, ";
+        lumo::bench::compare((name + "against reading its bytes").c_str(), "reported", rounds,
+                             [&] { read_and_build(path); },
+                             [&] { lumo::bench::keep(bytes_of(path)); });
+        if (!smaller.empty()) {
+            lumo::bench::compare((name + "against ten of a tenth").c_str(), "linear: 1", rounds,
+                                 [&] { read_and_build(path); },
+                                 [&] {
+                                     for (int i = 0; i < 10; ++i) {
+                                         read_and_build(smaller);
+                                     }
+                                 });
         }
-        smaller = time;
+        smaller = path;
     }
 }
 
@@ -138,8 +110,8 @@ void measure_growth(const fs::path& folder, const std::vector<int>& sizes, int r
 int main(int count, char** arguments) try {
     const bool small = count > 1 && std::string(arguments[1]) == "--small";
     const lumo::test::TempFolder folder;
-    measure_growth(folder.path(), small ? std::vector{100, 1000} : std::vector{1000, 10000, 100000},
-                   small ? 1 : 9);
+    measure(folder.path(), small ? std::vector{100, 1000} : std::vector{1000, 10000, 100000},
+            small ? 1 : 9);
 } catch (const std::exception& error) {
     std::fprintf(stderr, "bench_exs: %s\n", error.what());
     return 1;

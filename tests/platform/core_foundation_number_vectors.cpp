@@ -1,5 +1,6 @@
 // Numbers, compared with recorded results of CoreFoundation.
 #include "platform/core_foundation_vectors.h"
+#include "platform/number_records.h"
 
 #include <array>
 #include <cstdlib>
@@ -7,26 +8,6 @@
 
 namespace lumo::test {
 namespace {
-
-const std::map<std::string, CFNumberType>& number_types() {
-    static const std::map<std::string, CFNumberType> types = {{"SInt8", kCFNumberSInt8Type},
-                                                              {"SInt16", kCFNumberSInt16Type},
-                                                              {"SInt32", kCFNumberSInt32Type},
-                                                              {"SInt64", kCFNumberSInt64Type},
-                                                              {"Float32", kCFNumberFloat32Type},
-                                                              {"Float64", kCFNumberFloat64Type},
-                                                              {"Char", kCFNumberCharType},
-                                                              {"Short", kCFNumberShortType},
-                                                              {"Int", kCFNumberIntType},
-                                                              {"Long", kCFNumberLongType},
-                                                              {"LongLong", kCFNumberLongLongType},
-                                                              {"Float", kCFNumberFloatType},
-                                                              {"Double", kCFNumberDoubleType},
-                                                              {"CFIndex", kCFNumberCFIndexType},
-                                                              {"NSInteger", kCFNumberNSIntegerType},
-                                                              {"CGFloat", kCFNumberCGFloatType}};
-    return types;
-}
 
 std::size_t size_of(CFNumberType type) {
     static const std::array<std::size_t, 17> sizes = {0, 1, 2, 4, 8, 4, 8, 1, 2,
@@ -40,43 +21,11 @@ bool is_real(CFNumberType type) {
            type == kCFNumberCGFloatType;
 }
 
-/// A decimal of up to 128 bits as the two words of the number type that has no public name.
-Holder<CFNumberRef> make_wide(const std::string& decimal) {
-    __extension__ using Wide = unsigned __int128;
-    Wide value = 0;
-    for (const char c : decimal) {
-        value = c == '-' ? value : value * 10 + static_cast<unsigned>(c - '0');
-    }
-    value = decimal.front() == '-' ? -value : value;
-    const std::array<std::uint64_t, 2> words = {static_cast<std::uint64_t>(value >> 64),
-                                                static_cast<std::uint64_t>(value)};
-    return hold(CFNumberCreate(nullptr, static_cast<CFNumberType>(17), words.data()));
-}
-
-Holder<CFNumberRef> make_integer(const Json& source) {
-    const std::string& text = source["v"].get_ref<const std::string&>();
-    if (source.value("w", 64) == 128) {
-        return make_wide(text);
-    }
-    // The machines that run this are little-endian: the low bytes of the value come first.
-    const std::int64_t value = std::strtoll(text.c_str(), nullptr, 10);
-    return hold(CFNumberCreate(nullptr, number_types().at(source.value("ct", "SInt64")), &value));
-}
-
-Holder<CFNumberRef> make_real(const Json& source) {
-    const double value = std::strtod(source["v"].get_ref<const std::string&>().c_str(), nullptr);
-    const auto single = static_cast<float>(value);
-    return source.value("w", 64) == 32
-               ? hold(CFNumberCreate(nullptr, kCFNumberFloat32Type, &single))
-               : hold(CFNumberCreate(nullptr, kCFNumberFloat64Type, &value));
-}
-
 Holder<CFTypeRef> make_object(const Json& source) {
     if (source["t"] == "bool") {
         return hold(CFRetain(source["v"].get<bool>() ? kCFBooleanTrue : kCFBooleanFalse));
     }
-    return Holder<CFTypeRef>{
-        (source["t"] == "int" ? make_integer(source) : make_real(source)).release()};
+    return Holder<CFTypeRef>{make_number(source).release()};
 }
 
 std::string formatted(const std::array<unsigned char, 16>& buffer, CFNumberType type) {

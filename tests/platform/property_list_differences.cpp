@@ -1,0 +1,132 @@
+// Where reading and writing differ from CoreFoundation on purpose: no sharing of values makes a
+// file or the time it takes grow without bound, and no depth stops the process.
+#include "platform/binary_list_builder.h"
+#include "platform/property_list_text.h"
+
+#include <string>
+
+namespace lumo::test {
+namespace {
+
+const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
+
+std::string repeated(const std::string& part, std::size_t times) {
+    std::string whole;
+    for (std::size_t i = 0; i < times; ++i) {
+        whole += part;
+    }
+    return whole;
+}
+
+/// The number of objects in a binary property list.
+unsigned count_of(const std::string& bytes) {
+    return static_cast<unsigned char>(bytes.at(bytes.size() - 17)) +
+           256u * static_cast<unsigned char>(bytes.at(bytes.size() - 18));
+}
+
+/// An array of so many arrays of 40,000 references each, which all end in the same bytes.
+BinaryList overlapping_arrays(std::size_t count) {
+    const std::string head = "\xAF\x11\x9C\x40"; // as references: 44817 and 40000, which are leaves
+    BinaryList list{.objects = {}, .offset_width = 4, .ref_width = 2};
+    list.objects.push_back("\xAF\x11" + big_endian(count, 2));
+    for (std::size_t i = 1; i <= count; ++i) {
+        list.objects[0] += big_endian(i, 2);
+        list.objects.push_back(head);
+    }
+    list.objects.back() += repeated(big_endian(44999, 2), 40000);
+    list.objects.resize(45000, "\x09");
+    return list;
+}
+
+} // namespace
+
+TEST(PropertyListDifferences, OpenStepTextIsRefused) {
+    EXPECT_EQ(read_and_describe("{ a = b; }"), refused);
+    EXPECT_EQ(read_and_describe("bplist00"), refused);
+    EXPECT_EQ(read_and_describe(" "), refused);
+}
+
+TEST(PropertyListDifferences, MutableListsAreNotOffered) {
+    const auto data = hold(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>("<true/>"), 7));
+    EXPECT_EQ(CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListMutableContainers,
+                                           nullptr, nullptr),
+              nullptr);
+}
+
+TEST(PropertyListDifferences, EqualValuesAreStoredOnce) {
+    EXPECT_EQ(count_of(written(read_list("<array><string>a</string><key>a</key><real>1.5</real>"
+                                         "<real>1.5</real><data>AAAA</data><data>AAAA</data>"
+                                         "<integer>1000</integer><integer>1000</integer><true/>"
+                                         "<true/><dict><key>a</key><string>a</string></dict>"
+                                         "</array>")
+                                   .get())),
+              7u); // the array, the dictionary, and five leaves
+}
+
+TEST(PropertyListDifferences, SharedContainersAreStoredOnce) {
+    const auto inner = array_of({kCFBooleanTrue});
+    const auto list = array_of({inner.get(), inner.get(), inner.get()});
+    EXPECT_EQ(count_of(written(list.get())), 3u);
+}
+
+TEST(PropertyListDifferences, TheBytesDoNotDependOnHowADictionaryWasFilled) {
+    const std::string ascii = "<key>a</key><true/>";
+    const std::string prefix = "<key>ab</key><true/>";
+    const std::string latin = "<key>a\xC3\xA9</key><false/>";
+    const std::string one = written(read_list("<dict>" + ascii + prefix + latin + "</dict>").get());
+    EXPECT_EQ(one, written(read_list("<dict>" + latin + prefix + ascii + "</dict>").get()));
+    EXPECT_EQ(one, written(read_list("<dict>" + prefix + ascii + latin + "</dict>").get()));
+}
+
+TEST(PropertyListDifferences, AnyDepthIsWritten) {
+    Holder<CFTypeRef> list = array_of({});
+    for (int i = 1; i < 100000; ++i) {
+        list = array_of({list.get()});
+    }
+    const std::string bytes = written(list.get());
+    EXPECT_EQ(bytes.substr(8, 5), "\xA1" + big_endian(1, 4));
+    EXPECT_EQ(bytes.size(), 8 + 99999 * 5 + 1 + 100000 * 4 + 32);
+}
+
+TEST(PropertyListDifferences, SharingIsNotWrittenOut) {
+    Holder<CFTypeRef> list = array_of({});
+    for (int i = 0; i < 200; ++i) {
+        list = array_of({list.get(), list.get()});
+    }
+    EXPECT_EQ(count_of(written(list.get())), 201u);
+}
+
+TEST(PropertyListDifferences, SharedPartsCountForTheDepthToo) {
+    // Each array holds all the deeper ones, the deepest first, so that none is ever read twice.
+    BinaryList list;
+    for (std::size_t i = 0; i < 200; ++i) {
+        std::string array = "\xAF\x10" + big_endian(199 - i, 1);
+        for (std::size_t j = 199; j > i; --j) {
+            array += big_endian(j, 1);
+        }
+        list.objects.push_back(array);
+    }
+    CFErrorRef error = nullptr;
+    const std::string bytes = list.bytes();
+    const auto data = hold(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                        static_cast<CFIndex>(bytes.size())));
+    EXPECT_TRUE(hold(CFPropertyListCreateWithData(nullptr, data.get(), 0, nullptr, &error)));
+
+    list = nested_arrays(600);
+    std::string all = "\xAF\x11" + big_endian(600, 2);
+    for (std::size_t i = 600; i > 0; --i) {
+        all += big_endian(i, 4);
+    }
+    list.objects.insert(list.objects.begin(), all);
+    for (std::size_t i = 1; i < 600; ++i) {
+        list.objects[i] = "\xA1" + big_endian(i + 1, 4);
+    }
+    EXPECT_EQ(read_and_describe(list.bytes()), refused);
+}
+
+TEST(PropertyListDifferences, OverlappingContainersDoNotMultiply) {
+    EXPECT_NE(read_and_describe(overlapping_arrays(1).bytes()), refused);
+    EXPECT_EQ(read_and_describe(overlapping_arrays(2000).bytes()), refused);
+}
+
+} // namespace lumo::test

@@ -1,0 +1,288 @@
+#include "platform/property_list_text.h"
+
+#include "platform/number_records.h"
+#include "support/temp_folder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+
+namespace lumo::test {
+namespace {
+
+template <class Ref>
+Ref cast(CFTypeRef object) {
+    return static_cast<Ref>(object);
+}
+
+std::string real_text(double value) {
+    if (std::isnan(value)) {
+        return "nan";
+    }
+    char text[32];
+    std::snprintf(text, sizeof text, "%.17g", value);
+    return text;
+}
+
+std::string quoted(const Json& units) {
+    std::string text = "\"";
+    for (const auto& element : units) {
+        const auto unit = element.get<unsigned>();
+        if (unit >= 0x20 && unit < 0x7F && unit != '"' && unit != '\\') {
+            text.push_back(static_cast<char>(unit));
+        } else {
+            char escape[8];
+            std::snprintf(escape, sizeof escape, "\\%04x", unit);
+            text += escape;
+        }
+    }
+    return text + '"';
+}
+
+std::string bytes_of(CFDataRef data) {
+    const auto* bytes = reinterpret_cast<const char*>(CFDataGetBytePtr(data));
+    return {bytes, static_cast<std::size_t>(CFDataGetLength(data))};
+}
+
+/// Whole numbers are told by their written form, since 128 bits have no public access.
+std::string integer_text(CFNumberRef number) {
+    const std::string bytes = written(number);
+    if (bytes.size() < 9 || bytes[8] != 0x14) {
+        SInt64 value = 0;
+        CFNumberGetValue(number, kCFNumberSInt64Type, &value);
+        return std::to_string(value);
+    }
+    return "0x" + to_hex(bytes.substr(9, 16)) + " wide";
+}
+
+std::string number_text(CFNumberRef number) {
+    if (!CFNumberIsFloatType(number)) {
+        return integer_text(number);
+    }
+    double value = 0;
+    CFNumberGetValue(number, kCFNumberDoubleType, &value);
+    const bool single = CFNumberGetType(number) == kCFNumberFloat32Type;
+    return (single ? "real32 " : "real ") + real_text(value);
+}
+
+/// A UID has no public type: it is what is left, and told by its written form.
+std::string uid_text(CFTypeRef object) {
+    const std::string bytes = written(object);
+    if (bytes.size() < 10 || static_cast<unsigned char>(bytes[8]) >> 4 != 8) {
+        return "something else";
+    }
+    unsigned value = 0;
+    for (int i = 0; i <= (bytes[8] & 0xF); ++i) {
+        value = value << 8 | static_cast<unsigned char>(bytes[9 + static_cast<std::size_t>(i)]);
+    }
+    return "uid " + std::to_string(value);
+}
+
+std::string joined(std::vector<std::string> parts, const char* open, const char* close) {
+    std::string text = open;
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        text += (i > 0 ? ", " : "") + parts[i];
+    }
+    return text + close;
+}
+
+std::string sorted(std::vector<std::string> parts, const char* open, const char* close) {
+    std::sort(parts.begin(), parts.end());
+    return joined(std::move(parts), open, close);
+}
+
+std::string array_text(CFArrayRef array) {
+    std::vector<std::string> parts;
+    parts.reserve(static_cast<std::size_t>(CFArrayGetCount(array)));
+    for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
+        parts.push_back(described(CFArrayGetValueAtIndex(array, i)));
+    }
+    return joined(std::move(parts), "[", "]");
+}
+
+std::string dictionary_text(CFDictionaryRef dictionary) {
+    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
+    std::vector<const void*> keys(count);
+    std::vector<const void*> values(count);
+    CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
+    std::vector<std::string> parts;
+    for (std::size_t i = 0; i < count; ++i) {
+        parts.push_back(described(keys[i]) + ": " + described(values[i]));
+    }
+    return sorted(std::move(parts), "{", "}");
+}
+
+std::string set_text(CFSetRef set) {
+    std::vector<const void*> values(static_cast<std::size_t>(CFSetGetCount(set)));
+    CFSetGetValues(set, values.data());
+    std::vector<std::string> parts;
+    for (const void* value : values) {
+        parts.push_back(described(value));
+    }
+    return sorted(std::move(parts), "set(", ")");
+}
+
+/// The units of UTF-8 text. A byte order mark counts as a character as long as it is not the first.
+Json units_of_utf8(const std::string& utf8) {
+    const std::string text = "." + utf8;
+    const auto string = hold(
+        CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
+                                static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
+    Json units = units_of(string.get());
+    units.erase(0);
+    return units;
+}
+
+std::string string_text(const Json& record) {
+    return quoted(record.contains("u16")
+                      ? record["u16"]
+                      : units_of_utf8(record["v"].get_ref<const std::string&>()));
+}
+
+std::vector<std::string> each_described(const Json& records) {
+    std::vector<std::string> parts;
+    for (const Json& record : records) {
+        parts.push_back(described(record));
+    }
+    return parts;
+}
+
+std::string dictionary_text(const Json& entries) {
+    std::vector<std::string> parts;
+    for (const Json& entry : entries) {
+        const Json key = entry[0].is_string() ? Json{{"t", "string"}, {"v", entry[0]}} : entry[0];
+        parts.push_back(described(key) + ": " + described(entry[1]));
+    }
+    return sorted(std::move(parts), "{", "}");
+}
+
+Holder<CFPropertyListRef> read(std::string_view bytes, CFPropertyListFormat* format,
+                               CFErrorRef* error) {
+    const auto data = hold(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                        static_cast<CFIndex>(bytes.size())));
+    return Holder<CFPropertyListRef>{
+        CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable, format, error)};
+}
+
+std::string refusal(CFErrorRef reported) {
+    const auto error = hold(reported);
+    if (!error) {
+        return "refused without an error";
+    }
+    const Json domain = units_of(CFErrorGetDomain(error.get()));
+    return "refused: " + quoted(domain) + " " + std::to_string(CFErrorGetCode(error.get()));
+}
+
+} // namespace
+
+std::string described(CFTypeRef list) {
+    const CFTypeID type = CFGetTypeID(list);
+    if (type == CFStringGetTypeID()) {
+        return quoted(units_of(cast<CFStringRef>(list)));
+    }
+    if (type == CFNumberGetTypeID()) {
+        return number_text(cast<CFNumberRef>(list));
+    }
+    if (type == CFBooleanGetTypeID()) {
+        return CFBooleanGetValue(cast<CFBooleanRef>(list)) ? "true" : "false";
+    }
+    if (type == CFDataGetTypeID()) {
+        return "<" + to_hex(bytes_of(cast<CFDataRef>(list))) + ">";
+    }
+    if (type == CFDateGetTypeID()) {
+        return "date " + real_text(CFDateGetAbsoluteTime(cast<CFDateRef>(list)));
+    }
+    if (type == CFArrayGetTypeID()) {
+        return array_text(cast<CFArrayRef>(list));
+    }
+    if (type == CFDictionaryGetTypeID()) {
+        return dictionary_text(cast<CFDictionaryRef>(list));
+    }
+    if (type == CFSetGetTypeID()) {
+        return set_text(cast<CFSetRef>(list));
+    }
+    return type == CFNullGetTypeID() ? "null" : uid_text(list);
+}
+
+std::string described(const Json& record) {
+    const std::string& type = record["t"].get_ref<const std::string&>();
+    static const Json none;
+    const Json& value = record.contains("v") ? record["v"] : none;
+    if (type == "string") {
+        return string_text(record);
+    }
+    if (type == "int" || type == "real") {
+        return described(make_number(record).get());
+    }
+    if (type == "bool") {
+        return value.get<bool>() ? "true" : "false";
+    }
+    if (type == "data") {
+        return "<" + value.get<std::string>() + ">";
+    }
+    if (type == "date" || type == "uid") {
+        return type + " " + value.get<std::string>();
+    }
+    if (type == "array") {
+        return joined(each_described(value), "[", "]");
+    }
+    if (type == "dict") {
+        return dictionary_text(value);
+    }
+    return type == "set" ? sorted(each_described(value), "set(", ")") : type;
+}
+
+std::string read_and_describe(std::string_view bytes) {
+    CFErrorRef error = nullptr;
+    const auto list = read(bytes, nullptr, &error);
+    return list ? described(list.get()) : refusal(error);
+}
+
+std::string read_with_format(std::string_view bytes) {
+    CFPropertyListFormat format{};
+    CFErrorRef error = nullptr;
+    const auto list = read(bytes, &format, &error);
+    if (!list) {
+        return refusal(error);
+    }
+    return (format == kCFPropertyListXMLFormat_v1_0 ? "xml " : "binary ") + described(list.get());
+}
+
+Holder<CFPropertyListRef> read_list(std::string_view bytes) {
+    auto list = read(bytes, nullptr, nullptr);
+    EXPECT_TRUE(list);
+    return list;
+}
+
+std::string written(CFPropertyListRef list) {
+    CFErrorRef error = nullptr;
+    const auto data =
+        hold(CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, &error));
+    return data ? bytes_of(data.get()) : refusal(error);
+}
+
+Holder<CFTypeRef> array_of(const std::vector<const void*>& items) {
+    return Holder<CFTypeRef>{CFArrayCreate(nullptr, const_cast<const void**>(items.data()),
+                                           static_cast<CFIndex>(items.size()),
+                                           &kCFTypeArrayCallBacks)};
+}
+
+std::vector<std::string> vector_names(const std::string& folder) {
+    std::vector<std::string> names;
+    std::error_code absent;
+    const std::filesystem::path path = std::filesystem::path{LUMO_SHARED} / "vectors" / folder;
+    for (const auto& entry : std::filesystem::directory_iterator{path, absent}) {
+        if (entry.path().extension() == ".json") {
+            names.push_back(entry.path().stem().string());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::string vector_bytes(const std::string& name) {
+    return read_file(std::filesystem::path{LUMO_SHARED} / "vectors" / name);
+}
+
+} // namespace lumo::test

@@ -1,0 +1,256 @@
+// Writing property lists, compared with recorded results of CoreFoundation.
+#include "platform/number_records.h"
+#include "platform/property_list_text.h"
+
+#include <cstdlib>
+#include <set>
+
+namespace lumo::test {
+namespace {
+
+using Any = Holder<CFTypeRef>;
+
+const std::string refused = "refused: \"NSCocoaErrorDomain\" 3851";
+
+Any text_object(const std::string& utf8) {
+    return Any{CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(utf8.data()),
+                                       static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8,
+                                       false)};
+}
+
+/// "rep" of a record: a part and how often it is repeated.
+std::string repeated(const Json& repetition, bool hex) {
+    const std::string text = repetition[0].get<std::string>();
+    const std::string part = hex ? from_hex(text) : text;
+    std::string whole;
+    for (std::size_t i = 0; i < repetition[1].get<std::size_t>(); ++i) {
+        whole += part;
+    }
+    return whole;
+}
+
+Any string_object(const Json& record) {
+    if (record.contains("u16")) {
+        return Any{make_string(record["u16"]).release()};
+    }
+    return text_object(record.contains("rep") ? repeated(record["rep"], false)
+                                              : record["v"].get<std::string>());
+}
+
+Any data_object(const Json& record) {
+    const std::string bytes = record.contains("rep") ? repeated(record["rep"], true)
+                                                     : from_hex(record["v"].get<std::string>());
+    return Any{CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                            static_cast<CFIndex>(bytes.size()))};
+}
+
+/// UIDs and sets cannot be made by public functions, but a property list may hold them. `objects`
+/// are those of a binary one, `table` their offsets.
+Any object_in_binary(const std::string& objects, const std::string& table) {
+    const std::string zeros(7, '\0');
+    const std::string count(1, static_cast<char>(table.size()));
+    const std::string end(1, static_cast<char>(8 + objects.size()));
+    return read_list("bplist00" + objects + table + zeros.substr(1) + "\x01\x01" + zeros + count +
+                     zeros + '\0' + zeros + end);
+}
+
+Any uid_object(const Json& record) {
+    const unsigned long value = std::strtoul(record["v"].get<std::string>().c_str(), nullptr, 10);
+    std::string object = "\x83";
+    for (int shift = 24; shift >= 0; shift -= 8) {
+        object.push_back(static_cast<char>(value >> shift & 0xFF));
+    }
+    return object_in_binary(object, "\x08");
+}
+
+Any date_object(const Json& record) {
+    return Any{CFDateCreate(nullptr, std::strtod(record["v"].get<std::string>().c_str(), nullptr))};
+}
+
+Any url_object() {
+    const auto* path = reinterpret_cast<const UInt8*>("/tmp");
+    return Any{CFURLCreateFromFileSystemRepresentation(nullptr, path, 4, false)};
+}
+
+Any integer_object(SInt64 value) {
+    return Any{CFNumberCreate(nullptr, kCFNumberSInt64Type, &value)};
+}
+
+Any filling(const std::string& kind, SInt64 i) {
+    if (kind == "string") {
+        return text_object("s" + std::to_string(i));
+    }
+    if (kind == "true") {
+        return Any{CFRetain(kCFBooleanTrue)};
+    }
+    if (kind == "emptyarray") {
+        return Any{CFArrayCreate(nullptr, nullptr, 0, &kCFTypeArrayCallBacks)};
+    }
+    return integer_object(kind == "int1000" ? 1000 + i : i);
+}
+
+Any nest(std::size_t depth) {
+    Any inner{CFArrayCreate(nullptr, nullptr, 0, &kCFTypeArrayCallBacks)};
+    for (std::size_t i = 1; i < depth; ++i) {
+        const void* item = inner.get();
+        inner.reset(CFArrayCreate(nullptr, &item, 1, &kCFTypeArrayCallBacks));
+    }
+    return inner;
+}
+
+/// Makes the objects that the record of a write tells of.
+class ObjectMaker {
+public:
+    Any make(const Json& record) {
+        if (record["t"] == "ref") {
+            return Any{CFRetain(known_.at(record["id"].get<std::string>()))};
+        }
+        Any object = make_new(record);
+        remember(record, object.get());
+        return object;
+    }
+
+private:
+    Any make_new(const Json& record) {
+        const std::string type = record["t"].get<std::string>();
+        if (type == "bool") {
+            return Any{CFRetain(record["v"].get<bool>() ? kCFBooleanTrue : kCFBooleanFalse)};
+        }
+        if (type == "null") {
+            return Any{CFRetain(kCFNull)};
+        }
+        if (type == "int" || type == "real") {
+            return Any{make_number(record).release()};
+        }
+        if (type == "array") {
+            return record.contains("nest") ? nest(record["nest"].get<std::size_t>())
+                                           : make_array(record);
+        }
+        if (type == "dict") {
+            return make_dictionary(record);
+        }
+        if (type == "set") {
+            return object_in_binary("\xC1\x01Qa", "\x08\x0A");
+        }
+        return type == "string" ? string_object(record)
+               : type == "data" ? data_object(record)
+               : type == "date" ? date_object(record)
+               : type == "uid"  ? uid_object(record)
+                                : url_object();
+    }
+
+    Any make_array(const Json& record) {
+        const CFMutableArrayRef array = CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks);
+        remember(record, array);
+        for (const Json& item : record.value("v", Json::array())) {
+            CFArrayAppendValue(array, make(item).get());
+        }
+        if (record.contains("fill")) {
+            for (SInt64 i = 0; i < record["fill"][1].get<SInt64>(); ++i) {
+                CFArrayAppendValue(array, filling(record["fill"][0].get<std::string>(), i).get());
+            }
+        }
+        return Any{array};
+    }
+
+    Any make_dictionary(const Json& record) {
+        const CFMutableDictionaryRef dictionary = CFDictionaryCreateMutable(
+            nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+        for (const Json& entry : record["v"]) {
+            const Any key =
+                entry[0].is_string() ? text_object(entry[0].get<std::string>()) : make(entry[0]);
+            CFDictionarySetValue(dictionary, key.get(), make(entry[1]).get());
+        }
+        return Any{dictionary};
+    }
+
+    /// What is repeated stands in the same list, so that a borrowed reference will do.
+    void remember(const Json& record, CFTypeRef object) {
+        if (record.contains("id")) {
+            known_[record["id"].get<std::string>()] = object;
+        }
+    }
+
+    std::map<std::string, CFTypeRef> known_;
+};
+
+/// Cases in which we store once what CoreFoundation stores at each place.
+bool is_stored_once(const std::string& name) {
+    static const std::set<std::string> names = {"array-fill-true-20",
+                                                "array-fill-true-300",
+                                                "shared-not-circular",
+                                                "uid-twice",
+                                                "uniq-array-empty-same-pointer",
+                                                "uniq-array-same-pointer",
+                                                "uniq-bool",
+                                                "uniq-data-equal",
+                                                "uniq-date-equal",
+                                                "uniq-int-1000",
+                                                "uniq-int-13",
+                                                "uniq-int-big",
+                                                "uniq-int-m2",
+                                                "uniq-key-value-same-text",
+                                                "uniq-real-equal",
+                                                "uniq-real32-equal",
+                                                "uniq-string-equal",
+                                                "uniq-string-equal-nonascii",
+                                                "uniq-two-dicts-same-key-text"};
+    return names.contains(name);
+}
+
+void compare_accepted(const std::string& name, const Json& record, CFTypeRef object,
+                      ConformanceTable& table) {
+    const std::string seen = written(object);
+    const std::string wanted = vector_bytes("write/" + name + ".bplist");
+    if (seen == wanted) {
+        table.compare("write", true, name);
+    } else if (seen.size() > wanted.size()) {
+        table.compare("write", false, name + " is larger");
+    } else if (read_with_format(seen) != "binary " + described(object)) {
+        table.compare("write", false, name + " reads back otherwise");
+    } else if (record.value("hash_order", false)) {
+        table.differs_on_purpose("write", "dictionary entries come in the order of their keys");
+    } else if (is_stored_once(name)) {
+        table.differs_on_purpose("write", "equal values are stored once");
+    } else {
+        table.compare("write", false, name + " has other bytes");
+    }
+}
+
+/// Keeps an object for ever: one that holds itself cannot be freed, and here leak checkers see it.
+void keep(Any object) {
+    static auto* kept = new std::vector<CFTypeRef>;
+    kept->push_back(object.release());
+}
+
+void compare_writing(const std::string& name, ConformanceTable& table) {
+    const auto record = read_vectors("write/" + name + ".json");
+    if (record->contains("crash")) {
+        return;
+    }
+    Any object = ObjectMaker{}.make((*record)["input"]);
+    if ((*record)["accepted"].get<bool>()) {
+        compare_accepted(name, *record, object.get(), table);
+    } else {
+        table.compare("refuse to write", written(object.get()) == refused, name + " was written");
+        keep(std::move(object));
+    }
+}
+
+} // namespace
+
+TEST(PropertyListVectors, WrittenLikeTheRecordedResults) {
+    const std::vector<std::string> names = vector_names("write");
+    if (names.empty()) {
+        GTEST_SKIP() << "no recorded results beside the project";
+    }
+    ConformanceTable table;
+    for (const std::string& name : names) {
+        compare_writing(name, table);
+    }
+    table.print("writing property lists");
+    EXPECT_EQ(table.differing(), 0u);
+    EXPECT_GE(table.equal(), 140u);
+}
+
+} // namespace lumo::test

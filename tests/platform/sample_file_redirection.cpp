@@ -1,54 +1,14 @@
-// A library that stands before the C library's `open` sees every sample, under its path as
-// recorded. Here the test program itself does: it gives one file for everything below /recorded.
+// How samples are opened: through the C library, under their paths as recorded.
 #include "audio_bytes.h"
+#include "recorded_opens.h"
 #include "sampler/sample_file.h"
 #include "support/temp_folder.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sndfile.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
-#include <cstdarg>
 #include <string>
-#include <string_view>
 #include <vector>
-
-namespace {
-
-std::vector<std::string> asked_for; ///< the paths below /recorded that were opened
-std::string given;                  ///< the file opened instead; empty: none
-
-bool is_recorded(const char* path) {
-    return std::string_view(path).starts_with("/recorded/");
-}
-
-int open_or_redirect(const char* path, int flags, mode_t mode) {
-    if (is_recorded(path)) {
-        asked_for.emplace_back(path);
-        path = given.empty() ? path : given.c_str();
-    }
-    return static_cast<int>(syscall(SYS_openat, AT_FDCWD, path, flags, mode));
-}
-
-} // namespace
-
-extern "C" __attribute__((visibility("default"))) int open(const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = va_arg(arguments, mode_t);
-    va_end(arguments);
-    return open_or_redirect(path, flags, mode);
-}
-
-extern "C" __attribute__((visibility("default"))) int open64(const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = va_arg(arguments, mode_t);
-    va_end(arguments);
-    return open_or_redirect(path, flags, mode);
-}
 
 namespace lumo::platform {
 namespace {
@@ -60,17 +20,14 @@ using Paths = std::vector<std::string>;
 class SampleRedirection : public testing::Test {
 protected:
     TempFolder folder;
-    void SetUp() override {
-        asked_for.clear();
-        given.clear();
-    }
+    void SetUp() override { reset_opens(); }
 };
 
 TEST_F(SampleRedirection, OpensTheFileThatIsGivenInstead) {
     for (const int format : {SF_FORMAT_WAV | SF_FORMAT_PCM_16, SF_FORMAT_CAF | SF_FORMAT_PCM_16,
                              SF_FORMAT_MPEG | SF_FORMAT_MPEG_LAYER_III}) {
-        given = folder / "moved";
-        write_audio(given, format);
+        given_instead = folder / "moved";
+        write_audio(given_instead, format);
         EXPECT_EQ(open_sample("/recorded/kick.wav"), 0);
     }
     write_file(folder / "moved", "no audio");
@@ -78,8 +35,8 @@ TEST_F(SampleRedirection, OpensTheFileThatIsGivenInstead) {
 }
 
 TEST_F(SampleRedirection, AsksOnceForEachSample) {
-    given = folder / "moved";
-    write_audio(given, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    given_instead = folder / "moved";
+    write_audio(given_instead, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     open_sample("/recorded/kick.wav");
     EXPECT_EQ(asked_for, Paths{"/recorded/kick.wav"});
 }

@@ -1,0 +1,128 @@
+// The property calls: what is asked for in which scope and in how many bytes, before a property's
+// own code sees it. The statuses are those of Apple's open base class for units, in its order of
+// checks; a null reference or a null unit, which that would crash on, is refused.
+#include "audio_toolbox/sampler_unit.h"
+#include "audio_toolbox/status.h"
+
+#include <AudioToolbox/AudioToolbox.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace lumo::platform {
+namespace {
+
+/// The size of a property's value; 0 when there is no such property.
+UInt32 property_size(AudioUnitPropertyID property) {
+    switch (property) {
+    case kAudioUnitProperty_ClassInfo:
+        return sizeof(CFPropertyListRef);
+    case kAUSamplerProperty_LoadInstrument:
+        return sizeof(AUSamplerInstrumentData);
+    default:
+        return 0;
+    }
+}
+
+OSStatus look_up(AudioUnitPropertyID property, AudioUnitScope scope, AudioUnitElement element) {
+    if (property_size(property) == 0) {
+        return kAudioUnitErr_InvalidProperty;
+    }
+    if (scope != kAudioUnitScope_Global) {
+        return kAudioUnitErr_InvalidScope;
+    }
+    return element == 0 ? 0 : kAudioUnitErr_InvalidElement;
+}
+
+/// The element is not looked at when a property is set.
+OSStatus set_property(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
+                      const void* data, UInt32 size) {
+    if (property_size(property) == 0) {
+        return kAudioUnitErr_InvalidProperty;
+    }
+    if (size != property_size(property)) {
+        return kAudioUnitErr_InvalidPropertyValue;
+    }
+    if (scope != kAudioUnitScope_Global) {
+        return kAudioUnitErr_InvalidScope;
+    }
+    if (property == kAUSamplerProperty_LoadInstrument) {
+        AUSamplerInstrumentData instrument{};
+        std::memcpy(&instrument, data, sizeof instrument);
+        return load_instrument(unit->state, instrument);
+    }
+    CFPropertyListRef list = nullptr;
+    std::memcpy(&list, data, sizeof list);
+    return load_class_info(unit->state, list);
+}
+
+/// A buffer that is too small gets as much of the value as it holds, and no reference with it.
+void hand_over(Ref<CFMutableDictionaryRef> info, void* data, UInt32& size) {
+    const CFPropertyListRef list = info.get();
+    if (size >= sizeof list) {
+        size = sizeof list;
+        static_cast<void>(info.release());
+    }
+    std::memcpy(data, &list, size);
+}
+
+} // namespace
+} // namespace lumo::platform
+
+using namespace lumo::platform;
+
+OSStatus AudioUnitInitialize(AudioUnit unit) {
+    return unit ? 0 : parameter_error;
+}
+
+OSStatus AudioUnitUninitialize(AudioUnit unit) {
+    return unit ? 0 : parameter_error;
+}
+
+OSStatus AudioUnitGetPropertyInfo(AudioUnit unit, AudioUnitPropertyID property,
+                                  AudioUnitScope scope, AudioUnitElement element, UInt32* out_size,
+                                  Boolean* out_writable) {
+    const OSStatus status = unit ? look_up(property, scope, element) : parameter_error;
+    if (out_size) {
+        *out_size = status == 0 ? property_size(property) : 0;
+    }
+    if (out_writable) {
+        *out_writable = status == 0;
+    }
+    return status;
+}
+
+OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
+                              AudioUnitElement element, void* data, UInt32* size) {
+    if (!size) {
+        return parameter_error;
+    }
+    if (!data) {
+        return AudioUnitGetPropertyInfo(unit, property, scope, element, size, nullptr);
+    }
+    OSStatus status = unit && *size != 0 ? look_up(property, scope, element) : parameter_error;
+    if (status == 0 && property != kAudioUnitProperty_ClassInfo) {
+        status = kAudioUnitErr_InvalidProperty; // instruments are loaded and not read back
+    }
+    if (status == 0) {
+        status = guarded([&] {
+            hand_over(class_info(unit->state), data, *size);
+            return 0;
+        });
+    }
+    if (status != 0) {
+        *size = 0;
+    }
+    return status;
+}
+
+OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
+                              AudioUnitElement /*element*/, const void* data, UInt32 size) {
+    if (!unit || !data != (size == 0)) {
+        return parameter_error;
+    }
+    if (!data) {
+        return kAudioUnitErr_InvalidPropertyValue; // no value: no property can do without
+    }
+    return guarded([&] { return set_property(unit, property, scope, data, size); });
+}

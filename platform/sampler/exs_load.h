@@ -1,0 +1,25 @@
+// Loads EXS24 instruments.
+#pragma once
+
+#include "ref.h"
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <string>
+#include <vector>
+
+namespace lumo::platform {
+
+/// What an instrument gives the sampler.
+struct LoadedInstrument {
+    Ref<CFDictionaryRef> instrument; ///< the state's "Instrument"
+    Ref<CFDictionaryRef>
+        references; ///< the state's "file-references": "Sample:" and a number to a path
+    std::vector<std::string> samples; ///< the paths of the samples, in the order to open them in
+};
+
+/// Reads the EXS24 instrument in the file at `path` into `loaded`; opens none of its samples.
+/// Returns 0 or a status, `loaded` being as it was.
+OSStatus load_exs(const std::string& path, LoadedInstrument& loaded);
+
+} // namespace lumo::platform

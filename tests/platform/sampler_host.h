@@ -1,0 +1,60 @@
+// A sampler unit for tests, and the property lists that it is given.
+#pragma once
+
+#include "ref.h"
+
+#include <AudioToolbox/AudioToolbox.h>
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <string>
+#include <string_view>
+
+namespace lumo::test {
+
+using platform::Ref;
+
+/// The description of the sampler.
+AudioComponentDescription sampler_description();
+
+/// An initialised sampler unit. The test fails when there is none.
+class Sampler {
+public:
+    Sampler();
+    ~Sampler();
+    Sampler(const Sampler&) = delete;
+    Sampler& operator=(const Sampler&) = delete;
+
+    AudioUnit unit() const { return unit_; }
+    OSStatus set(CFPropertyListRef list) const;
+    OSStatus set(const Ref<CFPropertyListRef>& list) const { return set(list.get()); }
+    /// The class info; nothing, and the test fails, when it cannot be read.
+    Ref<CFDictionaryRef> state() const;
+
+private:
+    AudioUnit unit_ = nullptr;
+};
+
+/// The property list that an element of XML stands for.
+Ref<CFPropertyListRef> parse(std::string_view xml);
+
+/// Entries that every class info for the sampler has, as XML.
+constexpr std::string_view sampler_numbers = "<key>manufacturer</key><integer>1634758764</integer>"
+                                             "<key>subtype</key><integer>1935764848</integer>"
+                                             "<key>type</key><integer>1635085685</integer>"
+                                             "<key>version</key><integer>0</integer>";
+
+/// A class info with these entries beside the numbers.
+Ref<CFPropertyListRef> class_info_with(std::string_view entries);
+/// A class info with this dictionary of file references, as XML between the dict tags.
+Ref<CFPropertyListRef> class_info_with_references(std::string_view entries);
+
+Ref<CFStringRef> text(std::string_view utf8);
+CFTypeRef value(CFDictionaryRef dictionary, std::string_view key);
+/// The text under `key`; "(none)" when there is no text.
+std::string text_at(CFDictionaryRef dictionary, std::string_view key);
+/// The number under `key`; -1e9 when there is no number.
+double number_at(CFDictionaryRef dictionary, std::string_view key);
+/// The keys of a dictionary in ascending order, separated by ", ".
+std::string keys_of(CFDictionaryRef dictionary);
+
+} // namespace lumo::test

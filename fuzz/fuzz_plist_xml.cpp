@@ -1,0 +1,16 @@
+// Any text as a property list in XML. One that is read can also be written.
+#include "plist_input.h"
+
+#include <cstring>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size >= 7 && std::memcmp(data, "bplist0", 7) == 0) {
+        return -1; // fuzz_plist_binary has those
+    }
+    CFPropertyListFormat format{};
+    if (const auto list = read_list(data, size, &format)) {
+        require(format == kCFPropertyListXMLFormat_v1_0);
+        require(write_list(list.get()) != nullptr);
+    }
+    return 0;
+}

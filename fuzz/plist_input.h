@@ -1,0 +1,38 @@
+// What the fuzz targets of property lists share.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <type_traits>
+
+struct Release {
+    void operator()(const void* object) const { CFRelease(object); }
+};
+
+template <class Ref>
+using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
+
+/// The property list in some bytes, null when they are none.
+inline Holder<CFPropertyListRef> read_list(const std::uint8_t* bytes, std::size_t size,
+                                           CFPropertyListFormat* format = nullptr) {
+    const Holder<CFDataRef> data{CFDataCreate(nullptr, bytes, static_cast<CFIndex>(size))};
+    return Holder<CFPropertyListRef>{CFPropertyListCreateWithData(
+        nullptr, data.get(), kCFPropertyListImmutable, format, nullptr)};
+}
+
+/// Its binary form, null when it has none.
+inline Holder<CFDataRef> write_list(CFPropertyListRef list) {
+    return Holder<CFDataRef>{
+        CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr)};
+}
+
+/// Stops the fuzzer when `holds` does not.
+inline void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}

@@ -87,5 +87,87 @@ TEST(Find, shares_the_first_folder_of_a_relative_path) {
     EXPECT_EQ(index.find("Kits/k.wav"), "Kits/k.wav");
 }
 
+constexpr const char* mangled = "/old/12_Legacy_Pulsar_SH1#3BA81A.wav";
+constexpr const char* long_key = "12_legacy_pulsar_sh101_filter_sweep.wav";
+constexpr const char* long_path = "/new/12_Legacy_Pulsar_SH101_Filter_Sweep.wav";
+
+TEST(FindByMangledName, gives_the_one_longer_name_with_that_start_and_extension) {
+    EXPECT_EQ(index_of(long_key, {long_path}).find(mangled), long_path);
+}
+
+TEST(FindByMangledName, compares_start_and_extension_by_their_keys) {
+    const SampleIndex index = index_of("\u00fcber_legacy_pulsar_sh101_filter.wav",
+                                       {"/new/\u00dcBER_LEGACY_Pulsar_SH101_Filter.WAV"});
+    EXPECT_EQ(index.find("\u00fcber_Legacy_Pulsar_#3BA81A0.wav"),
+              "/new/\u00dcBER_LEGACY_Pulsar_SH101_Filter.WAV");
+}
+
+TEST(FindByMangledName, prefers_a_file_of_the_very_name) {
+    SampleIndex index = index_of(long_key, {long_path});
+    index.files["12_legacy_pulsar_sh1#3ba81a.wav"] = {{"/a/12_Legacy_Pulsar_SH1#3BA81A.wav", ""}};
+    EXPECT_EQ(index.find(mangled), "/a/12_Legacy_Pulsar_SH1#3BA81A.wav");
+}
+
+TEST(FindByMangledName, gives_nothing_when_several_files_fit) {
+    EXPECT_EQ(
+        index_of(long_key, {long_path, "/b/12_Legacy_Pulsar_SH101_Filter_Sweep.wav"}).find(mangled),
+        std::nullopt);
+    SampleIndex index = index_of(long_key, {long_path});
+    index.files["12_legacy_pulsar_sh101_other_sweeps.wav"] = {
+        {"/new/12_Legacy_Pulsar_SH101_Other_Sweeps.wav", ""}};
+    EXPECT_EQ(index.find(mangled), std::nullopt);
+}
+
+TEST(FindByMangledName, takes_a_file_that_two_roots_brought_for_one) {
+    EXPECT_EQ(index_of(long_key, {long_path, long_path}).find(mangled), long_path);
+}
+
+TEST(FindByMangledName, takes_no_name_of_31_characters_or_fewer) {
+    EXPECT_EQ(index_of("12_legacy_pulsar_sh101_12345.wav", {"/a/12_Legacy_Pulsar_SH101_12345.wav"})
+                  .find(mangled),
+              "/a/12_Legacy_Pulsar_SH101_12345.wav"); // 32 characters
+    EXPECT_EQ(index_of("12_legacy_pulsar_sh101_1234.wav", {"/a/12_Legacy_Pulsar_SH101_1234.wav"})
+                  .find(mangled),
+              std::nullopt); // 31
+}
+
+TEST(FindByMangledName, wants_the_same_start_and_extension) {
+    EXPECT_EQ(index_of("12_legacy_pulsar_sh2_filter_sweeps.wav",
+                       {"/new/12_Legacy_Pulsar_SH2_Filter_Sweeps.wav"})
+                  .find(mangled),
+              std::nullopt);
+    EXPECT_EQ(index_of("12_legacy_pulsar_sh101_filter_sweep.aif",
+                       {"/new/12_Legacy_Pulsar_SH101_Filter_Sweep.aif"})
+                  .find(mangled),
+              std::nullopt);
+}
+
+TEST(FindByMangledName, wants_31_characters_a_start_and_four_upper_case_digits) {
+    for (const char* name : {
+             "12_Legacy_Pulsar_SH1#3BA81A2.wav", // 32 characters
+             "12_Legacy_Pulsar_SH1#3BA81.wav",   // 30
+             "12_Legacy_Pulsar_SH1#3ba81a.wav",  // lower case
+             "12_Legacy_Pulsar_SH101_#3BA.wav",  // three digits
+             "12_Legacy_Pulsar_SH10#3BG81.wav",  // no hexadecimal digit
+             "12_Legacy_Pulsar_SH1#_BA81A.wav",  // no digit
+             "12_Legacy_Pulsar_SH1_3BA81A.wav",  // no mark
+             "12_Legacy_Pulsar_SH101_#3BA81A0",  // no extension
+         }) {
+        EXPECT_EQ(index_of(long_key, {long_path}).find(name), std::nullopt) << name;
+    }
+    EXPECT_EQ(
+        index_of("12345678901234567890123456789.wav", {"/a/12345678901234567890123456789.wav"})
+            .find("#ABCDEF1234567890ABCDEF0123.wav"),
+        std::nullopt); // no start
+}
+
+TEST(FindByMangledName, leaves_a_note_name_alone) {
+    const SampleIndex index = index_of("f_a long name of a sample, by far.wav",
+                                       {"/new/F_a long name of a sample, by far.wav"});
+    EXPECT_EQ(index.find("/old/F#2.wav"), std::nullopt);
+    EXPECT_EQ(index.find("/old/F#2222.wav"), std::nullopt);
+    EXPECT_EQ(index_of("f#2.wav", {"/new/F#2.wav"}).find("/old/F#2.wav"), "/new/F#2.wav");
+}
+
 } // namespace
 } // namespace lumo::exs

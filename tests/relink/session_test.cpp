@@ -11,6 +11,7 @@
 #include <atomic>
 #include <cerrno>
 #include <fstream>
+#include <memory>
 #include <thread>
 
 namespace lumo::exs {
@@ -215,6 +216,125 @@ TEST_F(Session, creates_a_sample_where_the_caller_says_with_the_callers_mode) {
     close(created);
     EXPECT_EQ(status.st_mode & 0777u, 0751u);
     EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(Session, takes_paths_relative_to_the_current_folder) {
+    relink::begin(index);
+    const std::string bytes = read_file("no such folder/kick.wav");
+    const std::string tom = read_file("no such folder/tom.wav");
+    const relink::Result result = relink::end();
+    EXPECT_EQ(bytes, "the kick");
+    EXPECT_EQ(tom, "");
+    EXPECT_EQ(result.relinked, (Pairs{{"no such folder/kick.wav", path("library/kick.wav")}}));
+    EXPECT_EQ(result.unresolved, Paths{"no such folder/tom.wav"});
+}
+
+/// A look-up with a folder's descriptor beside the name.
+class SessionWithFolder : public Session {
+protected:
+    void SetUp() override {
+        Session::SetUp();
+        write_file(folder / "here/tom.wav", "the tom");
+        here = open(path("here").c_str(), O_RDONLY | O_DIRECTORY);
+    }
+    void TearDown() override { close(here); }
+
+    bool exists(const std::string& name) const {
+        return faccessat(here, name.c_str(), F_OK, 0) == 0;
+    }
+
+    int here = -1;
+};
+
+TEST_F(SessionWithFolder, leaves_a_name_relative_to_it_alone) {
+    relink::begin(index);
+    const bool has_tom = exists("tom.wav");
+    const bool has_kick = exists("kick.wav");
+    const relink::Result result = relink::end();
+    EXPECT_TRUE(has_tom);
+    EXPECT_FALSE(has_kick);
+    EXPECT_TRUE(result.relinked.empty());
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(SessionWithFolder, looks_for_an_absolute_path) {
+    relink::begin(index);
+    const bool has_kick = exists(path("gone/kick.wav"));
+    const relink::Result result = relink::end();
+    EXPECT_TRUE(has_kick);
+    EXPECT_EQ(result.relinked, (Pairs{{path("gone/kick.wav"), path("library/kick.wav")}}));
+}
+
+TEST_F(SessionWithFolder, gives_a_file_of_a_relative_root_from_the_current_folder) {
+    const auto look_up = [&] {
+        SampleIndex relative;
+        const bool is_there = chdir(folder.path().c_str()) == 0;
+        relative.add_root("library");
+        relink::begin(relative);
+        const bool has_kick = exists(path("gone/kick.wav"));
+        const relink::Result result = relink::end();
+        return is_there && has_kick && result.relinked[0].second == "library/kick.wav";
+    };
+    EXPECT_EXIT(_exit(look_up() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(Session, leaves_calls_without_a_path_to_the_real_function) {
+    int (*volatile call)(const char*, int, ...) = open; // whose declaration forbids it
+    relink::begin(index);
+    errno = 0;
+    const int result = call(nullptr, O_RDONLY);
+    const int error = errno;
+    relink::end();
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(error, EFAULT);
+}
+
+TEST_F(Session, leaves_flags_and_offsets_of_an_opened_file_as_asked) {
+    relink::begin(index);
+    const int file = open(path("gone/kick.wav").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    relink::end();
+    ASSERT_GE(file, 0);
+    EXPECT_TRUE(fcntl(file, F_GETFL) & O_NONBLOCK);
+    EXPECT_TRUE(fcntl(file, F_GETFD) & FD_CLOEXEC);
+    EXPECT_EQ(lseek(file, 0, SEEK_CUR), 0);
+    close(file);
+}
+
+TEST_F(Session, takes_no_other_error_for_absence) {
+    // A link to itself stands for every error but absence: no user may pass it.
+    std::filesystem::create_directory(folder / "there");
+    std::filesystem::create_symlink("kick.wav", folder / "there/kick.wav");
+    relink::begin(index);
+    errno = 0;
+    const int result = access(path("there/kick.wav").c_str(), R_OK);
+    const int error = errno;
+    const relink::Result recorded = relink::end();
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(error, ELOOP);
+    EXPECT_TRUE(recorded.relinked.empty());
+    EXPECT_TRUE(recorded.unresolved.empty());
+}
+
+TEST_F(Session, may_end_while_other_threads_look_up) {
+    std::atomic<bool> is_over = false;
+    std::atomic<int> wrong = 0;
+    std::thread other([&] {
+        while (!is_over) {
+            const std::string bytes = read_file(path("gone/kick.wav"));
+            wrong += bytes.empty() || bytes == "the kick" ? 0 : 1;
+        }
+    });
+    for (int i = 0; i < 200; ++i) {
+        const auto own = std::make_unique<SampleIndex>(index);
+        relink::begin(*own);
+        read_file(path("gone/snare.wav"));
+        const relink::Result result = relink::end();
+        EXPECT_LE(result.relinked.size(), 2u);
+        EXPECT_TRUE(result.unresolved.empty());
+    }
+    is_over = true;
+    other.join();
+    EXPECT_EQ(wrong, 0);
 }
 
 TEST_F(Session, accepts_look_ups_from_several_threads) {

@@ -1,0 +1,253 @@
+// The walk of a root where the disk is not a plain tree.
+#include "folder_walk.h"
+#include "support/temp_folder.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace lumo::exs::relink {
+namespace {
+
+namespace fs = std::filesystem;
+using test::TempFolder;
+using test::write_file;
+using Paths = std::vector<std::string>;
+
+/// The samples under `root`, sorted, without `root` and the slash behind it.
+Paths walk(const fs::path& root) {
+    Paths paths;
+    walk_samples(root.string(), [&](std::string_view folder, std::string_view name) {
+        std::string& path = paths.emplace_back(folder);
+        path.append(name);
+        EXPECT_TRUE(path.starts_with(root.string() + '/')) << path;
+        path.erase(0, root.string().size() + 1);
+    });
+    std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+TEST(Walk, of_the_empty_root_takes_the_current_folder_without_a_dot) {
+    const TempFolder folder;
+    write_file(folder / "a.wav", "");
+    write_file(folder / "Kit/b.wav", "");
+    const auto walk_there = [&] {
+        Paths paths;
+        const bool is_there = chdir(folder.path().c_str()) == 0;
+        walk_samples("", [&](std::string_view f, std::string_view name) {
+            paths.push_back(std::string(f).append(name));
+        });
+        std::sort(paths.begin(), paths.end());
+        return is_there && paths == Paths{"Kit/b.wav", "a.wav"};
+    };
+    EXPECT_EXIT(_exit(walk_there() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
+TEST(Walk, takes_regular_files_only) {
+    const TempFolder folder;
+    write_file(folder / "file.wav", "");
+    write_file(folder / "folder.wav/inner.wav", "");
+    ASSERT_EQ(mkfifo((folder / "pipe.wav").c_str(), 0600), 0);
+    fs::create_symlink("pipe.wav", folder / "link to pipe.wav");
+    fs::create_symlink("nowhere.wav", folder / "dangling.wav");
+    fs::create_symlink("self.wav", folder / "self.wav");
+    EXPECT_EQ(walk(folder.path()), (Paths{"file.wav", "folder.wav/inner.wav"}));
+}
+
+TEST(Walk, follows_links_to_files_under_their_own_names) {
+    const TempFolder folder;
+    write_file(folder / "elsewhere/kick.data", "");
+    write_file(folder / "elsewhere/snare.wav", "");
+    fs::create_directory(folder / "root");
+    fs::create_symlink("../elsewhere/kick.data", folder / "root/kick.wav");
+    fs::create_symlink("../elsewhere/snare.wav", folder / "root/snare.data");
+    fs::create_symlink("kick.wav", folder / "root/again.wav");
+    EXPECT_EQ(walk(folder / "root"), (Paths{"again.wav", "kick.wav"}));
+}
+
+TEST(Walk, takes_a_root_that_is_a_link) {
+    const TempFolder folder;
+    write_file(folder / "real/a.wav", "");
+    fs::create_symlink("real", folder / "root");
+    EXPECT_EQ(walk(folder / "root"), Paths{"a.wav"});
+}
+
+TEST(Walk, prefers_its_own_folders_to_links) {
+    const TempFolder folder;
+    write_file(folder / "z/a.wav", "");
+    fs::create_symlink("z", folder / "a");
+    EXPECT_EQ(walk(folder.path()), Paths{"z/a.wav"});
+}
+
+TEST(Walk, takes_the_bytewise_smallest_link_that_waits) {
+    const TempFolder folder;
+    write_file(folder / "out/one/a.wav", "");
+    fs::create_directories(folder / "out/two");
+    fs::create_directory(folder / "root");
+    fs::create_symlink("../out/one", folder / "root/b");
+    fs::create_symlink("../out/two", folder / "root/a");
+    fs::create_symlink("../one", folder / "out/two/c"); // waits as a/c once a was read
+    EXPECT_EQ(walk(folder / "root"), Paths{"a/c/a.wav"});
+}
+
+TEST(Walk, compares_the_paths_of_links_without_a_slash_at_the_end) {
+    const TempFolder folder;
+    write_file(folder / "out/a.wav", "");
+    fs::create_directory(folder / "root");
+    fs::create_symlink("../out", folder / "root/k");
+    fs::create_symlink("../out", folder / "root/k b");
+    EXPECT_EQ(walk(folder / "root"), Paths{"k/a.wav"});
+}
+
+TEST(Walk, reads_a_folder_that_several_links_name_once) {
+    const TempFolder folder;
+    write_file(folder / "out/deep/a.wav", "");
+    fs::create_directory(folder / "root");
+    fs::create_symlink("../out/deep", folder / "root/x");
+    fs::create_symlink("../out", folder / "root/y");
+    EXPECT_EQ(walk(folder / "root"), Paths{"x/a.wav"});
+}
+
+TEST(Walk, ends_in_circles_of_links) {
+    const TempFolder folder;
+    write_file(folder / "a/a.wav", "");
+    write_file(folder / "b/b.wav", "");
+    fs::create_symlink("..", folder / "a/up");
+    fs::create_symlink("../b", folder / "a/b");
+    fs::create_symlink("../a", folder / "b/a");
+    fs::create_symlink(".", folder / "here");
+    EXPECT_EQ(walk(folder.path()), (Paths{"a/a.wav", "b/b.wav"}));
+}
+
+TEST(Walk, of_each_root_reads_a_shared_folder) {
+    const TempFolder folder;
+    write_file(folder / "shared/a.wav", "");
+    fs::create_directory(folder / "one");
+    fs::create_directory(folder / "two");
+    fs::create_symlink("../shared", folder / "one/link");
+    fs::create_symlink("../shared", folder / "two/link");
+    EXPECT_EQ(walk(folder / "one"), Paths{"link/a.wav"});
+    EXPECT_EQ(walk(folder / "two"), Paths{"link/a.wav"});
+}
+
+TEST(Walk, takes_ten_thousand_entries_of_one_folder) {
+    const TempFolder folder;
+    for (int i = 0; i < 10'000; ++i) {
+        const std::string name = std::to_string(i) + (i % 2 == 0 ? ".wav" : ".txt");
+        close(open((folder / name).c_str(), O_WRONLY | O_CREAT, 0600));
+    }
+    EXPECT_EQ(walk(folder.path()).size(), 5'000u);
+}
+
+TEST(Walk, takes_names_of_255_bytes) {
+    const TempFolder folder;
+    const std::string name = std::string(251, 'n') + ".wav";
+    const std::string inner = std::string(255, 'f');
+    write_file(folder.path() / inner / name, "");
+    EXPECT_EQ(walk(folder.path()), Paths{inner + '/' + name});
+}
+
+/// Makes `depth` folders, one in the other, and a sample in the last; gives the sample's path.
+std::string make_deep(const fs::path& top, const std::string& name, int depth) {
+    std::string path;
+    int folder = open(top.c_str(), O_RDONLY | O_DIRECTORY);
+    for (int i = 0; i < depth; ++i) {
+        EXPECT_EQ(mkdirat(folder, name.c_str(), 0700), 0);
+        const int inner = openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY);
+        close(folder);
+        folder = inner;
+        path.append(name).append("/");
+    }
+    close(openat(folder, "deep.wav", O_WRONLY | O_CREAT, 0600));
+    close(folder);
+    return path + "deep.wav";
+}
+
+TEST(Walk, goes_on_beyond_the_longest_path_that_the_system_takes) {
+    const TempFolder folder;
+    const std::string deep = make_deep(folder.path(), std::string(200, 'd'), 50);
+    ASSERT_GT(deep.size(), static_cast<std::size_t>(2 * PATH_MAX));
+    EXPECT_EQ(walk(folder.path()), Paths{deep});
+}
+
+TEST(Walk, goes_deeper_than_a_process_may_have_files_open) {
+    const TempFolder folder;
+    const std::string deep = make_deep(folder.path(), "d", 1'500);
+    EXPECT_EQ(walk(folder.path()), Paths{deep});
+}
+
+TEST(Walk, finds_its_way_where_paths_are_about_as_long_as_the_system_takes) {
+    const TempFolder folder;
+    const std::size_t top = folder.path().string().size() + 1;
+    for (std::size_t length = PATH_MAX - 3; length <= PATH_MAX + 3; ++length) {
+        // Folders of 100 bytes, then one that makes the path to its slash `length` bytes long.
+        const std::size_t count = (length - top) / 101 - 1;
+        const std::string last(length - top - count * 101 - 1, 'l');
+        const TempFolder tree;
+        const std::string deep =
+            make_deep(tree.path(), std::string(100, 'd'), static_cast<int>(count));
+        const fs::path parent = tree.path() / fs::path(deep).parent_path();
+        ASSERT_LT(parent.string().size(), static_cast<std::size_t>(PATH_MAX));
+        const int folder_above = open(parent.c_str(), O_RDONLY | O_DIRECTORY);
+        ASSERT_EQ(mkdirat(folder_above, last.c_str(), 0700), 0);
+        const int inner = openat(folder_above, last.c_str(), O_RDONLY | O_DIRECTORY);
+        close(openat(inner, "edge.wav", O_WRONLY | O_CREAT, 0600));
+        close(inner);
+        close(folder_above);
+        EXPECT_EQ(walk(tree.path()).size(), 2u) << length;
+    }
+}
+
+TEST(Walk, passes_over_a_folder_that_may_not_be_read) {
+    const TempFolder folder;
+    write_file(folder / "closed/a.wav", "");
+    write_file(folder / "open/b.wav", "");
+    fs::permissions(folder.path(), fs::perms(0755));
+    fs::permissions(folder / "closed", fs::perms::none);
+    const auto walk_as_nobody = [&] {
+        // To the super-user every folder is open, so it becomes somebody else.
+        if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
+            return 2;
+        }
+        if (access(folder.path().c_str(), R_OK | X_OK) != 0) {
+            return 2;
+        }
+        return walk(folder.path()) == Paths{"open/b.wav"} ? 0 : 1;
+    };
+    int code = -1;
+    EXPECT_EXIT(
+        _exit(walk_as_nobody()),
+        [&code](int status) {
+            code = WEXITSTATUS(status);
+            return WIFEXITED(status);
+        },
+        "");
+    fs::permissions(folder / "closed", fs::perms(0700));
+    if (code == 2) {
+        GTEST_SKIP() << "no other user can be taken who sees " << folder.path();
+    }
+    EXPECT_EQ(code, 0);
+}
+
+TEST(Walk, goes_on_when_folders_vanish_under_it) {
+    const TempFolder folder;
+    for (int i = 0; i < 20; ++i) {
+        write_file(folder / (std::to_string(i) + "/a.wav"), "");
+        write_file(folder / (std::to_string(i) + "/inner/b.wav"), "");
+    }
+    int found = 0;
+    walk_samples(folder.path().string(), [&](std::string_view, std::string_view) {
+        ++found;
+        for (const auto& entry : fs::directory_iterator(folder.path())) {
+            fs::remove_all(entry);
+        }
+    });
+    EXPECT_EQ(found, 1);
+}
+
+} // namespace
+} // namespace lumo::exs::relink

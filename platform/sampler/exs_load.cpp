@@ -1,12 +1,107 @@
-// No EXS24 instrument is supported yet.
+// A file, its records, their layers, the state. An instrument is read whole: a few hundred bytes a
+// zone.
 #include "sampler/exs_load.h"
 
+#include "sampler/exs_layers.h"
+#include "sampler/exs_reader.h"
+#include "sampler/exs_state.h"
+#include "sampler/exs_text.h"
+#include "sampler/sample_file.h"
+#include "sampler/state_dictionary.h"
+#include "unique_fd.h"
+
 #include <AudioToolbox/AudioToolbox.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstddef>
 
 namespace lumo::platform {
+namespace {
 
-OSStatus load_exs(const std::string& /*path*/, LoadedInstrument& /*loaded*/) {
-    return kAudioUnitErr_FormatNotSupported;
+constexpr off_t largest_file = off_t{1} << 30;
+
+/// Reads as many bytes as `bytes` has room for, or as the file has. False: errno tells.
+bool read_all(int fd, std::vector<std::uint8_t>& bytes) {
+    std::size_t done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count =
+            uninterrupted([&] { return ::read(fd, bytes.data() + done, bytes.size() - done); });
+        if (count < 0) {
+            return false;
+        }
+        if (count == 0) {
+            break;
+        }
+        done += static_cast<std::size_t>(count);
+    }
+    bytes.resize(done);
+    return true;
+}
+
+OSStatus read_file(const std::string& path, std::vector<std::uint8_t>& bytes) {
+    const UniqueFd fd(uninterrupted(
+        [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
+    struct stat info {};
+    if (!fd || ::fstat(fd.get(), &info) != 0) {
+        return status_of_file_error(errno);
+    }
+    if (!S_ISREG(info.st_mode) || info.st_size > largest_file) {
+        return kAudioUnitErr_InvalidFile;
+    }
+    bytes.resize(static_cast<std::size_t>(info.st_size));
+    return read_all(fd.get(), bytes) ? 0 : status_of_file_error(errno);
+}
+
+std::string file_name(std::string_view path) {
+    const std::string_view name = path.substr(path.rfind('/') + 1);
+    return exs_text({reinterpret_cast<const std::uint8_t*>(name.data()), name.size()});
+}
+
+Ref<CFDictionaryRef> references(const ExsInstrument& instrument,
+                                const std::vector<std::size_t>& samples) {
+    std::vector<StateValue> owned;
+    std::vector<CFTypeRef> keys;
+    std::vector<CFTypeRef> paths;
+    for (const std::size_t number : samples) {
+        keys.push_back(
+            owned.emplace_back(state_text("Sample:" + std::to_string(exs_waveform(number)))).get());
+        paths.push_back(owned.emplace_back(state_text(instrument.samples[number].path)).get());
+    }
+    return Ref<CFDictionaryRef>::adopt(CFDictionaryCreate(
+        kCFAllocatorDefault, keys.data(), paths.data(), static_cast<CFIndex>(samples.size()),
+        &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+}
+
+} // namespace
+
+OSStatus load_exs(const std::string& path, LoadedInstrument& loaded) {
+    std::vector<std::uint8_t> bytes;
+    const OSStatus status = read_file(path, bytes);
+    return status == 0 ? load_exs_bytes(bytes, file_name(path), loaded) : status;
+}
+
+OSStatus load_exs_bytes(std::span<const std::uint8_t> bytes, const std::string& file_name,
+                        LoadedInstrument& loaded) {
+    const auto instrument = read_exs(bytes);
+    if (!instrument) {
+        return kAudioUnitErr_InvalidFile;
+    }
+    const std::vector<ExsLayer> layers = exs_layers(*instrument);
+    const std::vector<std::size_t> used = exs_used_samples(*instrument, layers);
+    LoadedInstrument result;
+    result.instrument = exs_instrument_state(*instrument, layers, file_name);
+    if (!result.instrument) {
+        return kAudioUnitErr_FormatNotSupported;
+    }
+    result.references = references(*instrument, used);
+    for (const std::size_t number : used) {
+        result.samples.push_back(instrument->samples[number].path);
+    }
+    loaded = std::move(result);
+    return 0;
 }
 
 } // namespace lumo::platform

@@ -5,6 +5,8 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+#include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -21,5 +23,9 @@ struct LoadedInstrument {
 /// Reads the EXS24 instrument in the file at `path` into `loaded`; opens none of its samples.
 /// Returns 0 or a status, `loaded` being as it was.
 OSStatus load_exs(const std::string& path, LoadedInstrument& loaded);
+
+/// The same for bytes at hand, those of a file named `file_name` (extension and all).
+OSStatus load_exs_bytes(std::span<const std::uint8_t> bytes, const std::string& file_name,
+                        LoadedInstrument& loaded);
 
 } // namespace lumo::platform

@@ -22,6 +22,16 @@ double number_of(CFTypeRef number) {
     return value;
 }
 
+std::string hexadecimal(CFDataRef data) {
+    std::string text;
+    for (CFIndex i = 0; i < CFDataGetLength(data); ++i) {
+        const UInt8 byte = CFDataGetBytePtr(data)[i];
+        text += "0123456789abcdef"[byte >> 4];
+        text += "0123456789abcdef"[byte & 15];
+    }
+    return text;
+}
+
 StateEntry leaf(CFTypeRef value) {
     const CFTypeID type = CFGetTypeID(value);
     if (type == CFNumberGetTypeID()) {
@@ -34,7 +44,7 @@ StateEntry leaf(CFTypeRef value) {
         return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) ? "true" : "false";
     }
     if (type == CFDataGetTypeID()) {
-        return std::to_string(CFDataGetLength(static_cast<CFDataRef>(value))) + " bytes";
+        return hexadecimal(static_cast<CFDataRef>(value));
     }
     return "?";
 }

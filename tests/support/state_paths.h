@@ -10,7 +10,7 @@
 
 namespace lumo::test {
 
-/// Numbers of any kind are doubles; booleans are "true" and "false", data its length in bytes,
+/// Numbers of any kind are doubles; booleans are "true" and "false", data hexadecimal,
 /// empty containers "{}" and "[]".
 using StateEntry = std::variant<double, std::string>;
 using StatePaths = std::map<std::string, StateEntry>;

@@ -1,0 +1,194 @@
+// Loading EXS24 instruments into a unit.
+#include "audio_bytes.h"
+#include "recorded_opens.h"
+#include "sampler_host.h"
+#include "support/exs_builder.h"
+#include "support/state_paths.h"
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+#include <sndfile.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+
+namespace lumo::test {
+namespace {
+
+using Paths = std::vector<std::string>;
+
+constexpr OSStatus not_found = -43;
+constexpr OSStatus not_permitted = -54;
+constexpr OSStatus not_audio = 1954115647;
+constexpr int wav = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
+
+class ExsInstruments : public testing::Test {
+protected:
+    TempFolder folder;
+    Sampler sampler;
+    void SetUp() override { reset_opens(); }
+
+    OSStatus load(const fs::path& path) const {
+        const std::string bytes = path.string();
+        const auto url = Ref<CFURLRef>::adopt(CFURLCreateFromFileSystemRepresentation(
+            kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
+            static_cast<CFIndex>(bytes.size()), false));
+        const AUSamplerInstrumentData data{url.get(), kInstrumentType_EXS24,
+                                           kAUSampler_DefaultMelodicBankMSB,
+                                           kAUSampler_DefaultBankLSB, 0};
+        return AudioUnitSetProperty(sampler.unit(), kAUSamplerProperty_LoadInstrument,
+                                    kAudioUnitScope_Global, 0, &data, sizeof data);
+    }
+    OSStatus load(const ExsBuilder& builder) const {
+        write_file(folder / "Pad.exs", builder.bytes());
+        return load(folder / "Pad.exs");
+    }
+    StatePaths state() const { return state_paths(sampler.state().get()); }
+};
+
+/// A zone for each of these samples.
+ExsBuilder with_samples(const std::vector<fs::path>& paths) {
+    ExsBuilder builder;
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        builder.zone({.sample = static_cast<std::int32_t>(i)});
+    }
+    for (const fs::path& path : paths) {
+        builder.sample({.directory = path.parent_path(), .name = path.filename()});
+    }
+    return builder;
+}
+
+TEST_F(ExsInstruments, AreNotFoundWhereThereIsNoFile) {
+    EXPECT_EQ(load(folder / "absent.exs"), not_found);
+    EXPECT_EQ(load(folder / "absent" / "Pad.exs"), not_found);
+}
+
+TEST_F(ExsInstruments, AreInvalidWhenTheFileIsNone) {
+    write_file(folder / "Pad.exs", "no instrument");
+    EXPECT_EQ(load(folder / "Pad.exs"), kAudioUnitErr_InvalidFile);
+    write_file(folder / "Pad.exs", "");
+    EXPECT_EQ(load(folder / "Pad.exs"), kAudioUnitErr_InvalidFile);
+    EXPECT_EQ(load(folder.path()), kAudioUnitErr_InvalidFile);
+}
+
+TEST_F(ExsInstruments, AreNotWaitedForInAPipe) {
+    ASSERT_EQ(mkfifo((folder / "pipe.exs").c_str(), 0600), 0);
+    EXPECT_EQ(load(folder / "pipe.exs"), kAudioUnitErr_InvalidFile);
+}
+
+TEST_F(ExsInstruments, AreNotReadBeyondAGigabyte) {
+    write_file(folder / "Pad.exs", "");
+    fs::resize_file(folder / "Pad.exs", (std::uintmax_t{1} << 30) + 1);
+    EXPECT_EQ(load(folder / "Pad.exs"), kAudioUnitErr_InvalidFile);
+}
+
+TEST_F(ExsInstruments, NeedPermissionToBeRead) {
+    write_file(folder / "Pad.exs", ExsBuilder().bytes());
+    fs::permissions(folder / "Pad.exs", fs::perms::none);
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "the superuser may read everything";
+    }
+    EXPECT_EQ(load(folder / "Pad.exs"), not_permitted);
+}
+
+TEST_F(ExsInstruments, OfMoreLayersThanAStateCanTellApartAreNotSupported) {
+    ExsBuilder builder;
+    for (int i = 0; i <= 4096; ++i) {
+        builder.group({}).zone({.group = i});
+    }
+    EXPECT_EQ(load(builder.sample({})), kAudioUnitErr_FormatNotSupported);
+}
+
+TEST_F(ExsInstruments, OpenTheSamplesThatSoundInTheOrderOfTheirChunks) {
+    EXPECT_EQ(load(ExsBuilder()
+                       .zone({.sample = 3})
+                       .zone({.sample = 0})
+                       .zone({.sample = 3})
+                       .zone({.sample = -1})
+                       .zone({.low_key = 60, .group = 0, .sample = 1})
+                       .group({.high_key = 59})
+                       .sample({.directory = "/recorded", .name = "z.wav"})
+                       .sample({.directory = "/recorded", .name = "outside.wav"})
+                       .sample({.directory = "/recorded", .name = "unused.wav"})
+                       .sample({.directory = "/recorded", .name = "a.wav"})),
+              not_found);
+    EXPECT_EQ(asked_for, (Paths{"/recorded/z.wav", "/recorded/a.wav"}));
+}
+
+TEST_F(ExsInstruments, FailWithTheStatusOfTheFirstSampleThatFailed) {
+    write_audio(folder / "kick.wav", wav);
+    write_file(folder / "text.wav", "no audio");
+    EXPECT_EQ(load(with_samples({folder / "kick.wav", folder / "text.wav", "/recorded/a.wav"})),
+              not_audio);
+    EXPECT_EQ(asked_for, (Paths{"/recorded/a.wav"}));
+    EXPECT_EQ(load(with_samples({"/recorded/a.wav", folder / "text.wav"})), not_found);
+    EXPECT_EQ(load(with_samples({folder / "kick.wav"})), 0);
+}
+
+TEST_F(ExsInstruments, ThatFailLeaveTheUnitAsItWas) {
+    write_audio(folder / "kick.wav", wav);
+    ASSERT_EQ(load(with_samples({folder / "kick.wav"})), 0);
+    const StatePaths before = state();
+    EXPECT_NE(load(with_samples({"/recorded/a.wav"})), 0);
+    EXPECT_NE(load(folder / "absent.exs"), 0);
+    EXPECT_EQ(state(), before);
+}
+
+TEST_F(ExsInstruments, AreInTheStateWithTheirSamples) {
+    write_audio(folder / "kick.wav", wav);
+    write_audio(folder / "snare.wav", wav);
+    ASSERT_EQ(load(with_samples({folder / "kick.wav", folder / "snare.wav"})), 0);
+    const StatePaths loaded = state();
+    EXPECT_EQ(loaded.at("Instrument/name"), StateEntry("Pad.exs"));
+    EXPECT_EQ(loaded.at("Instrument/Layers/0/Zones/1/waveform"), StateEntry(268435457.0));
+    EXPECT_EQ(loaded.at("file-references/Sample:268435456"), StateEntry(folder / "kick.wav"));
+    EXPECT_EQ(loaded.at("file-references/Sample:268435457"), StateEntry(folder / "snare.wav"));
+    EXPECT_EQ(loaded.at("name"), StateEntry("Untitled"));
+    EXPECT_EQ(loaded.at("voice count"), StateEntry(64.0));
+}
+
+TEST_F(ExsInstruments, AreInTheStateUnderTheRecordedPathsOfTheirSamples) {
+    given_instead = folder / "moved.wav";
+    write_audio(given_instead, wav);
+    ASSERT_EQ(load(with_samples({"/recorded/kick.wav"})), 0);
+    EXPECT_EQ(state().at("file-references/Sample:268435456"), StateEntry("/recorded/kick.wav"));
+}
+
+TEST_F(ExsInstruments, WithoutSamplesAreInTheStateToo) {
+    ASSERT_EQ(load(ExsBuilder().zone({.sample = -1})), 0);
+    EXPECT_EQ(state().at("file-references"), StateEntry("{}"));
+    EXPECT_EQ(state().at("Instrument/Layers/0/Zones"), StateEntry("[]"));
+}
+
+TEST_F(ExsInstruments, TakeThePlaceOfTheOneBefore) {
+    write_audio(folder / "kick.wav", wav);
+    write_audio(folder / "snare.wav", wav);
+    ASSERT_EQ(load(with_samples({folder / "kick.wav", folder / "snare.wav"})), 0);
+    ASSERT_EQ(load(with_samples({folder / "kick.wav"})), 0);
+    const StatePaths loaded = state();
+    EXPECT_FALSE(loaded.contains("file-references/Sample:268435457"));
+    EXPECT_FALSE(loaded.contains("Instrument/LFOs/240 again/ID"));
+}
+
+TEST_F(ExsInstruments, GiveAStateThatLoadsAgain) {
+    write_audio(folder / "kick.wav", wav);
+    ASSERT_EQ(load(with_samples({folder / "kick.wav"})), 0);
+    const Ref<CFDictionaryRef> state = sampler.state();
+    const Sampler other;
+    ASSERT_EQ(other.set(state.get()), 0);
+    EXPECT_TRUE(CFEqual(other.state().get(), state.get()));
+}
+
+TEST_F(ExsInstruments, WithoutUtf8InTheirNameAreNamedAsTheirContentsAre) {
+    write_file(folder / "Fl\x9Ate.exs", ExsBuilder().bytes());
+    ASSERT_EQ(load(folder / "Fl\x9Ate.exs"), 0);
+    EXPECT_EQ(state().at("Instrument/name"), StateEntry("Fl\xC3\xB6te.exs"));
+}
+
+} // namespace
+} // namespace lumo::test

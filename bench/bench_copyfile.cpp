@@ -1,6 +1,8 @@
 // Copying samples: copyfile against `cp -a --reflink=auto`, CPU time of whole processes, in turns.
 // Each row has a fresh volume of its own behind a loop device, which takes the superuser and the
 // file system's mkfs; without them ext4's rows fall back on the folder for temporary files.
+#include "paired_time.h"
+
 #include <copyfile.h>
 #include <stdlib.h>
 #include <sys/resource.h>
@@ -19,6 +21,7 @@
 #include <vector>
 
 namespace fs = std::filesystem;
+using lumo::bench::median;
 
 namespace {
 
@@ -107,11 +110,6 @@ double cpu_ms(const std::function<bool()>& work) {
         return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_usec) / 1e3;
     };
     return ms(usage.ru_utime) + ms(usage.ru_stime);
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 std::vector<std::string> make_samples(const fs::path& folder, int count, std::size_t size) {

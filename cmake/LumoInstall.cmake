@@ -1,5 +1,6 @@
 # What an installation holds: the tool and its library side by side in a folder of their own, a
-# link to the tool in bin/, and what a program needs that uses the library itself:
+# link to the tool in bin/, its manual page, completions and documents, and what a program needs
+# that uses the library itself:
 #   find_package(lumo-relink REQUIRED)
 #   target_link_libraries(program PRIVATE lumo::relink)
 # Every path is relative to the prefix, so that an installed tree can be moved.
@@ -24,3 +25,13 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/lumo-relink-config-versio
                                  COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/lumo-relink-config-version.cmake
         DESTINATION ${lumo_package_folder})
+
+configure_file(packaging/lumo-exs-import.1.in ${PROJECT_BINARY_DIR}/lumo-exs-import.1 @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/lumo-exs-import.1 DESTINATION share/man/man1)
+install(FILES packaging/completion/lumo-exs-import.bash
+        DESTINATION share/bash-completion/completions RENAME lumo-exs-import)
+install(FILES packaging/completion/_lumo-exs-import DESTINATION share/zsh/site-functions)
+install(FILES CHANGELOG.md packaging/copyright docs/report-line.md docs/report-line.schema.json
+        DESTINATION share/doc/lumo-exs-import)
+
+include(LumoPackage)

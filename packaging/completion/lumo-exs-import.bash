@@ -1,4 +1,5 @@
 # bash completion for lumo-exs-import
+# shellcheck shell=bash
 
 _lumo_exs_import() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}

@@ -1,0 +1,34 @@
+# Packages of an installation, made by `cmake --build build/release --target package`: a .deb on
+# Linux, a .tar.gz for a Mac, whose folder can be put anywhere. Name and version are the project's.
+include_guard()
+
+set(CPACK_PACKAGE_NAME ${PROJECT_NAME})
+set(CPACK_PACKAGE_VENDOR "the authors of ${PROJECT_NAME}")
+set(CPACK_PACKAGE_CONTACT "the authors of ${PROJECT_NAME} <nobody@localhost>")
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/finish-package.cmake)
+set(CPACK_VERBATIM_VARIABLES ON)
+
+if(APPLE)
+  set(CPACK_GENERATOR TGZ)
+  set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-macos)
+  if(CMAKE_CROSSCOMPILING)
+    # One build makes files for one processor; script/build-macos joins those of both there.
+    set(CPACK_LUMO_UNIVERSAL_FILES ${PROJECT_SOURCE_DIR}/build/macos)
+  endif()
+else()
+  set(CPACK_GENERATOR DEB)
+  set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+  set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ
+      GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+  set(CPACK_STRIP_FILES ON)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_SECTION sound)
+  set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+      "Loads EXS24 instruments and AUSampler presets, copies their samples into
+a show, writes the sampler's state with references into the show, and
+checks that it loads from there. No sound is made.")
+  # Each library that the two files need is looked up in the package that brings it.
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+endif()
+include(CPack)

@@ -1,6 +1,6 @@
 // Imports instruments and tells of each one as soon as its line is there.
 // usage: consume TOOL SHOW.lumo STATES SEARCH INSTRUMENT...
-// Compiled by the macOS workflow only.
+// Compiled and run by the macOS workflow only.
 import Foundation
 
 struct Layer: Decodable {

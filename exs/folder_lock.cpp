@@ -1,4 +1,4 @@
-// The lock belongs to the open folder: closing it, or the end of the process, gives it back.
+// The lock belongs to the open folder: the end of the process gives it back as well.
 #include "folder_lock.h"
 
 #include <fcntl.h>
@@ -17,6 +17,7 @@ FolderLock::FolderLock(const std::string& folder)
 
 FolderLock::~FolderLock() {
     if (descriptor_ >= 0) {
+        flock(descriptor_, LOCK_UN); // at once, even where closing the folder fails
         close(descriptor_);
     }
 }

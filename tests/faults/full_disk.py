@@ -1,0 +1,70 @@
+#!/usr/bin/env python3
+"""Imports into a disk that is full after so many pages, one page more each time until the import
+fits: every run ends with its line, and no sample is half. Needs a tmpfs; says so when it cannot
+be mounted."""
+
+import shutil
+import subprocess
+import tempfile
+import unittest
+from pathlib import Path
+
+import scene
+
+PAGE = 4096
+
+
+class FullDisk(unittest.TestCase):
+    def setUp(self):
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        self.folder = Path(temporary.name).resolve()
+        for i in range(3):
+            scene.write_wave(self.folder / "Kit" / f"{i}.wav", 5000, i)
+        self.samples = {path.read_bytes() for path in (self.folder / "Kit").iterdir()}
+        self.instrument = self.folder / "Kit.aupreset"
+        scene.write_preset(self.instrument, sorted((self.folder / "Kit").iterdir()))
+        self.disk = self.folder / "disk"
+        self.disk.mkdir()
+
+    def mount(self, pages):
+        """Mounts a disk of so many pages; unmounts it when the test ends."""
+        made = subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={pages * PAGE}", "tmpfs",
+                               self.disk], stderr=subprocess.DEVNULL, check=False)
+        if made.returncode != 0:
+            self.skipTest("a tmpfs cannot be mounted here")
+
+    def test_the_disk_is_full_at_every_page(self):
+        lines = []
+        for pages in range(1, 100):
+            self.mount(pages)
+            try:
+                error = self.import_into_disk()
+            finally:
+                subprocess.run(["umount", self.disk], check=True)
+            lines.append(error)
+            if error == "":
+                break
+        for error in sorted(set(lines)):
+            print(f"{lines.count(error):4} x {error or 'ok'}", flush=True)
+        self.assertEqual(lines[-1], "", "the import never fitted")
+        self.assertTrue(any("copied into the show" in error for error in lines))
+        self.assertIn("its state couldn't be written", lines)
+
+    def import_into_disk(self):
+        """The error of one import; checks that the show is sound and a next run completes it."""
+        show = self.disk / "Show.lumo"
+        words = scene.command(TOOL, show, show / "states", [self.instrument])
+        result = scene.run(words, self.folder)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual(scene.line_faults(result.stdout, show, [self.instrument]), [])
+        self.assertEqual(scene.files_not_sound(show / "samples", self.samples), [])
+        error = result.stdout.decode().split('"error":"')[1].split('","relinked')[0]
+        return error.replace(str(self.disk), "DISK")
+
+
+if __name__ == "__main__":
+    TOOL = scene.tool_from_environment()
+    if not shutil.which("mount"):
+        raise SystemExit("mount is not here")
+    unittest.main(verbosity=2)

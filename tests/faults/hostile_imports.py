@@ -1,0 +1,134 @@
+#!/usr/bin/env python3
+"""Whole imports of damaged instruments through the built tool, for so many seconds.
+
+usage: hostile_imports.py [SECONDS [SEED]]
+
+Presets and EXS instruments are damaged at random, imported many in one run, and each must end in
+its line; the tool's memory is limited, and so is its time. A build under sanitizers is not limited
+in memory. What breaks the tool is kept in the folder named by LUMO_FINDINGS.
+"""
+
+import os
+import plistlib
+import random
+import resource
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+import scene
+
+BATCH, MEMORY, SECONDS_EACH = 40, 256 << 20, 10
+NUMBERS = [b"\0", b"\x01", b"\x7f", b"\x80", b"\xff", b"\xff\xff\xff\xff", b"\xff\xff\xff\x7f",
+           b"\0\0\0\x80", b"\xff" * 8]
+WORDS = [b"<dict>", b"</dict>", b"<array>", b"<string>", b"<integer>", b"-1", b"1e999", b"&lt;",
+         b"&#0;", b"Layers", b"Zones", b"Instrument", b"file-references", b"bplist00", b"TBOS",
+         b"JBOS", b"SOBT", b"/dev/zero", b"../../etc/passwd", b"<data>", b"<true/>", b"waveform"]
+
+
+def damage(data, seeds, chance):
+    """A copy of the bytes with a few things changed, cut, moved or taken from elsewhere."""
+    data = bytearray(data)
+    for _ in range(chance.choice((1, 1, 2, 4, 16))):
+        at = chance.randrange(len(data) + 1)
+        what = chance.randrange(7)
+        if what == 0 and data:
+            data[at % len(data)] ^= 1 << chance.randrange(8)
+        elif what == 1:
+            number = chance.choice(NUMBERS)
+            data[at:at + len(number)] = number
+        elif what == 2:
+            data[at:at] = chance.choice(WORDS)
+        elif what == 3:
+            del data[at:at + chance.choice((1, 4, 84, 1000))]
+        elif what == 4:
+            piece = data[at:at + chance.choice((1, 16, 180, 700))]
+            data[at:at] = piece * chance.choice((1, 1, 8, 200))
+        elif what == 5:
+            other = chance.choice(seeds)
+            start = chance.randrange(len(other))
+            data[at:at + 200] = other[start:start + 200]
+        elif chance.random() < 0.2:
+            del data[at:]
+    return bytes(data[:1 << 20])
+
+
+def seeds_of(folder):
+    """Sound instruments of both kinds to start from."""
+    sample = folder / "Kit" / "kick.wav"
+    scene.write_wave(sample, 100, 1)
+    scene.write_wave(folder / "Kit" / "snare.wav", 150, 2)
+    samples = [sample, folder / "Kit" / "snare.wav", "/nowhere/Kit/kick.wav"]
+    scene.write_preset(folder / "seed.aupreset", samples)
+    scene.write_exs(folder / "seed.exs", samples)
+    binary = folder / "binary.aupreset"
+    binary.write_bytes(plistlib.dumps(plistlib.loads((folder / "seed.aupreset").read_bytes()),
+                                      fmt=plistlib.FMT_BINARY))
+    return {".aupreset": [(folder / "seed.aupreset").read_bytes(), binary.read_bytes()],
+            ".exs": [(folder / "seed.exs").read_bytes()]}
+
+
+def limit():
+    """Run in the child: its memory."""
+    if not os.environ.get("LUMO_SANITIZED"):
+        resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+
+
+def imported(words, count):
+    """Whether a run ended in `count` lines in time; what it said otherwise."""
+    try:
+        result = subprocess.run(words, capture_output=True, preexec_fn=limit, check=False,
+                                timeout=SECONDS_EACH * count)
+    except subprocess.TimeoutExpired:
+        return "it took too long"
+    lines = result.stdout.count(b"\n")
+    if result.returncode != 0 or lines != count:
+        said = result.stderr[-2000:].decode("utf-8", "replace")
+        return f"status {result.returncode}, {lines} lines: {said}"
+    return None
+
+
+def main():
+    seconds = float(sys.argv[1]) if len(sys.argv) > 1 else 15
+    chance = random.Random(int(sys.argv[2]) if len(sys.argv) > 2 else 1)
+    tool = scene.tool_from_environment()
+    findings = Path(os.environ.get("LUMO_FINDINGS", "findings"))
+    done = found = 0
+    with tempfile.TemporaryDirectory() as name:
+        folder = Path(name).resolve()
+        seeds = seeds_of(folder / "seeds")
+        show = folder / "Show.lumo"
+        until = time.monotonic() + seconds
+        while time.monotonic() < until:
+            shutil.rmtree(show, ignore_errors=True)
+            instruments = []
+            for i in range(BATCH):
+                extension = chance.choice(list(seeds))
+                instruments.append(folder / "in" / f"{i}{extension}")
+                instruments[-1].parent.mkdir(exist_ok=True)
+                everything = sum(seeds.values(), [])
+                instruments[-1].write_bytes(damage(chance.choice(seeds[extension]), everything, chance))
+            done += BATCH
+            command = scene.command(tool, show, show / "states", instruments, [folder / "seeds"])
+            if imported(command, BATCH) is None:
+                continue
+            for instrument in instruments:
+                command = scene.command(tool, show, show / "states", [instrument],
+                                        [folder / "seeds"])
+                fault = imported(command, 1)
+                if fault:
+                    findings.mkdir(parents=True, exist_ok=True)
+                    kept = findings / f"{done}-{instrument.name}"
+                    shutil.copy(instrument, kept)
+                    print(f"{kept}: {fault}", flush=True)
+                    found += 1
+    peak = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss // 1024
+    print(f"{done} damaged instruments imported, {found} findings, peak memory {peak} MiB")
+    sys.exit(1 if found else 0)
+
+
+if __name__ == "__main__":
+    main()

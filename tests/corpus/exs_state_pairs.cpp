@@ -1,32 +1,24 @@
-// Real instruments against the states that the real sampler saved after loading them.
-#include "audio_toolbox/class_info.h"
-#include "sampler/exs_load.h"
+// Real instruments, imported by the tool, against the states that the real sampler saved after
+// loading them.
+#include "support/import_run.h"
 #include "support/state_paths.h"
 #include "support/temp_folder.h"
 
+#include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-namespace lumo::platform {
+namespace lumo::test {
 namespace {
 
-const std::filesystem::path folder = std::filesystem::path(LUMO_SHARED) / "corpus/exs-state-pairs";
-
-Ref<CFPropertyListRef> read_plist(const std::filesystem::path& path) {
-    const std::string bytes = test::read_file(path);
-    const auto data = Ref<CFDataRef>::adopt(
-        CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                     static_cast<CFIndex>(bytes.size())));
-    return Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
-}
+const std::filesystem::path corpus = std::filesystem::path(LUMO_SHARED) / "corpus";
 
 /// Without what is not the instrument's: the name that a host gave the state, the folders of the
 /// samples and, in one of them, the LFOs of an instrument that had been loaded before and stayed.
-test::StatePaths comparable(CFPropertyListRef state) {
-    test::StatePaths paths;
-    for (auto [path, value] : test::state_paths(state)) {
+StatePaths comparable(const StatePaths& state) {
+    StatePaths paths;
+    for (auto [path, value] : state) {
         if (path.starts_with("file-references/")) {
             value = std::filesystem::path(std::get<std::string>(value)).filename().string();
         }
@@ -39,20 +31,38 @@ test::StatePaths comparable(CFPropertyListRef state) {
     return paths;
 }
 
+/// Empty, and the test fails, when the file is no property list.
+StatePaths state_in(const std::filesystem::path& path) {
+    const std::string bytes = read_file(path);
+    CFDataRef data = CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
+                                  static_cast<CFIndex>(bytes.size()));
+    CFPropertyListRef list = CFPropertyListCreateWithData(
+        kCFAllocatorDefault, data, kCFPropertyListImmutable, nullptr, nullptr);
+    CFRelease(data);
+    if (!list) {
+        ADD_FAILURE() << path;
+        return {};
+    }
+    const StatePaths paths = state_paths(list);
+    CFRelease(list);
+    return comparable(paths);
+}
+
 class ExsStatePairs : public testing::TestWithParam<const char*> {};
 
 TEST_P(ExsStatePairs, StateIsThatOfTheRealSampler) {
-    const std::filesystem::path instrument = folder / (std::string(GetParam()) + ".exs");
-    if (!std::filesystem::exists(instrument)) {
-        GTEST_SKIP() << "the corpus is not here";
+    const std::filesystem::path pair = corpus / "exs-state-pairs" / GetParam();
+    if (!std::filesystem::exists(corpus)) {
+        GTEST_SKIP() << "there are no real instruments at " << corpus;
     }
-    SamplerState state;
-    ASSERT_EQ(load_exs(instrument.string(), state.loaded), 0);
-    const auto saved =
-        comparable(read_plist(folder / (std::string(GetParam()) + ".aupreset")).get());
+    const TempFolder folder;
+    const nlohmann::json report = import_one(folder / "Show.lumo", folder / "states",
+                                             pair.string() + ".exs", {"--search", corpus.string()});
+    ASSERT_TRUE(report.at("ok").get<bool>()) << report;
+    const StatePaths saved = state_in(pair.string() + ".aupreset");
     EXPECT_GT(saved.size(), 100U);
     for (const std::string& difference :
-         test::state_differences(saved, comparable(class_info(state).get()))) {
+         state_differences(saved, state_in(report.at("stateFile").get<std::string>()))) {
         ADD_FAILURE() << difference;
     }
 }
@@ -61,4 +71,4 @@ INSTANTIATE_TEST_SUITE_P(Real, ExsStatePairs, testing::Values("drumSimp", "noisy
                          [](const auto& pair) { return std::string(pair.param); });
 
 } // namespace
-} // namespace lumo::platform
+} // namespace lumo::test

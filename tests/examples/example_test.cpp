@@ -9,15 +9,27 @@ namespace {
 
 const std::filesystem::path source = LUMO_SOURCE;
 
-/// What the tool prints in `folder` for a copy of the example, called as the README calls it.
-std::string import_example(const TempFolder& folder) {
-    std::filesystem::create_directories(folder / "examples");
-    std::filesystem::copy(source / "examples/glass", folder / "examples/glass");
-    return run_process({LUMO_TOOL, "--package", "Show.lumo", "--states", "Show.lumo/states",
-                        "examples/glass/Glass.aupreset"},
-                       folder.path())
-        .out;
-}
+/// A folder with a copy of the examples, in which the README's commands can be given.
+class ExampleFolder {
+public:
+    ExampleFolder() {
+        std::filesystem::create_directories(folder_ / "examples");
+        std::filesystem::copy(source / "examples/glass", folder_ / "examples/glass");
+    }
+
+    std::filesystem::path operator/(std::string_view name) const { return folder_ / name; }
+
+    /// What the tool prints for an instrument, called as the README calls it.
+    std::string import(const std::string& instrument) const {
+        return run_process({LUMO_TOOL, "--package", "Show.lumo", "--states", "Show.lumo/states",
+                            "examples/glass/" + instrument},
+                           folder_.path())
+            .out;
+    }
+
+private:
+    TempFolder folder_;
+};
 
 std::string without_load_time(std::string line) {
     const std::size_t begin = line.find("\"loadMs\":");
@@ -51,8 +63,8 @@ TEST(Example, ItsScriptsMakeItsFiles) {
 }
 
 TEST(Example, IsImportedWithTheSamplesBesideIt) {
-    const TempFolder folder;
-    const std::string line = import_example(folder);
+    const ExampleFolder folder;
+    const std::string line = folder.import("Glass.aupreset");
     EXPECT_NE(line.find("\"ok\":true,\"error\":\"\""), std::string::npos) << line;
     EXPECT_NE(line.find("\"samples\":3,"), std::string::npos) << line;
     for (const char* name : {"glass-soft.wav", "glass-hard.wav", "breath.wav"}) {
@@ -62,10 +74,13 @@ TEST(Example, IsImportedWithTheSamplesBesideIt) {
     }
 }
 
-TEST(Example, PrintsTheLineThatTheReadmeShows) {
-    const TempFolder folder;
-    const std::string shown = line_that_starts_with(read_file(source / "README.md"), "{\"name\":");
-    EXPECT_EQ(without_load_time(import_example(folder)), without_load_time(shown));
+TEST(Example, PrintsTheLinesThatTheReadmeShows) {
+    const ExampleFolder folder;
+    const std::string readme = read_file(source / "README.md");
+    EXPECT_EQ(without_load_time(folder.import("Glass.aupreset")),
+              without_load_time(line_that_starts_with(readme, "{\"name\":\"Glass\"")));
+    EXPECT_EQ(without_load_time(folder.import("Glass Chimes.exs")),
+              without_load_time(line_that_starts_with(readme, "{\"name\":\"Glass Chimes\"")));
 }
 
 } // namespace

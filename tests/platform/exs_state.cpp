@@ -341,6 +341,17 @@ TEST(ExsState, TenThousandZonesAreAllThere) {
     EXPECT_EQ(value(state, "Layers/0/Zones/10000/ID"), absent);
 }
 
+TEST(StateDifferences, NameEachPathThatDiffers) {
+    const StatePaths expected{{"a", 1.0}, {"b", 1.0}, {"c", "x"}, {"d", 2.0}};
+    const StatePaths actual{{"a", 1.0000005}, {"b", 1.000002}, {"c", "y"}, {"e", "true"}};
+    const auto differences = test::state_differences(expected, actual);
+    ASSERT_EQ(differences.size(), 4U);
+    EXPECT_TRUE(differences[0].starts_with("b: expected 1, is 1.000002")) << differences[0];
+    EXPECT_EQ(differences[1], "c: expected x, is y");
+    EXPECT_EQ(differences[2], "d: expected 2, is absent");
+    EXPECT_EQ(differences[3], "e: expected absent, is true");
+}
+
 TEST(ExsState, EveryLayoutGivesTheSameState) {
     const auto state_in = [](const ExsLayout& layout) {
         return state_of(ExsBuilder(layout)

@@ -1,0 +1,148 @@
+// Copies of samples from place to place, on fresh volumes behind loop devices: those take the
+// superuser and the file system's mkfs; without them ext4's rows fall back on the folder for
+// temporary files, and the others say why they cannot run.
+#pragma once
+
+#include "child_usage.h"
+#include "paired_time.h"
+#include "support/temp_folder.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace lumo::bench {
+
+namespace fs = std::filesystem;
+
+struct VolumeRow {
+    const char* volume; ///< the kind of file system
+    std::size_t size;   ///< of one sample, in bytes
+    const char* size_text;
+    const char* goal;
+};
+
+struct Amount {
+    int files = 1000;
+    int rounds = 7;
+};
+
+/// A fresh, mounted volume, or none where that is not possible.
+class LoopVolume {
+public:
+    LoopVolume(const fs::path& folder, const std::string& kind, std::uintmax_t bytes)
+        : mount_(folder / "volume") {
+        const fs::path image = folder / "image";
+        std::ofstream(image).close();
+        fs::resize_file(image, bytes);
+        fs::create_directory(mount_);
+        is_mounted_ = run("mkfs." + kind + " " + image.string()) &&
+                      run("mount -o loop " + image.string() + " " + mount_.string());
+    }
+    ~LoopVolume() {
+        if (is_mounted_) {
+            run("umount " + mount_.string());
+        }
+    }
+    LoopVolume(const LoopVolume&) = delete;
+    LoopVolume& operator=(const LoopVolume&) = delete;
+    bool is_mounted() const { return is_mounted_; }
+    const fs::path& path() const { return mount_; }
+
+private:
+    static bool run(const std::string& command) {
+        return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
+    }
+
+    fs::path mount_;
+    bool is_mounted_ = false;
+};
+
+/// Writes `count` files of the same bytes and gives their names.
+inline std::vector<std::string> make_samples(const fs::path& folder, int count,
+                                             const std::string& bytes) {
+    fs::create_directory(folder);
+    std::vector<std::string> names;
+    for (int i = 0; i < count; ++i) {
+        names.push_back("sample " + std::to_string(i) + ".wav");
+        std::ofstream(folder / names.back(), std::ios::binary) << bytes;
+    }
+    return names;
+}
+
+/// To be called in a process of its own, which becomes `cp`.
+inline bool run_cp(const fs::path& from, const fs::path& to) {
+    execlp("cp", "cp", "-a", "--reflink=auto", (from / ".").c_str(), to.c_str(), nullptr);
+    return false;
+}
+
+/// Writes out what the last copies left to write, which is no part of the next.
+inline void finish_writing(const fs::path& folder) {
+    const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    syncfs(descriptor);
+    close(descriptor);
+}
+
+struct Comparison {
+    std::vector<double> ours; ///< CPU milliseconds of each round
+    std::vector<double> reference;
+    std::vector<double> ratios;
+
+    void print(const std::string& work, const char* goal) const {
+        std::printf("%s\t%.1f ms\t%.1f ms\t%.2f\t%s\n", work.c_str(), median(ours),
+                    median(reference), median(ratios), goal);
+        std::fflush(stdout);
+    }
+};
+
+/// Runs both in turns, each in a process of its own and with `to` made anew, an empty folder. The
+/// first round, in which the machine finds its memory, does not count.
+inline Comparison compare_copies(const fs::path& to, int rounds, const std::function<bool()>& ours,
+                                 const std::function<bool()>& reference) {
+    const auto measure = [&](const std::function<bool()>& work) {
+        fs::remove_all(to);
+        fs::create_directory(to);
+        finish_writing(to);
+        return usage_of(work).cpu_ms;
+    };
+    measure(ours);
+    measure(reference);
+    Comparison result;
+    for (int round = 0; round < rounds; ++round) {
+        const double first = measure(round % 2 == 0 ? ours : reference);
+        const double second = measure(round % 2 == 0 ? reference : ours);
+        result.ours.push_back(round % 2 == 0 ? first : second);
+        result.reference.push_back(round % 2 == 0 ? second : first);
+        result.ratios.push_back(result.ours.back() / result.reference.back());
+    }
+    return result;
+}
+
+/// Prints the row of what `measure` finds in a folder on the row's volume, or why it cannot run.
+/// `work` says what is done with the samples.
+inline void compare_on_volume(const VolumeRow& row, const Amount& amount, const std::string& work,
+                              const std::function<Comparison(const fs::path& folder)>& measure) {
+    const test::TempFolder folder;
+    const std::string name = work + ", " + std::to_string(amount.files) + " samples of " +
+                             row.size_text + " on " + row.volume;
+    const std::uintmax_t data = static_cast<std::uintmax_t>(amount.files) * row.size;
+    const LoopVolume volume(folder.path(), row.volume, 2 * data + (std::uintmax_t{1} << 30));
+    if (volume.is_mounted()) {
+        measure(volume.path()).print(name, row.goal);
+    } else if (std::string(row.volume) == "ext4") {
+        measure(folder.path()).print(name + " (not mounted: the temporary folder)", row.goal);
+    } else {
+        std::printf("%s\t-\t-\t-\tcannot be mounted here\n", name.c_str());
+        std::fflush(stdout);
+    }
+}
+
+} // namespace lumo::bench

@@ -36,6 +36,7 @@ protected:
     /// Lets the sampler's state refer to these files, the first as "Sample:1" and so on.
     static void set_samples(const std::vector<std::filesystem::path>& paths) {
         std::vector<std::pair<std::string, Value>> references;
+        references.reserve(paths.size());
         for (const std::filesystem::path& path : paths) {
             references.emplace_back("Sample:" + std::to_string(references.size() + 1),
                                     text(path.string()));

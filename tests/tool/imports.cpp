@@ -72,7 +72,7 @@ TEST_F(Imports, WriteABinaryStateWithReferencesIntoTheShow) {
 TEST_F(Imports, GoOnAfterAnInstrumentThatFails) {
     const std::string first = make_preset("first.aupreset");
     const std::string third = make_preset("third.aupreset");
-    const ImportRun run = import({first, (folder / "second.aupreset").string(), third});
+    const ImportRun run = import_all({first, (folder / "second.aupreset").string(), third});
     EXPECT_EQ(run.process.status, 0);
     EXPECT_EQ(run.process.err, "");
     ASSERT_EQ(run.lines.size(), 3U);
@@ -86,7 +86,7 @@ TEST_F(Imports, GoOnAfterAnInstrumentThatFails) {
 
 TEST_F(Imports, OfAnInstrumentNamedTwiceAreTwo) {
     const std::string preset = make_preset("X.aupreset", {make_sound("Kit/kick.wav")});
-    const ImportRun run = import({preset, preset, preset});
+    const ImportRun run = import_all({preset, preset, preset});
     ASSERT_EQ(run.lines.size(), 3U);
     EXPECT_EQ(run.lines[0]["stateFile"], (states / "X.aupreset").string());
     EXPECT_EQ(run.lines[1]["stateFile"], (states / "X-2.aupreset").string());
@@ -101,9 +101,9 @@ TEST_F(Imports, AgainCopyNothingAndChangeNothing) {
     const std::string other_kick = make_sound("other/Kit/kick.wav", 20);
     const std::string a = make_preset("a.aupreset", {kick});
     const std::string b = make_preset("b.aupreset", {other_kick, kick});
-    import({a, b});
+    import_all({a, b});
     const auto before = contents(folder.path());
-    const ImportRun run = import({a, b});
+    const ImportRun run = import_all({a, b});
     ASSERT_EQ(run.lines.size(), 2U);
     for (const json& line : run.lines) {
         EXPECT_EQ(line["ok"], true) << line;
@@ -118,14 +118,14 @@ TEST_F(Imports, AgainCopyNothingAndChangeNothing) {
 TEST_F(Imports, NumberSamplesOfOneNameAndSeveralSizes) {
     const std::string a = make_preset("a.aupreset", {make_sound("a/Kit/kick.wav", 10)});
     const std::string b = make_preset("b.aupreset", {make_sound("b/Kit/kick.wav", 20)});
-    import({a, b});
+    import_all({a, b});
     EXPECT_EQ(read_file(package / "samples/Kit/kick.wav"), wav_bytes(10));
     EXPECT_EQ(read_file(package / "samples/Kit/kick-2.wav"), wav_bytes(20));
 }
 
 TEST_F(Imports, UseTheLastPackage) {
     const std::string preset = make_preset("a.aupreset", {make_sound("Kit/kick.wav")});
-    const ImportRun run = import({"--package", (folder / "Other.lumo").string(), preset});
+    const ImportRun run = import_all({"--package", (folder / "Other.lumo").string(), preset});
     EXPECT_TRUE(fs::exists(folder / "Other.lumo/samples/Kit/kick.wav"));
     EXPECT_FALSE(fs::exists(package));
 }
@@ -172,7 +172,7 @@ TEST_F(Imports, OfAStateInAShowWorkFromWithinIt) {
 }
 
 TEST_F(Imports, EndEachLineWithOneNewline) {
-    const ImportRun run = import({make_preset("a.aupreset"), make_preset("b.aupreset")});
+    const ImportRun run = import_all({make_preset("a.aupreset"), make_preset("b.aupreset")});
     EXPECT_EQ(std::count(run.process.out.begin(), run.process.out.end(), '\n'), 2);
     EXPECT_TRUE(run.process.out.ends_with("}}\n"));
     EXPECT_EQ(run.process.out.find("\n\n"), std::string::npos);

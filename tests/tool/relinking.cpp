@@ -98,8 +98,8 @@ TEST_F(Relinking, ListsAllSamplesThatAreMissing) {
 TEST_F(Relinking, BeginsAfreshWithEachInstrument) {
     make_sound("in/kick.wav");
     const ImportRun run =
-        import({make_preset("in/a.aupreset", {"/old/a.wav"}),
-                make_preset("in/b.aupreset", {"/old/kick.wav"}), make_preset("in/c.aupreset")});
+        import_all({make_preset("in/a.aupreset", {"/old/a.wav"}),
+                    make_preset("in/b.aupreset", {"/old/kick.wav"}), make_preset("in/c.aupreset")});
     ASSERT_EQ(run.lines.size(), 3U);
     EXPECT_EQ(run.lines[0]["unresolved"], json::array({"/old/a.wav"}));
     EXPECT_EQ(run.lines[1]["unresolved"], json::array());

@@ -27,7 +27,7 @@ protected:
     }
 
     /// Runs it.
-    ImportRun import(const std::vector<std::string>& arguments) const {
+    ImportRun import_all(const std::vector<std::string>& arguments) const {
         const std::vector<std::string> words = command(arguments);
         return run_import({words.begin() + 1, words.end()});
     }

@@ -3,6 +3,7 @@
 #include "coverage.h"
 #include "paired_time.h"
 #include "ref.h"
+#include "state_text.h"
 #include <lumo/exs.h>
 
 #include <plist/plist.h>
@@ -63,46 +64,6 @@ void compare_counting(std::size_t count, const char* goal, int rounds) {
         [&] { lumo::bench::keep(count_bit_by_bit(layers)); });
 }
 
-std::string zone_text(int number) {
-    const auto integer = [](const char* key, int value) {
-        return "<key>" + std::string(key) + "</key><integer>" + std::to_string(value) +
-               "</integer>";
-    };
-    const auto real = [](const char* key, double value) {
-        return "<key>" + std::string(key) + "</key><real>" + std::to_string(value) + "</real>";
-    };
-    const int key = number % 120;
-    return "<dict>" + integer("ID", number) + real("coarse tune", 0) + "<key>enabled</key><true/>" +
-           real("fine tune", number * 0.01) + real("gain", number * -0.01) +
-           integer("loop end", number * 100 + 90) + "<key>loop enabled</key><false/>" +
-           integer("loop mode", 0) + integer("loop start", number * 100) +
-           integer("max key", key + 7) + integer("max vel", 127) + integer("min key", key) +
-           integer("min vel", number % 100) + "<key>name</key><string>Zone #" +
-           std::to_string(number) + "</string>" + integer("output", 0) + real("pan", 0) +
-           "<key>pitch tracking</key><true/>" + integer("root key", key + 3) +
-           integer("sample end", number * 100 + 99) + integer("waveform", 268435456 + number) +
-           "</dict>";
-}
-
-std::string state_text(int zones) {
-    std::string layers;
-    std::string references;
-    for (int layer = 0; layer < 2; ++layer) {
-        layers += "<dict><key>Zones</key><array>";
-        for (int i = 0; i < zones; ++i) {
-            layers += zone_text(i);
-        }
-        layers += "</array></dict>";
-    }
-    for (int i = 0; i < zones; ++i) {
-        references += "<key>Sample:" + std::to_string(268435456 + i) +
-                      "</key><string>samples/Kit/" + std::to_string(i) + ".wav</string>";
-    }
-    return "<plist version=\"1.0\"><dict><key>Instrument</key><dict><key>Layers</key><array>" +
-           layers + "</array></dict><key>file-references</key><dict>" + references +
-           "</dict></dict></plist>";
-}
-
 Ref<CFPropertyListRef> read_list(const std::string& bytes) {
     const auto data = Ref<CFDataRef>::adopt(
         CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
@@ -133,7 +94,7 @@ void compare_describing(const char* form, int zones, const Ref<CFPropertyListRef
 }
 
 void compare_describing(int zones, int rounds) {
-    const Ref<CFPropertyListRef> from_xml = read_list(state_text(zones));
+    const Ref<CFPropertyListRef> from_xml = read_list(lumo::bench::state_text(zones));
     const Ref<CFDataRef> binary = binary_form(from_xml);
     const auto from_binary = Ref<CFPropertyListRef>::adopt(
         CFPropertyListCreateWithData(kCFAllocatorDefault, binary.get(), 0, nullptr, nullptr));

@@ -129,6 +129,31 @@ void grow(Dictionary& dictionary) {
     }
 }
 
+/// Whether the dictionary has these keys, in this order, and room for no more.
+bool has_just_these_keys(const Dictionary& dictionary, std::span<const Owned> keys_and_values) {
+    const std::span<const Entry> entries = dictionary.items();
+    if (entries.size() * 2 != keys_and_values.size() || entries.size() != dictionary.capacity) {
+        return false;
+    }
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        if (entries[i].key != keys_and_values[2 * i].get()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Fills an empty dictionary that has the keys and the room of `model`.
+void fill_like(const Dictionary& model, Dictionary& dictionary, std::span<Owned> keys_and_values) {
+    for (std::size_t i = 0; i + 1 < keys_and_values.size(); i += 2) {
+        dictionary.entries[dictionary.count++] = {keys_and_values[i].release(),
+                                                  keys_and_values[i + 1].release()};
+    }
+    if (dictionary.index != nullptr) {
+        std::copy_n(model.index, std::size_t{model.index_mask} + 1, dictionary.index);
+    }
+}
+
 } // namespace
 
 Dictionary* allocate_dictionary(Kind kind, std::uint8_t flags, std::size_t room) {
@@ -170,11 +195,16 @@ const Entry* find(const Dictionary& dictionary, const void* key) {
     return place_of(dictionary, static_cast<const Object*>(key)).entry;
 }
 
-Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates) {
+Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates,
+                      const Dictionary* similar) {
     Dictionary* dictionary =
         allocate_dictionary(Kind::dictionary, Container::owns_keys | Container::owns_values,
                             keys_and_values.size() / 2);
     Owned result{dictionary};
+    if (similar != nullptr && has_just_these_keys(*similar, keys_and_values)) {
+        fill_like(*similar, *dictionary, keys_and_values);
+        return result;
+    }
     for (std::size_t i = 0; i + 1 < keys_and_values.size(); i += 2) {
         Owned& key = keys_and_values[i];
         Owned& value = keys_and_values[i + 1];

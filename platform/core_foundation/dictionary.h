@@ -35,7 +35,11 @@ enum class Duplicates { first_wins, last_wins };
 
 /// A dictionary of keys and values in turn (key, value, key, value, ...), whose references it takes
 /// over (they are null afterwards).
-Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates);
+///
+/// When the keys are those of `similar` one by one, the same objects and not just equal ones, then
+/// they are not looked at again: readers make row after row of dictionaries with the same keys.
+Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates,
+                      const Dictionary* similar = nullptr);
 /// A set of the given objects, whose references it takes over. Equal ones are held once, but
 /// containers are told apart by their addresses.
 Owned make_set(std::span<Owned> items);

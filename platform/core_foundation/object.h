@@ -3,6 +3,7 @@
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <sys/single_threaded.h>
 
 #include <atomic>
 #include <cstddef>
@@ -40,13 +41,6 @@ struct Object {
     std::uint8_t detail; ///< What the kind makes of it: a number's kind, a string's storage, flags.
 };
 
-/// Takes one more reference. Any thread.
-inline void retain(const Object* object) noexcept {
-    if ((object->references.load(std::memory_order_relaxed) & immortal) == 0) {
-        object->references.fetch_add(1, std::memory_order_relaxed);
-    }
-}
-
 /// Takes one more reference to an object that no other thread has seen yet: a reader that shares
 /// values inside the tree it is building needs no locked instruction.
 inline void retain_unshared(const Object* object) noexcept {
@@ -56,10 +50,25 @@ inline void retain_unshared(const Object* object) noexcept {
     }
 }
 
-/// Gives up one reference; true when it was the last and the object has to be destroyed.
+/// Takes one more reference. Any thread.
+inline void retain(const Object* object) noexcept {
+    if (__libc_single_threaded != 0) {
+        retain_unshared(object);
+    } else if ((object->references.load(std::memory_order_relaxed) & immortal) == 0) {
+        object->references.fetch_add(1, std::memory_order_relaxed);
+    }
+}
+
+/// Gives up one reference; true when it was the last and the object has to be destroyed. Locked
+/// instructions, which a process of one thread is spared, would be half the time it takes to
+/// release a large property list.
 inline bool drop(const Object* object) noexcept {
     const std::uint32_t count = object->references.load(std::memory_order_acquire);
     if ((count & immortal) != 0) {
+        return false;
+    }
+    if (__libc_single_threaded != 0 && count != 1) {
+        object->references.store(count - 1, std::memory_order_relaxed);
         return false;
     }
     return count == 1 || object->references.fetch_sub(1, std::memory_order_acq_rel) == 1;

@@ -23,9 +23,16 @@ namespace {
 /// which stops a small file from holding containers without bound.
 constexpr std::size_t overlap_allowed = 65536;
 
-/// Heights of objects that have none yet: never met, and a container that is still open.
+/// Heights: a leaf has 0, an empty container 1, any other one more than its highest child. Instead
+/// of one an object has these before it is met, and while it is an open container.
 constexpr std::uint16_t unmet = std::numeric_limits<std::uint16_t>::max();
 constexpr std::uint16_t under_way = unmet - 1;
+
+/// An object of the file.
+struct Slot {
+    Owned object; ///< Once it is made.
+    std::uint16_t height = unmet;
+};
 
 /// Equal parts of the file: characters, bytes or references.
 struct Extent {
@@ -33,46 +40,45 @@ struct Extent {
     std::size_t count;
 };
 
-/// A container under way. Its children that are finished are the values from `first` on.
+/// A container under way. Its children are the values from `first` on.
 struct OpenContainer {
-    std::size_t object;
+    std::size_t object; ///< Its number.
+    std::size_t place;  ///< Which of the values it will be.
     Marker marker;
+    unsigned in_pairs;    ///< 1 in a dictionary, else 0.
     std::size_t refs;     ///< Where its references begin.
     std::size_t children; ///< How many there are, keys counted.
     std::size_t first;
     std::size_t next = 0;   ///< The child to be read next.
-    std::size_t height = 0; ///< One more than the highest child's; 0 without children.
+    std::size_t height = 1; ///< So far.
 
-    /// The keys of a dictionary come first in the file; here they take turns with the values.
-    bool next_is_key() const { return marker == Marker::dictionary && next % 2 == 0; }
-    std::size_t next_place() const {
-        return marker == Marker::dictionary ? next / 2 + next % 2 * (children / 2) : next;
+    /// Which reference is that of a child: in the file the keys of a dictionary come before the
+    /// values, here they take turns.
+    std::size_t ref_of(std::size_t child) const {
+        return (child >> in_pairs) + (child & in_pairs) * (children >> 1);
     }
+    bool is_key(std::size_t child) const { return in_pairs > child % 2; }
 };
 
 bool is_container(Marker marker) {
     return marker == Marker::array || marker == Marker::set || marker == Marker::dictionary;
 }
 
-bool is_container(const Object& object) {
-    return object.kind == Kind::array || object.kind == Kind::set ||
-           object.kind == Kind::dictionary;
-}
-
 class BinaryReader {
 public:
     BinaryReader(std::span<const std::uint8_t> bytes, const BinaryTrailer& trailer)
         : bytes_{bytes}, trailer_{trailer}, budget_{bytes.size() + overlap_allowed},
-          objects_(trailer.count), heights_(trailer.count, unmet) {}
+          slots_(trailer.count) {}
 
     Owned read();
 
 private:
     bool read_children();
-    bool read_object(std::uint64_t object, bool as_key);
-    bool open_container(std::size_t object, std::size_t offset);
+    void share_known_leaves(OpenContainer& container);
+    bool read_object(std::uint64_t object, std::size_t place, bool as_key);
+    bool open_container(std::size_t object, std::size_t place, std::size_t offset);
     void close_container();
-    bool push(std::size_t object);
+    bool put_container(const Slot& container, std::size_t place);
 
     Owned read_leaf(std::size_t offset);
     Owned read_single(std::size_t offset) const;
@@ -90,19 +96,23 @@ private:
     std::uint64_t number(std::size_t at, std::size_t width) const {
         return read_big_endian(&bytes_[at], width);
     }
+    std::uint64_t ref(const OpenContainer& container, std::size_t child) const {
+        return number(container.refs + container.ref_of(child) * trailer_.ref_width,
+                      trailer_.ref_width);
+    }
     std::optional<Extent> extent(std::size_t offset, std::size_t width);
 
     std::span<const std::uint8_t> bytes_;
     BinaryTrailer trailer_;
-    std::size_t budget_;                 ///< Bytes of the file that objects may still take.
-    std::vector<Owned> objects_;         ///< Those made so far, by number.
-    std::vector<std::uint16_t> heights_; ///< Levels below each of them.
+    std::size_t budget_;      ///< Bytes of the file that objects may still take.
+    std::vector<Slot> slots_; ///< The objects by number.
+    const Dictionary* last_dictionary_ = nullptr; ///< The one made last.
     std::vector<OpenContainer> open_;
-    std::vector<Owned> values_; ///< Children that wait for their container to end.
+    std::vector<Owned> values_ = std::vector<Owned>(1); ///< The root, then children of the open.
 };
 
 Owned BinaryReader::read() {
-    if (!read_object(trailer_.root, false)) {
+    if (!read_object(trailer_.root, 0, false)) {
         return nullptr;
     }
     while (!open_.empty()) {
@@ -110,36 +120,46 @@ Owned BinaryReader::read() {
             return nullptr;
         }
     }
-    return std::move(values_.back());
+    return std::move(values_[0]);
 }
 
 /// Goes on with the innermost open container, up to its end or to a container in it.
 bool BinaryReader::read_children() {
     const std::size_t depth = open_.size();
-    while (open_.size() == depth) {
+    do {
         OpenContainer& top = open_.back();
+        share_known_leaves(top);
         if (top.next == top.children) {
             close_container();
             return true;
         }
-        const std::uint64_t ref =
-            number(top.refs + top.next_place() * trailer_.ref_width, trailer_.ref_width);
-        const bool as_key = top.next_is_key();
-        ++top.next;
-        if (!read_object(ref, as_key)) {
+        const std::size_t child = top.next++;
+        if (!read_object(ref(top, child), top.first + child, top.is_key(child))) {
             return false;
         }
-    }
+    } while (open_.size() == depth);
     return true;
 }
 
-/// Puts an object on the values, or opens it when it is a container not met before.
-bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
-    if (object >= trailer_.count || heights_[object] == under_way) {
+/// The common case, short: children that are leaves and were met before.
+void BinaryReader::share_known_leaves(OpenContainer& container) {
+    for (; container.next < container.children; ++container.next) {
+        const std::uint64_t object = ref(container, container.next);
+        if (object >= slots_.size() || slots_[object].height != 0) {
+            return;
+        }
+        values_[container.first + container.next] = share_unshared(slots_[object].object.get());
+    }
+}
+
+/// Puts an object in its place among the values, or opens it when it is a container not met before.
+bool BinaryReader::read_object(std::uint64_t object, std::size_t place, bool as_key) {
+    if (object >= trailer_.count || slots_[object].height == under_way) {
         return false;
     }
-    if (heights_[object] != unmet) {
-        return !(as_key && is_container(*objects_[object])) && push(object);
+    Slot& slot = slots_[object];
+    if (slot.height != unmet) {
+        return !as_key && put_container(slot, place);
     }
     const std::uint64_t offset =
         number(trailer_.table + object * trailer_.offset_width, trailer_.offset_width);
@@ -147,59 +167,66 @@ bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
         return false;
     }
     if (is_container(marker(offset))) {
-        return !as_key && open_container(object, offset);
+        return !as_key && open_container(object, place, offset);
     }
-    objects_[object] = read_leaf(offset);
-    heights_[object] = 0;
-    return objects_[object] && push(object);
-}
-
-bool BinaryReader::open_container(std::size_t object, std::size_t offset) {
-    const bool in_pairs = marker(offset) == Marker::dictionary;
-    const auto refs = extent(offset, trailer_.ref_width * (in_pairs ? 2 : 1));
-    if (!refs || open_.size() > most_levels_in_binary) {
+    slot.object = read_leaf(offset);
+    if (!slot.object) {
         return false;
     }
-    heights_[object] = under_way;
+    slot.height = 0;
+    values_[place] = share_unshared(slot.object.get());
+    return true;
+}
+
+bool BinaryReader::open_container(std::size_t object, std::size_t place, std::size_t offset) {
+    const unsigned in_pairs = marker(offset) == Marker::dictionary ? 1 : 0;
+    const auto refs = extent(offset, trailer_.ref_width << in_pairs);
+    if (!refs || open_.size() + (refs->count > 0 ? 1 : 0) > most_levels_in_binary) {
+        return false;
+    }
+    slots_[object].height = under_way;
     open_.push_back({.object = object,
+                     .place = place,
                      .marker = marker(offset),
+                     .in_pairs = in_pairs,
                      .refs = refs->at,
-                     .children = refs->count * (in_pairs ? 2 : 1),
+                     .children = refs->count << in_pairs,
                      .first = values_.size()});
+    values_.resize(values_.size() + open_.back().children);
     return true;
 }
 
 /// Makes the innermost open container, all of whose children are there.
 void BinaryReader::close_container() {
     const OpenContainer container = open_.back();
+    open_.pop_back();
     const std::span<Owned> children = std::span{values_}.subspan(container.first);
-    Owned& made = objects_[container.object];
+    Slot& slot = slots_[container.object];
     switch (container.marker) {
     case Marker::array:
-        made = make_array(children);
+        slot.object = make_array(children);
         break;
     case Marker::set:
-        made = make_set(children);
+        slot.object = make_set(children);
         break;
     default:
-        made = make_dictionary(children, Duplicates::first_wins);
+        slot.object = make_dictionary(children, Duplicates::first_wins, last_dictionary_);
+        last_dictionary_ = &as<Dictionary>(slot.object.get());
     }
-    heights_[container.object] = static_cast<std::uint16_t>(container.height);
+    slot.height = static_cast<std::uint16_t>(container.height);
     values_.resize(container.first);
-    open_.pop_back();
-    push(container.object);
+    put_container(slot, container.place);
 }
 
-/// Hands a finished object to the open container. False when the two would be too deep.
-bool BinaryReader::push(std::size_t object) {
-    const std::size_t height = heights_[object];
-    if (open_.size() + height > most_levels_in_binary) {
+/// Puts a finished container in its place. False when the open ones and it are too deep together.
+bool BinaryReader::put_container(const Slot& container, std::size_t place) {
+    if (open_.size() + container.height > most_levels_in_binary + 1) {
         return false;
     }
     if (!open_.empty()) {
-        open_.back().height = std::max(open_.back().height, height + 1);
+        open_.back().height = std::max<std::size_t>(open_.back().height, container.height + 1u);
     }
-    values_.push_back(share_unshared(objects_[object].get()));
+    values_[place] = share_unshared(container.object.get());
     return true;
 }
 

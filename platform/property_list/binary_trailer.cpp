@@ -42,14 +42,6 @@ bool offsets_precede_table(std::span<const std::uint8_t> bytes, const BinaryTrai
 
 } // namespace
 
-std::uint64_t read_big_endian(const std::uint8_t* bytes, std::size_t width) {
-    std::uint64_t value = 0;
-    for (std::size_t i = 0; i < width; ++i) {
-        value = value << 8 | bytes[i];
-    }
-    return value;
-}
-
 std::optional<BinaryTrailer> read_binary_trailer(std::span<const std::uint8_t> bytes) {
     if (!has_magic(bytes)) {
         return std::nullopt;

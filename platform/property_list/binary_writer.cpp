@@ -15,12 +15,18 @@
 namespace lumo::platform {
 namespace {
 
-/// The fewest of 1, 2, 4 or 8 bytes that hold `value`.
+/// The width of an integer object that holds `value`: 1, 2, 4 or 8 bytes.
 std::size_t width_of(std::uint64_t value) {
     if (value <= 0xFF) {
         return 1;
     }
     return value <= 0xFFFF ? 2 : value <= 0xFFFFFFFF ? 4 : 8;
+}
+
+/// The width of references and offsets up to `limit`. CoreFoundation writes no 3 bytes but reads
+/// them, and most states fit.
+std::size_t index_width(std::uint64_t limit) {
+    return limit > 0xFFFF && limit <= 0xFFFFFF ? 3 : width_of(limit);
 }
 
 /// Of a marker with a count: the count follows as an integer when it does not fit the marker.
@@ -200,12 +206,12 @@ void put_trailer(Output& out, std::size_t offset_width, std::size_t ref_width, s
 
 Owned write_graph(ObjectGraph& graph) {
     const std::size_t count = graph.nodes.size();
-    const std::size_t ref_width = width_of(count);
+    const std::size_t ref_width = index_width(count);
     std::size_t table = binary_header_size;
     for (const ObjectGraph::Node& node : graph.nodes) {
         table += size_of(node, ref_width);
     }
-    const std::size_t offset_width = width_of(table);
+    const std::size_t offset_width = index_width(table);
 
     std::uint8_t* bytes = nullptr;
     Owned data = make_data(table + count * offset_width + binary_trailer_size, &bytes);

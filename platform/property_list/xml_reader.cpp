@@ -17,6 +17,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -42,6 +43,7 @@ private:
     bool takes(Element element) const;
     bool open(Element element);
     bool close();
+    Owned close_dictionary(std::span<Owned> keys_and_values);
     Owned read_value(Tag tag);
     Owned read_text(Tag tag);
     Owned read_integer();
@@ -55,6 +57,7 @@ private:
     std::vector<Open> open_;
     std::vector<Owned> values_;
     std::size_t depth_ = 0;
+    Owned last_dictionary_; ///< The one made last, null before the first.
     RecentStrings strings_;
     std::vector<std::uint8_t> data_;
 };
@@ -125,22 +128,22 @@ bool XmlReader::open(Element element) {
 }
 
 /// A dictionary of nothing but a number under "CF$UID" is how a keyed archive writes a UID.
-Owned uid_or_dictionary(Owned dictionary) {
-    const std::span<const Entry> entries = as<Dictionary>(dictionary.get()).items();
+std::optional<std::uint32_t> uid_in(const Dictionary& dictionary) {
+    const std::span<const Entry> entries = dictionary.items();
     if (entries.size() != 1 || entries[0].value->kind != Kind::number) {
-        return dictionary;
+        return std::nullopt;
     }
     const auto& key = as<String>(entries[0].key);
     if (!key.is_ascii() || key.ascii() != "CF$UID") {
-        return dictionary;
+        return std::nullopt;
     }
     const auto& number = as<Number>(entries[0].value);
     if (!number.is_real()) {
-        return make_uid(static_cast<std::uint32_t>(number.integer));
+        return static_cast<std::uint32_t>(number.integer);
     }
     constexpr double limit = 9223372036854775808.0; // 2^63
     const bool fits = number.real >= -limit && number.real < limit;
-    return make_uid(fits ? static_cast<std::uint32_t>(static_cast<std::int64_t>(number.real)) : 0);
+    return fits ? static_cast<std::uint32_t>(static_cast<std::int64_t>(number.real)) : 0;
 }
 
 bool XmlReader::close() {
@@ -161,13 +164,19 @@ bool XmlReader::close() {
     if (top.element == Element::dict && own.size() % 2 == 1) {
         return false;
     }
-    Owned value = top.element == Element::array
-                      ? make_array(own)
-                      : uid_or_dictionary(make_dictionary(own, Duplicates::last_wins));
+    Owned value = top.element == Element::array ? make_array(own) : close_dictionary(own);
     values_.resize(top.first);
     open_.pop_back();
     --depth_;
     return push(std::move(value));
+}
+
+Owned XmlReader::close_dictionary(std::span<Owned> keys_and_values) {
+    const auto* similar = last_dictionary_ ? &as<Dictionary>(last_dictionary_.get()) : nullptr;
+    last_dictionary_ = make_dictionary(keys_and_values, Duplicates::last_wins, similar);
+    const auto& dictionary = as<Dictionary>(last_dictionary_.get());
+    const auto uid = uid_in(dictionary);
+    return uid ? make_uid(*uid) : share_unshared(&dictionary);
 }
 
 bool XmlReader::push(Owned value) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -150,6 +151,41 @@ TEST(Dictionaries, LetTheFirstOrTheLastOfEqualKeysWin) {
     EXPECT_EQ(value_of(last_wins, "a"), 3);
 }
 
+/// The keys of `row` with other values, `offset` more than in `row`.
+std::vector<Owned> same_keys(const Dictionary& row, std::int64_t offset) {
+    std::vector<Owned> entries;
+    for (const Entry& entry : row.items()) {
+        entries.push_back(share(entry.key));
+        entries.push_back(make_integer(as<Number>(entry.value).integer + offset));
+    }
+    return entries;
+}
+
+TEST(Dictionaries, WithTheKeysOfASimilarOneFindTheirOwnValues) {
+    for (const int count : {1, 8, 9, 1000}) {
+        const Owned model = many_entries(count);
+        auto entries = same_keys(dictionary(model), 5000);
+        const Owned object = make_dictionary(entries, Duplicates::last_wins, &dictionary(model));
+        for (int i = 0; i < count; ++i) {
+            EXPECT_EQ(value_of(object, ("key " + std::to_string(i)).c_str()), i + 5000);
+        }
+        EXPECT_EQ(value_of(object, "absent"), -1000);
+    }
+}
+
+TEST(Dictionaries, WithOtherKeysThanASimilarOneAreMadeAsEver) {
+    auto row = keys_and_values({{"a", 1}, {"b", 2}});
+    const Owned model = make_dictionary(row, Duplicates::first_wins);
+    auto twice = same_keys(dictionary(model), 0);
+    twice[2] = share(twice[0].get());
+    const Owned object = make_dictionary(twice, Duplicates::last_wins, &dictionary(model));
+    EXPECT_EQ(dictionary(object).count, 1U);
+    EXPECT_EQ(value_of(object, "a"), 2);
+    auto again = same_keys(dictionary(model), 0);
+    EXPECT_EQ(dictionary(make_dictionary(again, Duplicates::last_wins, &dictionary(object))).count,
+              2U);
+}
+
 TEST(Dictionaries, AreEqualInAnyOrder) {
     auto one = keys_and_values({{"a", 1}, {"b", 2}});
     auto two = keys_and_values({{"b", 2}, {"a", 1}});
@@ -188,6 +224,22 @@ TEST(References, HandedToAContainerAreItsOwn) {
         EXPECT_EQ(second->references.load(), 2U);
     }
     EXPECT_EQ(second->references.load(), 1U);
+}
+
+TEST(References, AreCountedByManyThreadsAtOnce) {
+    const Owned object = make_string("shared");
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([&object] {
+            for (int j = 0; j < 10000; ++j) {
+                share(object.get()).reset();
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(object->references.load(), 1U);
 }
 
 Owned nested_arrays(int depth) {

@@ -84,8 +84,8 @@ TEST(PropertyListDifferences, AnyDepthIsWritten) {
         list = array_of({list.get()});
     }
     const std::string bytes = written(list.get());
-    EXPECT_EQ(bytes.substr(8, 5), "\xA1" + big_endian(1, 4));
-    EXPECT_EQ(bytes.size(), 8 + 99999 * 5 + 1 + 100000 * 4 + 32);
+    EXPECT_EQ(bytes.substr(8, 4), "\xA1" + big_endian(1, 3));
+    EXPECT_EQ(bytes.size(), 8 + 99999 * 4 + 1 + 100000 * 3 + 32);
 }
 
 TEST(PropertyListDifferences, SharingIsNotWrittenOut) {

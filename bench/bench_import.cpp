@@ -36,6 +36,7 @@ fs::path make_instrument(const fs::path& folder, int samples, std::size_t size) 
 /// To be called in a process of its own, which becomes the tool; what it prints goes to `report`.
 bool run_tool(const std::vector<std::string>& arguments, const fs::path& report) {
     std::vector<char*> words;
+    words.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         words.push_back(const_cast<char*>(argument.c_str()));
     }

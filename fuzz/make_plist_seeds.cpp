@@ -83,10 +83,8 @@ Seeds binary_seeds() {
                     "\xD1\x09\x0A", "\x51k", "\x62\x00\xE9\xD8\x00"s, "\x83" + big_endian(7, 4),
                     "\xC2\x09\x0A", "\x14" + big_endian(0, 8) + big_endian(~0ull, 8)}};
     const BinaryList state_list{.objects = {"\xD2\x01\x02\x03\x04", "\x55Zones", "\x54name",
-                                            "\xA2\x05\x05",
-                                            "\x53"
-                                            "abc",
-                                            "\xD1\x06\x07", "\x57max key", "\x10\x3C"}};
+                                            "\xA2\x05\x05", "\x53" + "abc"s, "\xD1\x06\x07",
+                                            "\x57max key", "\x10\x3C"}};
     return {{"all.bplist", all.bytes()},
             {"state.bplist", state_list.bytes()},
             {"nested.bplist", lumo::test::nested_arrays(20).bytes()},

@@ -136,8 +136,8 @@ TEST_F(CorpusPresets, GiveStatesThatPythonReadsEqual) {
     for (const json& report : show->reports) {
         if (report["ok"] == true) {
             const ProcessResult check = run_process(
-                {"python3", LUMO_SOURCE "/tests/corpus/check_state.py", report["stateFile"],
-                 report["source"], (show->folder / "Show.lumo").string()});
+                {"python3", std::string(LUMO_SOURCE) + "/tests/corpus/check_state.py",
+                 report["stateFile"], report["source"], (show->folder / "Show.lumo").string()});
             EXPECT_EQ(check.status, 0) << check.out << check.err;
         }
     }

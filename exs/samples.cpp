@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <set>
 #include <string_view>
@@ -67,24 +68,34 @@ bool copy_sample(const fs::path& source, const fs::path& target) {
                                std::error_code(errno, std::generic_category()));
 }
 
+/// What an import has seen under one name and its numbers. All of it stays, so that a name that
+/// many samples have is gone through once and not by each of them.
+struct TakenNames {
+    std::map<std::uintmax_t, fs::path> of_size; ///< the first name of each size
+    unsigned last = 0;                          ///< the number of the last name that was looked at
+};
+using NamesSeen = std::map<fs::path, TakenNames>;
+
 /// Places one sample; returns its path relative to the package.
-fs::path place(const fs::path& source, const fs::path& package, std::uint64_t& copied_bytes) {
+fs::path place(const fs::path& source, const fs::path& package, NamesSeen& seen,
+               std::uint64_t& copied_bytes) {
     const std::uintmax_t size = fs::file_size(source);
     const fs::path folder = "samples" / folder_name(source);
-    fs::path candidate = folder / source.filename();
-    for (unsigned number = 2;; ++number) {
+    TakenNames& taken = seen[folder / source.filename()];
+    while (!taken.of_size.contains(size)) {
+        const unsigned number = ++taken.last;
+        const fs::path candidate =
+            folder / (number == 1 ? source.filename() : numbered_name(source, number));
         const fs::path target = package / candidate;
         require_utf8(target, source);
         if (!is_there(target) && copy_sample(source, target)) {
             copied_bytes += size;
-            return candidate;
+            taken.of_size.emplace(size, candidate);
+        } else if (is_there(target)) { // else a link that leads nowhere has the name
+            taken.of_size.emplace(fs::file_size(target), candidate);
         }
-        // Still nothing there, though the name is taken: a link that leads nowhere.
-        if (is_there(target) && fs::file_size(target) == size) {
-            return candidate;
-        }
-        candidate = folder / numbered_name(source, number);
     }
+    return taken.of_size[size];
 }
 
 } // namespace
@@ -112,8 +123,9 @@ bool find_samples(References& samples, const SampleIndex* index, Report& report)
 
 References place_samples(const References& samples, const std::string& package, Report& report) {
     References placed;
+    NamesSeen seen;
     for (const auto& [key, path] : samples) {
-        placed.emplace(key, place(path, package, report.copied_bytes).string());
+        placed.emplace(key, place(path, package, seen, report.copied_bytes).string());
     }
     return placed;
 }

@@ -98,6 +98,18 @@ TEST_F(ImportSamples, OfTheSameNameFolderAndSizeShareACopy) {
     EXPECT_EQ(report.copied_bytes, 4U);
 }
 
+TEST_F(ImportSamples, ShareTheCopyOfTheirSizeAmongNumberedOnes) {
+    write_file(in_show("samples/Kit/kick.wav"), "as it was");
+    set_samples({sample("a/Kit/kick.wav", "1"), sample("b/Kit/kick.wav", "22"),
+                 sample("c/Kit/kick.wav", "3"), sample("d/Kit/kick.wav", "it is so."),
+                 sample("e/Kit/kick.wav", "55")});
+    const Report report = import_preset();
+    EXPECT_EQ(placed(),
+              (Texts{"samples/Kit/kick-2.wav", "samples/Kit/kick-3.wav", "samples/Kit/kick-2.wav",
+                     "samples/Kit/kick.wav", "samples/Kit/kick-3.wav"}));
+    EXPECT_EQ(report.copied_bytes, 3U);
+}
+
 TEST_F(ImportSamples, NeverReplaceWhatIsInTheShow) {
     write_file(in_show("samples/Kit/kick.wav"), "as it was");
     set_samples({sample("Kit/kick.wav", "kick")});

@@ -117,6 +117,7 @@ std::string set_text(CFSetRef set) {
     std::vector<const void*> values(static_cast<std::size_t>(CFSetGetCount(set)));
     CFSetGetValues(set, values.data());
     std::vector<std::string> parts;
+    parts.reserve(values.size());
     for (const void* value : values) {
         parts.push_back(described(value));
     }

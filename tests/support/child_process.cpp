@@ -33,6 +33,7 @@ void close_end(int& end) {
 
 ChildProcess::ChildProcess(const std::vector<std::string>& arguments, int out) {
     std::vector<char*> argv;
+    argv.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         argv.push_back(const_cast<char*>(argument.c_str()));
     }

@@ -19,8 +19,10 @@ class SeveralProcesses : public ToolTest {};
 TEST_F(SeveralProcesses, PlaceEachSampleOnceAndGiveEachStateItsOwnName) {
     constexpr std::size_t processes = 8;
     constexpr std::size_t imports = 10;
+    constexpr int sounds = 20;
     std::vector<std::string> samples;
-    for (int i = 0; i < 20; ++i) {
+    samples.reserve(sounds);
+    for (int i = 0; i < sounds; ++i) {
         samples.push_back(make_sound("Kit/" + std::to_string(i) + ".wav", 1000 + i));
     }
     const std::vector<std::string> instruments(imports, make_preset("Kit.aupreset", samples));

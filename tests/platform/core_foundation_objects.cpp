@@ -228,8 +228,10 @@ TEST(References, HandedToAContainerAreItsOwn) {
 
 TEST(References, AreCountedByManyThreadsAtOnce) {
     const Owned object = make_string("shared");
+    constexpr int count = 4;
     std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i) {
+    threads.reserve(count);
+    for (int i = 0; i < count; ++i) {
         threads.emplace_back([&object] {
             for (int j = 0; j < 10000; ++j) {
                 share(object.get()).reset();

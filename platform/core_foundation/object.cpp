@@ -5,7 +5,6 @@
 #include "core_foundation/objects.h"
 #include "core_foundation/url.h"
 
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -41,11 +40,6 @@ void empty(Container& container, Container*& pending) noexcept {
     } else {
         empty_dictionary(static_cast<Dictionary&>(container), drop_child);
     }
-}
-
-bool equal_data(const Data& a, const Data& b) noexcept {
-    return a.length == b.length &&
-           (a.length == 0 || std::memcmp(a.bytes().data(), b.bytes().data(), a.length) == 0);
 }
 
 bool equal_leaves(const Object& a, const Object& b) {
@@ -151,10 +145,8 @@ std::uint32_t hash(const Object* object) noexcept {
         return hash_string(static_cast<const String&>(*object));
     case Kind::number:
         return hash_number(static_cast<const Number&>(*object));
-    case Kind::data: {
-        const auto bytes = static_cast<const Data&>(*object).bytes();
-        return hash_bytes(bytes.data(), bytes.size());
-    }
+    case Kind::data:
+        return hash_data(static_cast<const Data&>(*object));
     case Kind::date: {
         const double time = static_cast<const Date&>(*object).time + 0.0; // -0.0 becomes 0.0
         return hash_bytes(&time, sizeof time);

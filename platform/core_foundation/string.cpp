@@ -81,17 +81,13 @@ Owned make_string_utf16be(const std::uint8_t* bytes, std::size_t units) {
 }
 
 bool equal_strings(const String& a, const String& b) noexcept {
-    return a.detail == b.detail && a.bytes() == b.bytes();
+    return a.detail == b.detail && !hashes_differ(a.hash_cache, b.hash_cache) &&
+           a.bytes() == b.bytes();
 }
 
 std::uint32_t hash_string(const String& string) noexcept {
-    std::uint32_t value = string.hash_cache.load(std::memory_order_relaxed);
-    if (value == 0) {
-        const std::string_view bytes = string.bytes();
-        value = std::max(hash_bytes(bytes.data(), bytes.size()), std::uint32_t{1});
-        string.hash_cache.store(value, std::memory_order_relaxed);
-    }
-    return value;
+    const std::string_view bytes = string.bytes();
+    return cached_hash(string.hash_cache, bytes.data(), bytes.size());
 }
 
 } // namespace lumo::platform

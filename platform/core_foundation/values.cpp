@@ -1,6 +1,8 @@
 // Null, booleans, data, dates and UIDs.
 #include "core_foundation/values.h"
 
+#include "core_foundation/hashing.h"
+
 #include <cstring>
 #include <new>
 
@@ -38,6 +40,15 @@ Owned make_data(std::span<const std::uint8_t> bytes) {
         std::memcpy(copy, bytes.data(), bytes.size());
     }
     return data;
+}
+
+bool equal_data(const Data& a, const Data& b) noexcept {
+    return a.length == b.length && !hashes_differ(a.hash_cache, b.hash_cache) &&
+           (a.length == 0 || std::memcmp(a.bytes().data(), b.bytes().data(), a.length) == 0);
+}
+
+std::uint32_t hash_data(const Data& data) noexcept {
+    return cached_hash(data.hash_cache, data.bytes().data(), data.length);
 }
 
 Owned make_date(double seconds) {

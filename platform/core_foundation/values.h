@@ -9,12 +9,13 @@ namespace lumo::platform {
 
 /// Bytes; they follow the header in the same allocation.
 struct Data : Object {
-    explicit Data(std::size_t size) : Object{Kind::data}, length{size} {}
+    explicit Data(std::size_t size) : Object{Kind::data}, hash_cache{0}, length{size} {}
 
     std::span<const std::uint8_t> bytes() const noexcept {
         return {reinterpret_cast<const std::uint8_t*>(this + 1), length};
     }
 
+    mutable std::atomic<std::uint32_t> hash_cache; ///< 0 until the hash is first asked for.
     std::size_t length;
 };
 
@@ -40,6 +41,8 @@ bool boolean_value(const Object& boolean) noexcept;
 Owned make_data(std::span<const std::uint8_t> bytes);
 /// Data of `size` bytes that the caller fills in through `*bytes` before anybody else sees it.
 Owned make_data(std::size_t size, std::uint8_t** bytes);
+bool equal_data(const Data& a, const Data& b) noexcept;
+std::uint32_t hash_data(const Data& data) noexcept;
 Owned make_date(double seconds);
 Owned make_uid(std::uint32_t value);
 

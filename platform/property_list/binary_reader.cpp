@@ -7,6 +7,7 @@
 
 #include "core_foundation/objects.h"
 #include "property_list/binary_format.h"
+#include "property_list/hash_index.h"
 #include "property_list/limits.h"
 
 #include <algorithm>
@@ -14,6 +15,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <vector>
 
 namespace lumo::platform {
@@ -76,6 +78,7 @@ private:
     bool read_children();
     void share_known_leaves(OpenContainer& container);
     bool read_object(std::uint64_t object, std::size_t place, bool as_key);
+    void share_equal(std::uint64_t object);
     bool open_container(std::size_t object, std::size_t place, std::size_t offset);
     void close_container();
     bool put_container(const Slot& container, std::size_t place);
@@ -106,6 +109,7 @@ private:
     BinaryTrailer trailer_;
     std::size_t budget_;      ///< Bytes of the file that objects may still take.
     std::vector<Slot> slots_; ///< The objects by number.
+    HashIndex by_value_;      ///< Strings and data.
     const Dictionary* last_dictionary_ = nullptr; ///< The one made last.
     std::vector<OpenContainer> open_;
     std::vector<Owned> values_ = std::vector<Owned>(1); ///< The root, then children of the open.
@@ -174,8 +178,28 @@ bool BinaryReader::read_object(std::uint64_t object, std::size_t place, bool as_
         return false;
     }
     slot.height = 0;
+    share_equal(object);
     values_[place] = share_unshared(slot.object.get());
     return true;
+}
+
+/// Makes equal strings and data one object, and has their hashes remembered. So keys are compared
+/// by their addresses and hashes, and a file with many dictionaries of the same long keys costs no
+/// more than its size.
+void BinaryReader::share_equal(std::uint64_t object) {
+    Owned& leaf = slots_[object].object;
+    if (leaf->kind != Kind::string && leaf->kind != Kind::data) {
+        return;
+    }
+    if (object >= HashIndex::none) {
+        throw std::length_error{"too many objects in a property list"};
+    }
+    const std::uint32_t first = by_value_.find_or_add(
+        hash(leaf.get()), static_cast<std::uint32_t>(object),
+        [&](std::uint32_t other) { return equal(slots_[other].object.get(), leaf.get()); });
+    if (first != object) {
+        leaf = share_unshared(slots_[first].object.get());
+    }
 }
 
 bool BinaryReader::open_container(std::size_t object, std::size_t place, std::size_t offset) {

@@ -8,7 +8,6 @@
 
 #include <bit>
 #include <stdexcept>
-#include <unordered_map>
 
 namespace lumo::platform {
 namespace {
@@ -94,8 +93,6 @@ private:
 
     ObjectGraph graph_;
     HashIndex index_;
-    /// Data that were seen, so that shared bytes are hashed once and not at each place.
-    std::unordered_map<const Object*, std::uint32_t> data_;
 };
 
 bool Collector::add_children(std::size_t node) {
@@ -158,11 +155,6 @@ std::optional<std::uint32_t> Collector::number_of(const Object* object) {
     case Kind::url:
     case Kind::error:
         return std::nullopt;
-    case Kind::data: {
-        const auto known = data_.find(object);
-        return known != data_.end() ? known->second
-                                    : data_.emplace(object, find_or_add(object)).first->second;
-    }
     default:
         return find_or_add(object);
     }

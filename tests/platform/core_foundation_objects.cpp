@@ -60,6 +60,31 @@ TEST(Strings, AreEqualHoweverTheyWereMade) {
     EXPECT_EQ(hash(plain.get()), hash(make_string_utf16(u"abc").get()));
 }
 
+TEST(Strings, AndDataAreComparedAlikeWhetherOrNotTheirHashesAreKnown) {
+    const std::uint8_t bytes[] = {'a', 'b', 'c'};
+    const Owned string = make_string("abc");
+    const Owned data = make_data(bytes);
+    for (int i = 0; i < 2; ++i) { // the second time all hashes are known
+        const Owned other = make_string("abd");
+        const Owned part = make_data({bytes, 2});
+        if (i == 1) {
+            for (const Owned* object : {&string, &data, &other, &part}) {
+                hash(object->get());
+            }
+        }
+        const Owned same = make_string("abc");
+        const Owned same_bytes = make_data(bytes);
+        EXPECT_TRUE(equal(string.get(), same.get()));
+        EXPECT_TRUE(equal(data.get(), same_bytes.get()));
+        EXPECT_EQ(hash(string.get()), hash(same.get()));
+        EXPECT_EQ(hash(data.get()), hash(same_bytes.get()));
+        EXPECT_TRUE(equal(string.get(), same.get()));
+        EXPECT_TRUE(equal(data.get(), same_bytes.get()));
+        EXPECT_FALSE(equal(string.get(), other.get()));
+        EXPECT_FALSE(equal(data.get(), part.get()));
+    }
+}
+
 TEST(Strings, OfInvalidUtf8AreNotMade) {
     for (const char* text : {"\x80", "\xC0\x80", "\xC3", "\xE0\x9F\xBF", "\xED\xA0\x80",
                              "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "a\xFF"}) {

@@ -24,6 +24,14 @@ unsigned count_of(const std::string& bytes) {
            256u * static_cast<unsigned char>(bytes.at(bytes.size() - 18));
 }
 
+/// The first key of the dictionary that is an array's item `index`.
+CFTypeRef key_in(CFPropertyListRef array, CFIndex index) {
+    const void* key = nullptr;
+    const void* dictionary = CFArrayGetValueAtIndex(static_cast<CFArrayRef>(array), index);
+    CFDictionaryGetKeysAndValues(static_cast<CFDictionaryRef>(dictionary), &key, nullptr);
+    return key;
+}
+
 /// An array of so many arrays of 40,000 references each, which all end in the same bytes.
 BinaryList overlapping_arrays(std::size_t count) {
     const std::string head = "\xAF\x11\x9C\x40"; // as references: 44817 and 40000, which are leaves
@@ -122,6 +130,17 @@ TEST(PropertyListDifferences, SharedPartsCountForTheDepthToo) {
         list.objects[i] = "\xA1" + big_endian(i + 1, 4);
     }
     EXPECT_EQ(read_and_describe(list.bytes()), refused);
+}
+
+TEST(PropertyListDifferences, EqualKeysOfABinaryFileAreOneObject) {
+    const BinaryList file{.objects = {"\xA4\x01\x02\x03\x04", "\xD1\x05\x09", "\xD1\x06\x09",
+                                      "\xD1\x07\x09", "\xD1\x08\x09", "\x52kk",
+                                      std::string{"\x62\0k\0k", 5}, "\x42kk", "\x42kk", "\x09"}};
+    const auto list = read_list(file.bytes());
+    ASSERT_EQ(described(list.get()),
+              R"([{"kk": true}, {"kk": true}, {<6b6b>: true}, {<6b6b>: true}])");
+    EXPECT_EQ(key_in(list.get(), 0), key_in(list.get(), 1));
+    EXPECT_EQ(key_in(list.get(), 2), key_in(list.get(), 3));
 }
 
 TEST(PropertyListDifferences, OverlappingContainersDoNotMultiply) {

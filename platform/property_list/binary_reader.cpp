@@ -22,7 +22,8 @@ namespace lumo::platform {
 namespace {
 
 /// Objects may overlap in the file. What they take together may exceed its size by so much only,
-/// which stops a small file from holding containers without bound.
+/// and their number its bytes, which stops a small file from holding containers without bound and a
+/// table of offsets from taking many times its size.
 constexpr std::size_t overlap_allowed = 65536;
 
 /// Heights: a leaf has 0, an empty container 1, any other one more than its highest child. Instead
@@ -379,6 +380,9 @@ std::optional<Extent> BinaryReader::extent(std::size_t offset, std::size_t width
 } // namespace
 
 Owned read_binary(std::span<const std::uint8_t> bytes, const BinaryTrailer& trailer) {
+    if (trailer.count > trailer.table + overlap_allowed) {
+        return nullptr;
+    }
     return BinaryReader{bytes, trailer}.read();
 }
 

@@ -279,10 +279,32 @@ Owned nested_arrays(int depth) {
     return object;
 }
 
+/// Arrays, dictionaries and sets inside each other.
+Owned nested_in_turns(int depth) {
+    Owned object = make_integer(1 << 20);
+    for (int i = 0; i < depth; ++i) {
+        std::vector<Owned> items;
+        if (i % 3 == 0) {
+            items.push_back(make_string("key"));
+        }
+        items.push_back(std::move(object));
+        object = i % 3 == 0   ? make_dictionary(items, Duplicates::first_wins)
+                 : i % 3 == 1 ? make_set(items)
+                              : make_array(items);
+    }
+    return object;
+}
+
 TEST(References, OfDeepStructuresAreGivenUpWithoutRecursion) {
+    const Owned leaf = make_string("leaf");
     Owned object = nested_arrays(1000000);
+    object = nested_in_turns(1000000);
+    std::vector<Owned> items;
+    items.push_back(share(leaf.get()));
+    items.push_back(std::move(object));
+    object = make_array(items);
     object.reset();
-    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(leaf->references.load(), 1U);
 }
 
 TEST(Equality, OfDeepStructuresNeedsNoRecursion) {

@@ -148,4 +148,15 @@ TEST(PropertyListDifferences, OverlappingContainersDoNotMultiply) {
     EXPECT_EQ(read_and_describe(overlapping_arrays(2000).bytes()), refused);
 }
 
+TEST(PropertyListDifferences, ThereAreNotManyMoreObjectsThanBytes) {
+    const auto all_in_one_place = [](std::size_t count) {
+        BinaryList list{.objects = {}, .offset_width = 1, .ref_width = 3};
+        list.objects.resize(count - 1); // these begin where the last one does
+        list.objects.push_back("\x09");
+        return read_and_describe(list.bytes());
+    };
+    EXPECT_EQ(all_in_one_place(65000), "true");
+    EXPECT_EQ(all_in_one_place(66000), refused);
+}
+
 } // namespace lumo::test

@@ -1,0 +1,113 @@
+#!/usr/bin/env python3
+"""Presets of 100 MB and presets nested as deep as can be: each ends in its line, within limited
+memory, and those that are sound are imported."""
+
+import json
+import plistlib
+import random
+import resource
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+import scene
+
+SIZE, MEMORY = 100_000_000, 400 << 20
+NO_LIST = "the preset isn't a property list"
+
+
+def limit():
+    """Run in the child: its memory."""
+    resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+
+
+def number(value, width):
+    return value.to_bytes(width, "big")
+
+
+def nested_in_binary(depth):
+    """A binary property list of so many arrays inside each other."""
+    objects = b"".join(b"\xa1" + number(i, 4) for i in range(1, depth)) + b"\xa0"
+    offsets = b"".join(number(8 + 5 * i, 4) for i in range(depth))
+    return (b"bplist00" + objects + offsets + bytes(6) + b"\4\4" + number(depth, 8) + number(0, 8)
+            + number(8 + len(objects), 8))
+
+
+class LargePresets(unittest.TestCase):
+    def setUp(self):
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        self.folder = Path(temporary.name).resolve()
+        self.preset = self.folder / "large.aupreset"
+        self.show = self.folder / "Show.lumo"
+
+    def report(self):
+        words = scene.command(TOOL, self.show, self.show / "states", [self.preset])
+        result = scene.run(words, self.folder, preexec_fn=limit)
+        self.assertEqual(result.returncode, 0, result.stderr)
+        self.assertEqual(scene.line_faults(result.stdout, self.show, [self.preset]), [])
+        return json.loads(result.stdout)
+
+    def error(self, data):
+        self.preset.write_bytes(data)
+        return self.report()["error"]
+
+    def write_large(self, start, part, end=b""):
+        """A file of 100 MB that is `part` over and over, but for its start and end."""
+        block = part * (1_000_000 // len(part) + 1)
+        with self.preset.open("wb") as file:
+            file.write(start)
+            while file.tell() < SIZE:
+                file.write(block)
+            file.write(end)
+
+    def preset_around(self):
+        """A preset that plays a sound, in two parts between which an array may have items."""
+        sound = self.folder / "Kit" / "kick.wav"
+        scene.write_wave(sound, 100, 1)
+        scene.write_preset(self.preset, [sound])
+        zones = b"<key>Layers</key>"
+        start, end = self.preset.read_bytes().split(zones)
+        return start + b"<key>much</key><array>", b"</array>" + zones + end
+
+    def test_a_huge_array_is_imported(self):
+        start, end = self.preset_around()
+        self.write_large(start, b"<string>" + b"x" * 300 + b"</string>", end)
+        report = self.report()
+        self.assertTrue(report["ok"], report)
+        # The state holds the string once, so it is small, and yet the same array again.
+        Path(report["stateFile"]).rename(self.preset)
+        self.assertLess(self.preset.stat().st_size, SIZE // 100)
+        self.assertTrue(self.report()["ok"])
+
+    def test_a_binary_preset_of_much_data_is_imported(self):
+        self.preset.write_bytes(b"".join(self.preset_around()))
+        state = plistlib.loads(self.preset.read_bytes())
+        state["much"] = bytes(SIZE)
+        self.preset.write_bytes(plistlib.dumps(state, fmt=plistlib.FMT_BINARY))
+        self.assertTrue(self.report()["ok"])
+
+    def test_garbage_is_refused(self):
+        for start, garbage in ((b"bplist00", random.Random(1).randbytes(1000)), (b"<", b"<")):
+            with self.subTest(start):
+                self.write_large(start, garbage)
+                self.assertEqual(self.report()["error"], NO_LIST)
+
+    def test_deep_nesting_is_refused(self):
+        self.assertEqual(self.error(b"<plist>" + b"<array>" * 100000 + b"</array>" * 100000
+                                    + b"</plist>"), NO_LIST)
+        self.assertEqual(self.error(b"<plist>" + b"<dict><key>k</key>" * 100000), NO_LIST)
+        self.assertEqual(self.error(nested_in_binary(100000)), NO_LIST)
+
+    def test_nesting_as_deep_as_is_read_is_imported(self):
+        depth = 509  # and an array and two dictionaries around
+        start, end = self.preset_around()
+        self.preset.write_bytes(start + b"<array>" * depth + b"</array>" * depth + end)
+        self.assertTrue(self.report()["ok"])
+
+
+if __name__ == "__main__":
+    TOOL = scene.tool_from_environment()
+    sys.setrecursionlimit(5000)  # for plistlib, which checks the states
+    unittest.main(verbosity=2)

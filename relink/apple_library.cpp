@@ -5,7 +5,6 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 namespace lumo::exs::relink {
@@ -13,29 +12,10 @@ namespace {
 
 using Components = std::vector<std::string_view>;
 
-/// The library's roots; "*" stands for any one name.
-constexpr std::array<std::string_view, 13> roots{
-    "Library/Application Support/GarageBand",
-    "Library/Application Support/Logic",
-    "Library/Application Support/MainStage",
-    "Library/Application Support/com.apple.musicapps.content",
-    "Library/Audio/Apple Loops/Apple",
-    "Library/Audio/Impulse Responses/Apple",
-    "System/Library/Components/CoreAudio.component/Contents/Resources/gs_instruments.dls",
-    "System/Library/Sounds",
-    "GarageBand.app/Contents/Resources",
-    "Logic Pro.app/Contents/Resources",
-    "Logic Pro X.app/Contents/Resources",
-    "MainStage.app/Contents/Resources",
-    "Logic Pro Library.bundle",
-};
-
-/// What people keep in their own Library is theirs, whatever its folders are called.
-constexpr std::array<std::string_view, 2> home_libraries{"Users/*/Library", "home/*/Library"};
-
 /// The components of `path` without those that say nothing ("" and "."), ".." taken back.
 Components components(std::string_view path) {
     Components result;
+    result.reserve(16);
     for (std::size_t begin = 0, end = 0; end != std::string_view::npos; begin = end + 1) {
         end = path.find('/', begin);
         const std::string_view component = path.substr(begin, end - begin);
@@ -50,24 +30,52 @@ Components components(std::string_view path) {
     return result;
 }
 
+/// Folders, one in the other; "*" stands for any one name.
+using Folders = std::vector<Components>;
+
+const Folders& library_roots() {
+    static const Folders roots{
+        components("Library/Application Support/GarageBand"),
+        components("Library/Application Support/Logic"),
+        components("Library/Application Support/MainStage"),
+        components("Library/Application Support/com.apple.musicapps.content"),
+        components("Library/Audio/Apple Loops/Apple"),
+        components("Library/Audio/Impulse Responses/Apple"),
+        components("System/Library/Components/CoreAudio.component/Contents/Resources/"
+                   "gs_instruments.dls"),
+        components("System/Library/Sounds"),
+        components("GarageBand.app/Contents/Resources"),
+        components("Logic Pro.app/Contents/Resources"),
+        components("Logic Pro X.app/Contents/Resources"),
+        components("MainStage.app/Contents/Resources"),
+        components("Logic Pro Library.bundle"),
+    };
+    return roots;
+}
+
+/// What people keep in their own Library is theirs, whatever its folders are called.
+const Folders& home_libraries() {
+    static const Folders libraries{components("Users/*/Library"), components("home/*/Library")};
+    return libraries;
+}
+
 bool is_same_name(std::string_view name, std::string_view wanted) {
     return wanted == "*" || (name.size() == wanted.size() &&
                              strncasecmp(name.data(), wanted.data(), name.size()) == 0);
 }
 
-bool leads_through(const Components& path, std::string_view folders) {
-    const Components wanted = components(folders);
-    return std::search(path.begin(), path.end(), wanted.begin(), wanted.end(), is_same_name) !=
-           path.end();
+bool leads_through_any(const Components& path, const Folders& folders) {
+    return std::any_of(folders.begin(), folders.end(), [&](const Components& names) {
+        return std::search(path.begin(), path.end(), names.begin(), names.end(), is_same_name) !=
+               path.end();
+    });
 }
 
 } // namespace
 
 bool is_in_apple_library(std::string_view path) {
     const Components names = components(path);
-    const auto is_under = [&](std::string_view folders) { return leads_through(names, folders); };
-    return std::any_of(roots.begin(), roots.end(), is_under) &&
-           std::none_of(home_libraries.begin(), home_libraries.end(), is_under);
+    return leads_through_any(names, library_roots()) && !leads_through_any(names, home_libraries());
 }
 
 } // namespace lumo::exs::relink

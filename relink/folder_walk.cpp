@@ -8,6 +8,7 @@
 // asked for their status: the entries of a folder tell their types on every usual file system.
 #include "folder_walk.h"
 
+#include "folder_entries.h"
 #include "sample_names.h"
 
 #include <dirent.h>
@@ -18,7 +19,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <queue>
 #include <unordered_set>
 #include <vector>
@@ -37,11 +37,6 @@ struct FolderIdHash {
         return std::hash<std::uint64_t>()(id.inode ^ static_cast<std::uint64_t>(id.device) << 40);
     }
 };
-
-struct CloseFolder {
-    void operator()(DIR* folder) const { closedir(folder); }
-};
-using Folder = std::unique_ptr<DIR, CloseFolder>;
 
 constexpr int open_flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
 
@@ -74,7 +69,7 @@ int open_path(const std::string& path) {
 
 class Walk {
 public:
-    explicit Walk(const SampleFound& found) : found_(found) {}
+    explicit Walk(const SamplesFound& found) : found_(found) {}
 
     void run(const std::string& root) {
         read_tree(root.empty() || root.back() == '/' ? root : root + '/');
@@ -96,44 +91,43 @@ private:
     }
 
     void read_folder(const std::string& path) {
-        const Folder folder = open_unread(path);
-        if (!folder) {
+        const int folder = open_unread(path);
+        if (folder < 0) {
             return;
         }
+        names_.clear();
         const auto first = static_cast<std::ptrdiff_t>(folders_.size());
-        while (const dirent* entry = readdir(folder.get())) {
-            if (entry->d_name[0] != '.') {
-                take(path, dirfd(folder.get()), *entry);
+        read_entries(folder, [&](const char* name, unsigned char type) {
+            if (name[0] != '.') {
+                take(path, folder, name, type);
             }
-        }
+        });
         // A folder that is mounted twice is read under its first name.
         std::sort(folders_.begin() + first, folders_.end(), std::greater<>());
+        if (names_.count() > 0) {
+            found_(path, names_);
+        }
     }
 
-    /// The folder at `path`, unless it cannot be had or was read before under another path.
-    Folder open_unread(const std::string& path) {
-        const int descriptor = open_path(path);
+    /// A descriptor of the folder at `path`; negative when it cannot be had, or was read before
+    /// under another path.
+    int open_unread(const std::string& path) {
+        const int folder = open_path(path);
         struct stat status {};
-        if (descriptor < 0) {
-            return nullptr;
+        if (folder < 0) {
+            return folder;
         }
-        if (fstat(descriptor, &status) != 0 ||
-            !read_.insert({status.st_dev, status.st_ino}).second) {
-            close(descriptor);
-            return nullptr;
-        }
-        Folder folder(fdopendir(descriptor));
-        if (!folder) {
-            close(descriptor);
+        if (fstat(folder, &status) != 0 || !read_.insert({status.st_dev, status.st_ino}).second) {
+            close(folder);
+            return -1;
         }
         return folder;
     }
 
-    void take(const std::string& path, int folder, const dirent& entry) {
-        const std::string_view name = entry.d_name;
-        switch (entry.d_type) {
+    void take(const std::string& path, int folder, const char* name, unsigned char type) {
+        switch (type) {
         case DT_REG:
-            take_file(path, name);
+            take_file(name);
             break;
         case DT_DIR:
             take_folder(path, name);
@@ -149,9 +143,9 @@ private:
         }
     }
 
-    void take_file(const std::string& path, std::string_view name) {
+    void take_file(std::string_view name) {
         if (is_sample_name(name)) {
-            found_(path, name);
+            names_.add(name);
         }
     }
 
@@ -161,26 +155,26 @@ private:
         folder.append(path).append(name).push_back('/');
     }
 
-    void take_link(const std::string& path, int folder, std::string_view name) {
+    void take_link(const std::string& path, int folder, const char* name) {
         struct stat target {};
-        if (fstatat(folder, name.data(), &target, 0) != 0) {
+        if (fstatat(folder, name, &target, 0) != 0) {
             return; // it leads nowhere, or round in a circle
         }
         if (S_ISREG(target.st_mode)) {
-            take_file(path, name);
+            take_file(name);
         } else if (S_ISDIR(target.st_mode)) {
-            links_.push(path + std::string(name));
+            links_.push(path + name);
         }
     }
 
     /// An entry of a file system that does not tell the types of its entries.
-    void take_unknown(const std::string& path, int folder, std::string_view name) {
+    void take_unknown(const std::string& path, int folder, const char* name) {
         struct stat status {};
-        if (fstatat(folder, name.data(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        if (fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
             return;
         }
         if (S_ISREG(status.st_mode)) {
-            take_file(path, name);
+            take_file(name);
         } else if (S_ISDIR(status.st_mode)) {
             take_folder(path, name);
         } else if (S_ISLNK(status.st_mode)) {
@@ -188,7 +182,8 @@ private:
         }
     }
 
-    const SampleFound& found_;
+    const SamplesFound& found_;
+    NameList names_;                   // of the folder that is read
     std::vector<std::string> folders_; // paths to read, with a slash at the end
     std::priority_queue<std::string, std::vector<std::string>, std::greater<>> links_; // without
     std::unordered_set<FolderId, FolderIdHash> read_;
@@ -196,7 +191,7 @@ private:
 
 } // namespace
 
-void walk_samples(const std::string& root, const SampleFound& found) {
+void walk_samples(const std::string& root, const SamplesFound& found) {
     Walk(found).run(root);
 }
 

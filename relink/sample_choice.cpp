@@ -1,13 +1,14 @@
 // One name may have a hundred thousand files, so each candidate gets one pass over the end of its
 // path, byte by byte from the file upwards, against the recorded folders in the form of keys. Only
 // a candidate that differs where other bytes may mean the same (beyond ASCII, doubled slashes) has
-// its own folders put into that form first.
+// its own folders put into that form first, and only those that share the most are compared
+// further.
 #include "sample_choice.h"
 
 #include "sample_names.h"
 
 #include <algorithm>
-#include <span>
+#include <utility>
 
 namespace lumo::exs::relink {
 namespace {
@@ -34,13 +35,12 @@ void make_folder_keys(std::string_view path, std::string& keys) {
     }
 }
 
-/// Whether the component around `at` in `folders` has no other key than itself in lower case. `at`
-/// may be the end of `folders`.
-bool is_plain(std::string_view folders, std::size_t at) {
-    const std::size_t begin = at == 0 ? 0 : folders.rfind('/', at - 1) + 1;
-    const std::string_view component = folders.substr(begin, folders.find('/', begin) - begin);
-    return !component.empty() && component != "." &&
-           std::all_of(component.begin(), component.end(), is_ascii);
+/// Whether the keys differ where a path has `c` and the recorded ones have `key`. Not so beyond
+/// ASCII, where a path may say the same in other bytes, at empty components and ".", and where the
+/// recorded folder is not UTF-8 and keeps its capitals. No other key of an ASCII character depends
+/// on what stands before it.
+bool is_difference(char key, char c) {
+    return is_ascii(c) && c != '/' && c != '.' && to_lower(key) == key;
 }
 
 /// The length of the run of folders that `path` shares with the recorded ones.
@@ -56,7 +56,7 @@ std::size_t count_shared(std::string_view path, std::string_view recorded) {
     if (c == folders.rend()) { // a relative path has no slash before its first component
         return static_cast<std::size_t>(count + (*key == '/' ? 1 : 0));
     }
-    if (is_plain(folders, static_cast<std::size_t>(folders.rend() - c))) {
+    if (is_difference(*key, *c)) {
         return static_cast<std::size_t>(count);
     }
     thread_local std::string keys;
@@ -66,58 +66,66 @@ std::size_t count_shared(std::string_view path, std::string_view recorded) {
     return static_cast<std::size_t>(std::count(recorded.rbegin(), end, '/'));
 }
 
+/// How many candidates ahead the memory is asked for: a path lies anywhere, and waiting for it
+/// takes longer than to compare it.
+constexpr std::size_t ahead = 8;
+
+void prefetch_end(const std::string& path) {
+    __builtin_prefetch(path.data() + path.size());
+}
+
 std::size_t count_components(std::string_view path) {
-    std::size_t count = 0;
-    char before = '/';
-    for (const char c : path) {
-        count += before == '/' && c != '/' ? 1 : 0;
-        before = c;
+    std::size_t count = path.empty() || path.back() == '/' ? 0 : 1;
+    for (std::size_t i = 1; i < path.size(); ++i) {
+        count += path[i] == '/' && path[i - 1] != '/' ? 1 : 0;
     }
     return count;
 }
 
-/// A candidate; its components are counted when another one shares as many folders.
-struct Candidate {
-    const SampleIndex::Entry* entry;
-    std::size_t shared;
-    std::size_t components = 0;
+/// What decides between candidates that share as many folders: the less comes first.
+std::pair<std::size_t, std::string_view> rank(const SampleIndex::Entry& entry) {
+    return {count_components(entry.path), entry.path};
+}
 
-    bool is_behind(Candidate& other) {
-        if (shared != other.shared) {
-            return shared < other.shared;
-        }
-        count();
-        other.count();
-        return components != other.components ? components > other.components
-                                              : entry->path > other.entry->path;
-    }
-
-private:
-    void count() {
-        if (components == 0) {
-            components = count_components(entry->path);
+const SampleIndex::Entry& first_of(const std::vector<const SampleIndex::Entry*>& entries) {
+    const SampleIndex::Entry* first = entries.front();
+    auto least = rank(*first);
+    for (std::size_t i = 1; i < entries.size(); ++i) {
+        if (const auto other = rank(*entries[i]); other < least) {
+            least = other;
+            first = entries[i];
         }
     }
-};
+    return *first;
+}
 
 } // namespace
 
 const SampleIndex::Entry& choose(const std::vector<SampleIndex::Entry>& entries,
                                  std::string_view recorded) {
-    const SampleIndex::Entry& first = entries.front();
     if (entries.size() == 1) {
-        return first;
+        return entries.front();
     }
     thread_local std::string folders;
+    thread_local std::vector<const SampleIndex::Entry*> nearest;
     make_folder_keys(recorded, folders);
-    Candidate best{&first, count_shared(first.path, folders)};
-    for (const SampleIndex::Entry& entry : std::span(entries).subspan(1)) {
-        Candidate candidate{&entry, count_shared(entry.path, folders)};
-        if (best.is_behind(candidate)) {
-            best = candidate;
+    nearest.clear();
+    std::size_t most = 0;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const SampleIndex::Entry& entry = entries[i];
+        if (i + ahead < entries.size()) {
+            prefetch_end(entries[i + ahead].path);
+        }
+        const std::size_t shared = count_shared(entry.path, folders);
+        if (shared > most) {
+            nearest.clear();
+            most = shared;
+        }
+        if (shared == most) {
+            nearest.push_back(&entry);
         }
     }
-    return *best.entry;
+    return first_of(nearest);
 }
 
 } // namespace lumo::exs::relink

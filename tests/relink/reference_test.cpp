@@ -103,11 +103,14 @@ void make_tree(const fs::path& top, std::vector<Item> tree, Random& random) {
     std::shuffle(tree.begin(), tree.end(), random);
     for (const Item& item : tree) {
         const fs::path path = top / item.path;
-        fs::create_directories(path.parent_path());
+        std::error_code refused; // a name that is not UTF-8, by some file systems
+        fs::create_directories(path.parent_path(), refused);
+        if (refused) {
+            continue;
+        }
         if (path.filename().string().starts_with("link")) {
-            fs::create_directories(top / item.link);
-            std::error_code taken; // by a name that the file system holds for the same
-            fs::create_symlink(top / item.link, path, taken);
+            fs::create_directories(top / item.link, refused);
+            fs::create_symlink(top / item.link, path, refused);
         } else {
             test::write_file(path, "");
         }
@@ -228,6 +231,10 @@ TEST_P(RandomTree, gives_the_same_answers_in_whatever_order_it_was_made) {
     Random random(GetParam());
     const std::vector<Item> tree = draw_tree(random);
     std::array<TempFolder, 2> tops;
+    test::write_file(tops[0] / "lower", "");
+    if (fs::exists(tops[0] / "LOWER")) {
+        GTEST_SKIP() << "of names that differ in letter case this disk keeps the first";
+    }
     std::array<SampleIndex, 2> indexes;
     for (std::size_t i = 0; i < 2; ++i) {
         make_tree(tops[i].path(), tree, random);

@@ -18,16 +18,29 @@ using test::TempFolder;
 using test::write_file;
 using Paths = std::vector<std::string>;
 
-/// The samples under `root`, sorted, without `root` and the slash behind it.
-Paths walk(const fs::path& root) {
+/// The paths of the samples under `root`, sorted.
+Paths walk_with_root(const std::string& root) {
     Paths paths;
-    walk_samples(root.string(), [&](std::string_view folder, std::string_view name) {
-        std::string& path = paths.emplace_back(folder);
-        path.append(name);
-        EXPECT_TRUE(path.starts_with(root.string() + '/')) << path;
-        path.erase(0, root.string().size() + 1);
+    walk_samples(root, [&](const std::string& folder, const NameList& names) {
+        EXPECT_GT(names.count(), 0u);
+        const std::size_t before = paths.size();
+        names.for_each([&](std::string_view name, std::size_t place) {
+            EXPECT_EQ(names.at(place), name);
+            paths.push_back(folder + std::string(name));
+        });
+        EXPECT_EQ(paths.size() - before, names.count());
     });
     std::sort(paths.begin(), paths.end());
+    return paths;
+}
+
+/// The same, without `root` and the slash behind it.
+Paths walk(const fs::path& root) {
+    Paths paths = walk_with_root(root.string());
+    for (std::string& path : paths) {
+        EXPECT_TRUE(path.starts_with(root.string() + '/')) << path;
+        path.erase(0, root.string().size() + 1);
+    }
     return paths;
 }
 
@@ -36,13 +49,8 @@ TEST(Walk, of_the_empty_root_takes_the_current_folder_without_a_dot) {
     write_file(folder / "a.wav", "");
     write_file(folder / "Kit/b.wav", "");
     const auto walk_there = [&] {
-        Paths paths;
-        const bool is_there = chdir(folder.path().c_str()) == 0;
-        walk_samples("", [&](std::string_view f, std::string_view name) {
-            paths.push_back(std::string(f).append(name));
-        });
-        std::sort(paths.begin(), paths.end());
-        return is_there && paths == Paths{"Kit/b.wav", "a.wav"};
+        return chdir(folder.path().c_str()) == 0 &&
+               walk_with_root("") == Paths{"Kit/b.wav", "a.wav"};
     };
     EXPECT_EXIT(_exit(walk_there() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
@@ -240,7 +248,7 @@ TEST(Walk, goes_on_when_folders_vanish_under_it) {
         write_file(folder / (std::to_string(i) + "/inner/b.wav"), "");
     }
     int found = 0;
-    walk_samples(folder.path().string(), [&](std::string_view, std::string_view) {
+    walk_samples(folder.path().string(), [&](const std::string&, const NameList&) {
         ++found;
         for (const auto& entry : fs::directory_iterator(folder.path())) {
             fs::remove_all(entry);

@@ -1,0 +1,49 @@
+// The samples of one root on their way from the walk into the index.
+#pragma once
+
+#include "name_list.h"
+#include <lumo/relink.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace lumo::exs::relink {
+
+/// What a walk found, in the order of the disk and a tenth of its size in the index.
+class FoundSamples {
+public:
+    /// Adds the samples `names` of `folder`, a path with a slash at its end.
+    void add(const std::string& folder, const NameList& names);
+
+    /// Whether `index` has them from an earlier walk of `root`.
+    bool are_in(const SampleIndex& index, const std::string& root) const;
+
+    /// Puts them into `index` as samples of `root` and is empty then.
+    void move_into(SampleIndex& index, const std::string& root);
+
+private:
+    struct Folder {
+        std::string path;
+        NameList names;
+    };
+
+    /// Where a sample is among those found, and the bucket of the index that it belongs into.
+    struct Place {
+        std::uint32_t bucket; // the order alone depends on it: bits may be lost
+        std::uint32_t folder;
+        std::size_t name;
+    };
+
+    std::vector<Place> in_order_of_buckets(std::size_t begin, std::size_t end,
+                                           const SampleIndex& index) const;
+    void prefetch(const Place& place) const;
+    void move_folders(std::size_t begin, std::size_t end, SampleIndex& index,
+                      const std::string& root);
+
+    std::vector<Folder> folders_;
+    std::size_t count_ = 0;
+};
+
+} // namespace lumo::exs::relink

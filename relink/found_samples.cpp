@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <span>
 
 namespace lumo::exs::relink {
 namespace {
@@ -65,8 +66,9 @@ std::vector<FoundSamples::Place> FoundSamples::in_order_of_buckets(std::size_t b
                                                                    const SampleIndex& index) const {
     std::string key;
     std::vector<Place> places;
+    const auto folders = std::span(folders_).subspan(begin, end - begin);
     places.reserve(std::accumulate(
-        folders_.begin() + begin, folders_.begin() + end, std::size_t{0},
+        folders.begin(), folders.end(), std::size_t{0},
         [](std::size_t count, const Folder& folder) { return count + folder.names.count(); }));
     for (std::size_t folder = begin; folder < end; ++folder) {
         folders_[folder].names.for_each([&](std::string_view name, std::size_t place) {

@@ -33,16 +33,28 @@ constexpr int most_tags = 16; ///< files have one, seldom two
 constexpr sf_count_t most_bytes = 32 << 20;
 constexpr sf_count_t cost_of_a_read = 256; ///< in bytes, so that tiny reads come to an end as well
 
-/// A file, or the part of it from `start` on, as libsndfile reads it.
+/// A file, or the part of it from `start` on, as libsndfile reads it: a few bytes at a time, most
+/// of them in the head.
 struct SampleReader {
     int fd;
     sf_count_t start;
     sf_count_t size;
     sf_count_t at = 0;
     sf_count_t allowance = most_bytes;
-    int error = 0; ///< errno of a read that failed
+    int error = 0;                           ///< errno of a read that failed
+    std::span<const std::uint8_t> head = {}; ///< the first bytes, as far as they are in memory
 
     std::span<std::uint8_t> read(std::span<std::uint8_t> buffer) {
+        const auto from = static_cast<std::size_t>(at);
+        if (from < head.size() && buffer.size() <= head.size() - from) {
+            std::copy_n(head.begin() + at, buffer.size(), buffer.begin());
+            at += static_cast<sf_count_t>(buffer.size());
+            return buffer;
+        }
+        return read_file(buffer);
+    }
+
+    std::span<std::uint8_t> read_file(std::span<std::uint8_t> buffer) {
         const ssize_t count =
             uninterrupted([&] { return ::pread(fd, buffer.data(), buffer.size(), start + at); });
         if (count < 0) {
@@ -98,31 +110,30 @@ bool is_audio_to_libsndfile(SampleReader& reader) {
     return file != nullptr;
 }
 
-/// Moves the reader's start behind the tags in front of the audio. The first bytes of the audio are
-/// returned, in `buffer`; none when they cannot be read.
-std::span<const std::uint8_t> skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
+/// Moves the reader's start behind the tags in front of the audio, and reads its head into
+/// `buffer`; the head is empty when it cannot be read.
+void skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
     for (int tags = 0; tags <= most_tags; ++tags) {
-        reader.at = 0;
-        const auto head = reader.read(buffer);
+        const auto head = reader.read_file(buffer);
         const auto tag = static_cast<sf_count_t>(id3_tag_size(head));
+        reader.at = 0;
         if (tag == 0) {
-            reader.at = 0;
-            return head;
+            reader.head = head;
+            return;
         }
         if (tag >= reader.size) {
-            break;
+            return;
         }
         reader.start += tag;
         reader.size -= tag;
     }
-    return {};
 }
 
 OSStatus judge(int fd, off_t size) {
     std::array<std::uint8_t, audio_head_size> buffer; // NOLINT: filled as far as it is used
     SampleReader reader{fd, 0, size};
-    const auto head = skip_tags(reader, buffer);
-    const AudioHead kind = audio_head(head);
+    skip_tags(reader, buffer);
+    const AudioHead kind = audio_head(reader.head);
     if (kind == AudioHead::audio ||
         (kind == AudioHead::container && is_audio_to_libsndfile(reader))) {
         return 0;

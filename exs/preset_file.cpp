@@ -60,10 +60,14 @@ private:
 
 std::vector<unsigned char> read_preset(const std::string& path) {
     const File file(path.c_str());
-    if (!file.is_open() || file.expected_size() > largest_preset) {
+    if (!file.is_open()) {
         return {};
     }
-    std::vector<unsigned char> bytes(file.expected_size() + 1);
+    const std::size_t expected_size = file.expected_size(); // asked once: a file may grow
+    if (expected_size > largest_preset) {
+        return {};
+    }
+    std::vector<unsigned char> bytes(expected_size + 1);
     for (std::size_t used = 0; used <= largest_preset;) {
         const ssize_t count = file.read_some(bytes.data() + used, bytes.size() - used);
         if (count <= 0) {

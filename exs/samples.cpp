@@ -13,7 +13,9 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <string>
 #include <string_view>
+#include <system_error>
 
 namespace lumo::exs {
 namespace fs = std::filesystem;
@@ -61,11 +63,11 @@ bool copy_sample(const fs::path& source, const fs::path& target) {
     if (copyfile(file.c_str(), target.c_str(), nullptr, COPYFILE_ALL | COPYFILE_CLONE) == 0) {
         return true;
     }
-    if (errno == EEXIST) {
+    const std::error_code error(errno, std::generic_category());
+    if (error == std::errc::file_exists) {
         return false;
     }
-    throw fs::filesystem_error("copy failed", source, target,
-                               std::error_code(errno, std::generic_category()));
+    throw fs::filesystem_error("copy failed", source, target, error);
 }
 
 /// What an import has seen under one name and its numbers. All of it stays, so that a name that

@@ -1,6 +1,8 @@
 // The entries of an open folder, by the quickest way that the system has.
 #pragma once
 
+#include "descriptor.h"
+
 #include <functional>
 
 namespace lumo::exs::relink {
@@ -9,8 +11,9 @@ namespace lumo::exs::relink {
 /// file system does not tell).
 using TakeEntry = std::function<void(const char* name, unsigned char type)>;
 
-/// Calls `take` for each entry of the folder that is open as `descriptor`, "." and ".." among them,
-/// and closes it. What cannot be read is passed over. One of two implementations is built.
-void read_entries(int descriptor, const TakeEntry& take);
+/// Calls `take` for each entry of the open `folder`, "." and ".." among them. What cannot be read
+/// is passed over. The folder is open until the last call is done, and closed then. One of two
+/// implementations is built.
+void read_entries(Descriptor folder, const TakeEntry& take);
 
 } // namespace lumo::exs::relink

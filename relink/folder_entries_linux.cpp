@@ -3,22 +3,12 @@
 #include "folder_entries.h"
 
 #include <dirent.h>
-#include <unistd.h>
 
 namespace lumo::exs::relink {
-namespace {
 
-struct Closer {
-    int descriptor;
-    ~Closer() { close(descriptor); }
-};
-
-} // namespace
-
-void read_entries(int descriptor, const TakeEntry& take) {
-    const Closer closer{descriptor};
+void read_entries(Descriptor folder, const TakeEntry& take) {
     alignas(dirent64) char entries[1 << 16];
-    for (ssize_t size; (size = getdents64(descriptor, entries, sizeof entries)) > 0;) {
+    for (ssize_t size; (size = getdents64(folder.get(), entries, sizeof entries)) > 0;) {
         for (ssize_t at = 0; at < size;) {
             const auto* entry = reinterpret_cast<const dirent64*>(entries + at);
             take(entry->d_name, entry->d_type);

@@ -2,7 +2,6 @@
 #include "folder_entries.h"
 
 #include <dirent.h>
-#include <unistd.h>
 
 #include <memory>
 
@@ -15,13 +14,13 @@ struct CloseFolder {
 
 } // namespace
 
-void read_entries(int descriptor, const TakeEntry& take) {
-    const std::unique_ptr<DIR, CloseFolder> folder(fdopendir(descriptor));
-    if (!folder) {
-        close(descriptor);
+void read_entries(Descriptor folder, const TakeEntry& take) {
+    const std::unique_ptr<DIR, CloseFolder> stream(fdopendir(folder.get()));
+    if (!stream) {
         return;
     }
-    while (const dirent* entry = readdir(folder.get())) {
+    folder.release(); // the stream closes it now
+    while (const dirent* entry = readdir(stream.get())) {
         take(entry->d_name, entry->d_type);
     }
 }

@@ -8,6 +8,7 @@
 // asked for their status: the entries of a folder tell their types on every usual file system.
 #include "folder_walk.h"
 
+#include "descriptor.h"
 #include "folder_entries.h"
 #include "sample_names.h"
 
@@ -15,12 +16,15 @@
 #include <fcntl.h>
 #include <limits.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <queue>
+#include <string_view>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 namespace lumo::exs::relink {
@@ -40,31 +44,26 @@ struct FolderIdHash {
 
 constexpr int open_flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
 
-/// A descriptor of the folder at `path`, negative when there is none. The system takes no path of
-/// PATH_MAX bytes or more: a longer one is opened in pieces, each from the folder before it.
-int open_path(const std::string& path) {
-    int folder = AT_FDCWD;
+/// Opens the folder at `path`; none when that cannot be done. The system takes no path of PATH_MAX
+/// bytes or more: a longer one is opened in pieces, each from the folder before it.
+Descriptor open_folder(const std::string& path) {
+    Descriptor folder; // the rest of the path begins in it; none is the current one
+    const auto open_next = [&](const char* piece) {
+        return Descriptor(openat(folder ? folder.get() : AT_FDCWD, piece, open_flags));
+    };
     std::size_t begin = 0;
     while (path.size() - begin >= PATH_MAX) {
         const std::size_t slash = path.rfind('/', begin + PATH_MAX - 2);
-        const bool has_piece = slash != std::string::npos && slash > begin;
-        const int next =
-            has_piece ? openat(folder, path.substr(begin, slash - begin).c_str(), open_flags) : -1;
-        if (folder != AT_FDCWD) {
-            close(folder);
+        if (slash == std::string::npos || slash <= begin) {
+            return {};
         }
-        if (next < 0) {
-            return next;
+        folder = open_next(path.substr(begin, slash - begin).c_str());
+        if (!folder) {
+            return {};
         }
-        folder = next;
         begin = std::min(path.find_first_not_of('/', slash), path.size());
     }
-    const char* rest = begin < path.size() ? path.c_str() + begin : ".";
-    const int descriptor = openat(folder, rest, open_flags);
-    if (folder != AT_FDCWD) {
-        close(folder);
-    }
-    return descriptor;
+    return open_next(begin < path.size() ? path.c_str() + begin : ".");
 }
 
 class Walk {
@@ -91,15 +90,16 @@ private:
     }
 
     void read_folder(const std::string& path) {
-        const int folder = open_unread(path);
-        if (folder < 0) {
+        Descriptor folder = open_unread(path);
+        if (!folder) {
             return;
         }
         names_.clear();
         const auto first = static_cast<std::ptrdiff_t>(folders_.size());
-        read_entries(folder, [&](const char* name, unsigned char type) {
+        const int descriptor = folder.get();
+        read_entries(std::move(folder), [&](const char* name, unsigned char type) {
             if (name[0] != '.') {
-                take(path, folder, name, type);
+                take(path, descriptor, name, type);
             }
         });
         // A folder that is mounted twice is read under its first name.
@@ -109,17 +109,14 @@ private:
         }
     }
 
-    /// A descriptor of the folder at `path`; negative when it cannot be had, or was read before
-    /// under another path.
-    int open_unread(const std::string& path) {
-        const int folder = open_path(path);
+    /// Opens the folder at `path`; none when that cannot be done, or it was read before under
+    /// another path.
+    Descriptor open_unread(const std::string& path) {
+        Descriptor folder = open_folder(path);
         struct stat status {};
-        if (folder < 0) {
-            return folder;
-        }
-        if (fstat(folder, &status) != 0 || !read_.insert({status.st_dev, status.st_ino}).second) {
-            close(folder);
-            return -1;
+        if (!folder || fstat(folder.get(), &status) != 0 ||
+            !read_.insert({status.st_dev, status.st_ino}).second) {
+            return {};
         }
         return folder;
     }

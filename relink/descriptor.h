@@ -1,0 +1,35 @@
+// A file descriptor with an owner.
+#pragma once
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace lumo::exs::relink {
+
+/// Owns a file descriptor, or none (-1), and closes it. Moves, never copies.
+class Descriptor {
+public:
+    Descriptor() = default;
+    explicit Descriptor(int descriptor) : descriptor_(descriptor) {}
+    Descriptor(Descriptor&& other) noexcept : descriptor_(other.release()) {}
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(descriptor_, other.descriptor_);
+        return *this;
+    }
+    ~Descriptor() {
+        if (descriptor_ >= 0) {
+            close(descriptor_);
+        }
+    }
+
+    explicit operator bool() const { return descriptor_ >= 0; }
+    int get() const { return descriptor_; }
+    /// Gives the descriptor away; the caller closes it.
+    int release() { return std::exchange(descriptor_, -1); }
+
+private:
+    int descriptor_ = -1;
+};
+
+} // namespace lumo::exs::relink

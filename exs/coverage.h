@@ -12,7 +12,8 @@ namespace lumo::exs {
 /// 2c and 2c+1.
 using Coverage = std::array<std::uint64_t, 128>;
 
-/// Covers the keys and velocities from `low` to `high`, both included, all in 0 to 127.
+/// Covers the keys and velocities from `low` to `high`, both included, all in 0 to 127; low ones
+/// must not be above high ones.
 void cover(Coverage& coverage, int low_key, int high_key, int low_velocity, int high_velocity);
 
 /// How many layers lie on the cells.
@@ -25,8 +26,9 @@ struct Stacking {
 /// Counts the layers on each cell.
 class CoverageCounter {
 public:
+    /// Adds a layer, one to the count of each cell that it covers.
     void add(const Coverage& layer);
-    /// What the layers come to that were added so far.
+    /// The counts of the layers added so far; more may be added after.
     Stacking stacking();
 
 private:

@@ -1,5 +1,5 @@
-// One reference to a CoreFoundation object, dropped when its Ref goes. This is the only place that
-// says CFRelease.
+// One reference to a CoreFoundation object, dropped when its Ref goes. Nothing else in
+// exs/ says CFRelease.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

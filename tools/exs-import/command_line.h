@@ -12,6 +12,7 @@ namespace lumo::exs {
 /// The usage text, which answers every fault of the command line.
 extern const char* const usage;
 
+/// The arguments of the tool, taken apart.
 struct CommandLine {
     Options options;                      ///< all but the index
     std::vector<std::string> search;      ///< folders to look for samples in, in order

@@ -58,9 +58,9 @@ Report import_instrument(const std::string& path, const Options& options);
 /// structure has the default shape.
 Shape describe(const void* state);
 
-/// A copy of `state` (a CFDictionaryRef, borrowed) whose file references are resolved against the
-/// package folder; the caller releases it with CFRelease. Null, with `error` replaced by the
-/// reason, when a reference leaves the show or names a missing file.
+/// A copy of `state` (a CFDictionaryRef, borrowed) whose file references, relative to the folder
+/// `package`, are joined with it; the caller releases it with CFRelease. Null, with `error`
+/// replaced by the reason, when a reference is empty or absolute, or its file is missing.
 const void* resolve_package_state(const void* state, const std::string& package,
                                   std::string& error);
 

@@ -4,8 +4,11 @@
 #include <copyfile.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <exception>
 #include <random>
+#include <string>
+#include <vector>
 
 namespace {
 

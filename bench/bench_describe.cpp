@@ -8,8 +8,12 @@
 
 #include <plist/plist.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace {
 

@@ -9,8 +9,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -29,12 +31,12 @@ struct Amount {
     int rounds;
 };
 
-std::string fold(std::string_view name) {
-    std::string key(name);
-    std::transform(key.begin(), key.end(), key.begin(), [](char c) {
+/// Puts an ASCII name into `key` in lower case; the storage of `key` is used again.
+void fold(std::string_view name, std::string& key) {
+    key.resize(name.size());
+    std::transform(name.begin(), name.end(), key.begin(), [](char c) {
         return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
     });
-    return key;
 }
 
 /// One name in five is that of other samples, too.
@@ -54,12 +56,14 @@ std::string folders(std::size_t number) {
 /// Fills an index and gives paths at which its samples are no more, in any order.
 std::vector<std::string> fill(SampleIndex& index, const Amount& amount) {
     Random random(1);
+    std::string key;
     std::vector<std::string> recorded;
     recorded.reserve(amount.entries);
     for (std::size_t sample = 0; sample < amount.entries; ++sample) {
         const std::string name = sample_name(random, sample);
         const std::string path = folders(sample / 54) + name;
-        index.files[fold(name)].push_back({"/Volumes/Studio" + path, "/Volumes/Studio"});
+        fold(name, key);
+        index.files[key].push_back({"/Volumes/Studio" + path, "/Volumes/Studio"});
         recorded.push_back("/Users/someone/Music" + path);
     }
     index.entries = amount.entries;
@@ -80,11 +84,7 @@ void compare_find(const Amount& amount) {
     std::string key;
     const auto fold_all = [&] {
         for (const std::string& path : recorded) {
-            const std::string_view name = std::string_view(path).substr(path.rfind('/') + 1);
-            key.resize(name.size());
-            std::transform(name.begin(), name.end(), key.begin(), [](char c) {
-                return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-            });
+            fold(std::string_view(path).substr(path.rfind('/') + 1), key);
             lumo::bench::keep(std::hash<std::string>()(key));
         }
     };

@@ -3,10 +3,19 @@
 // samples' size. CPU time of whole processes, in turns.
 #include "support/preset_text.h"
 #include "support/sound_file.h"
+#include "support/temp_folder.h"
 #include "volumes.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cstdio>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -12,9 +12,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <initializer_list>
 #include <random>
 #include <stdexcept>
 #include <string>

@@ -7,7 +7,9 @@
 #include <expat.h>
 #include <plist/plist.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>

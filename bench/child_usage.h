@@ -10,13 +10,14 @@
 
 namespace lumo::bench {
 
+/// What a child process took.
 struct Usage {
     double cpu_ms; ///< user and system
     double peak;   ///< resident, in bytes; never less than what this process has
 };
 
-/// Runs `work`, which may become another program, in a child process. Throws when it is not true
-/// or the program fails.
+/// What `work` costs, run in a child process, which it may turn into another program. Throws
+/// std::runtime_error when `work` returns false or the program fails.
 inline Usage usage_of(const std::function<bool()>& work) {
     const pid_t child = fork();
     if (child == 0) {

@@ -27,6 +27,7 @@ double cpu_seconds_of(Work& work, int times) {
     return (cpu_seconds() - start) / times;
 }
 
+/// The middle one of `values`, of which there is at least one; the upper of two in the middle.
 inline double median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];

@@ -2,15 +2,19 @@
 // every zone of a layer.
 #pragma once
 
+#include <cstddef>
 #include <string>
+#include <utility>
 
 namespace lumo::bench {
 
 /// Lines of an XML property list that remember how deep they stand.
 class PlistText {
 public:
+    /// The whole list; the object is of no use after.
     std::string finish() { return std::move(text_) + "</plist>\n"; }
 
+    /// Begins a "dict" or an "array"; close ends it.
     void open(const char* element) {
         line("<" + std::string(element) + ">");
         ++depth_;
@@ -19,6 +23,9 @@ public:
         --depth_;
         line("</" + std::string(element) + ">");
     }
+
+    // The entries of a "dict". Names and texts are written as they are, without escapes.
+
     void key(const std::string& name) { line("<key>" + name + "</key>"); }
     void integer(const char* name, int value) {
         key(name);
@@ -51,6 +58,7 @@ private:
     std::size_t depth_ = 0;
 };
 
+/// Adds the dictionary of zone `number`, from which its values and its sample follow.
 inline void add_zone(PlistText& text, int number) {
     const int key = number % 120;
     text.open("dict");

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -23,15 +24,17 @@ namespace lumo::bench {
 
 namespace fs = std::filesystem;
 
+/// A row of the table: samples of one size on one kind of volume.
 struct VolumeRow {
-    const char* volume; ///< the kind of file system
-    std::size_t size;   ///< of one sample, in bytes
-    const char* size_text;
-    const char* goal;
+    const char* volume;    ///< the kind of file system
+    std::size_t size;      ///< of one sample, in bytes
+    const char* size_text; ///< the same for readers
+    const char* goal;      ///< the last cell of the row
 };
 
+/// How much is measured.
 struct Amount {
-    int files = 1000;
+    int files = 1000; ///< samples of a copy
     int rounds = 7;
 };
 
@@ -54,7 +57,9 @@ public:
     }
     LoopVolume(const LoopVolume&) = delete;
     LoopVolume& operator=(const LoopVolume&) = delete;
+
     bool is_mounted() const { return is_mounted_; }
+    /// The root of the volume; a plain empty folder when it is not mounted.
     const fs::path& path() const { return mount_; }
 
 private:
@@ -91,11 +96,13 @@ inline void finish_writing(const fs::path& folder) {
     close(descriptor);
 }
 
+/// What the rounds of a comparison took, one element each.
 struct Comparison {
-    std::vector<double> ours; ///< CPU milliseconds of each round
-    std::vector<double> reference;
-    std::vector<double> ratios;
+    std::vector<double> ours;      ///< CPU time in milliseconds
+    std::vector<double> reference; ///< the same
+    std::vector<double> ratios;    ///< ours to the reference
 
+    /// Prints the row of the medians.
     void print(const std::string& work, const char* goal) const {
         std::printf("%s\t%.1f ms\t%.1f ms\t%.2f\t%s\n", work.c_str(), median(ours),
                     median(reference), median(ratios), goal);

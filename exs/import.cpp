@@ -13,6 +13,8 @@
 #include <chrono>
 #include <filesystem>
 #include <optional>
+#include <string>
+#include <vector>
 
 namespace lumo::exs {
 namespace fs = std::filesystem;

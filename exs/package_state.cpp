@@ -4,6 +4,7 @@
 #include <lumo/exs.h>
 
 #include <filesystem>
+#include <system_error>
 
 namespace lumo::exs {
 namespace fs = std::filesystem;

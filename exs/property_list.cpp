@@ -2,6 +2,7 @@
 // every value's type is tested before it is used as that type.
 #include "property_list.h"
 
+#include <cstddef>
 #include <fstream>
 
 namespace lumo::exs {

@@ -4,6 +4,8 @@
 
 #include "property_list.h"
 
+#include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace lumo::exs {

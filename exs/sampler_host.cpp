@@ -4,6 +4,7 @@
 #include <strings.h>
 
 #include <filesystem>
+#include <utility>
 
 namespace lumo::exs {
 

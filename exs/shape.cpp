@@ -5,6 +5,9 @@
 #include <lumo/exs.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <utility>
 
 namespace lumo::exs {
 namespace {

@@ -5,6 +5,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <vector>
 
 namespace lumo::exs::relink {

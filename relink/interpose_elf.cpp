@@ -19,6 +19,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
+#include <string>
+
 namespace lumo::exs::relink {
 namespace {
 
@@ -107,8 +111,8 @@ constinit Real<CanonicalName> real_canonicalize_file_name("canonicalize_file_nam
 /// The mode argument of an open that may create a file.
 mode_t mode_of(int flags, va_list arguments) {
     const bool has_mode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-    // The caller has started the list, which the analyzer does not see.
-    return has_mode ? va_arg(arguments, mode_t) : 0; // NOLINT(clang-analyzer-valist.Uninitialized)
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started the list.
+    return has_mode ? va_arg(arguments, mode_t) : 0;
 }
 
 /// freopen closes its stream even when it fails, so the path is chosen before the one call.

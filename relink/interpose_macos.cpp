@@ -22,6 +22,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 extern "C" {
 int open_nocancel(const char*, int, ...) __asm("_open$NOCANCEL");
 int openat_nocancel(int, const char*, int, ...) __asm("_openat$NOCANCEL");

@@ -6,7 +6,9 @@
 #include "sample_names.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <optional>
+#include <string>
 
 namespace lumo::exs::relink {
 namespace {

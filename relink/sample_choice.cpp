@@ -8,6 +8,8 @@
 #include "sample_names.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 #include <utility>
 
 namespace lumo::exs::relink {

@@ -4,6 +4,7 @@
 
 #include <utf8proc.h>
 
+#include <cstddef>
 #include <vector>
 
 namespace lumo::exs::relink {

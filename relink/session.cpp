@@ -9,6 +9,8 @@
 
 #include <memory>
 #include <mutex>
+#include <unordered_map>
+#include <utility>
 
 namespace lumo::exs::relink {
 namespace session {

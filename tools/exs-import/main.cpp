@@ -6,6 +6,8 @@
 #include <lumo/relink.h>
 
 #include <cstdio>
+#include <optional>
+#include <string>
 
 int main(int argc, char** argv) {
     using namespace lumo::exs;

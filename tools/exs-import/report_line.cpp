@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstdio>
+#include <utility>
+#include <vector>
 
 namespace lumo::exs {
 namespace {

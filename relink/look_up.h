@@ -65,10 +65,12 @@ auto look_up_at(int folder, const char* path, Call call) {
                       : call(folder, path);
 }
 
+/// Whether an open with these flags can neither write to a file nor create or empty one.
 inline bool only_reads(int flags) {
     return (flags & (O_ACCMODE | O_CREAT | O_TRUNC)) == O_RDONLY;
 }
 
+/// The same for the mode of a stream, which is not null.
 inline bool only_reads(const char* mode) {
     return mode[0] == 'r' && !std::strchr(mode, '+');
 }

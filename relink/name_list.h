@@ -10,6 +10,7 @@ namespace lumo::exs::relink {
 /// Names one behind the other, each with a NUL at its end; a name is known by where it begins.
 class NameList {
 public:
+    /// Adds a name, which has no NUL in it.
     void add(std::string_view name) {
         bytes_.append(name).push_back('\0');
         ++count_;

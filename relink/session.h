@@ -12,6 +12,8 @@ namespace lumo::exs::relink::session {
 /// thread, so until this says true they touch nothing else of the library.
 extern constinit std::atomic<bool> opened;
 
+/// Whether a session is open, as far as this thread has heard: it decides nothing but whether the
+/// session is asked.
 inline bool is_open() noexcept {
     return opened.load(std::memory_order_relaxed);
 }

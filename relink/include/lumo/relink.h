@@ -55,7 +55,8 @@ struct Result {
 /// nest; each begin is followed by one end.
 LUMO_RELINK_EXPORT void begin(const SampleIndex& index);
 
-/// Closes the session and hands over what it recorded; the library keeps nothing of it.
+/// Closes the session and hands over what it recorded; the library keeps nothing of it. Empty when
+/// no session is open.
 LUMO_RELINK_EXPORT Result end();
 
 } // namespace relink

@@ -1,24 +1,16 @@
 // A large map that is filled in the order of the disk spends its time waiting for memory: each name
 // falls into another bucket, and each growth of the map visits all that it holds. So the map gets
-// its size first, and the samples are put into it in the order of its buckets. What belongs
-// together then lies together, and when the index is destroyed its parts are met in the order of
-// memory.
-//
-// That order takes some bytes a sample beside the index. The samples are moved in two halves: the
-// bytes of the first are free when the index has its full size.
+// its size first, and the samples are put into it in the order of its buckets, the list of a name
+// with its size from the start. When the index is destroyed, its parts are met in the order
+// of memory.
 #include "found_samples.h"
 
 #include "sample_names.h"
 
 #include <algorithm>
-#include <numeric>
-#include <span>
 
 namespace lumo::exs::relink {
 namespace {
-
-/// How many lots the samples are moved in.
-constexpr std::size_t parts = 2;
 
 /// How many samples ahead the memory is asked for that a sample is read from.
 constexpr std::size_t ahead = 8;
@@ -53,28 +45,38 @@ bool FoundSamples::are_in(const SampleIndex& index, const std::string& root) con
 void FoundSamples::move_into(SampleIndex& index, const std::string& root) {
     folders_.shrink_to_fit();
     make_room(index, count_);
-    for (std::size_t part = 0; part < parts; ++part) {
-        move_folders(folders_.size() * part / parts, folders_.size() * (part + 1) / parts, index,
-                     root);
+    const std::vector<Place> places = in_order_of(index);
+    std::string key;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        if (i + ahead < places.size()) {
+            prefetch(places[i + ahead]);
+        }
+        const Folder& folder = folders_[places[i].folder];
+        const std::string_view name = name_at(places[i]);
+        make_key(name, key);
+        std::vector<SampleIndex::Entry>& entries = index.files[key];
+        if (entries.empty()) {
+            entries.reserve(count_of_key(key, places, i));
+        }
+        SampleIndex::Entry& entry = entries.emplace_back();
+        entry.path.reserve(folder.path.size() + name.size());
+        entry.path.append(folder.path).append(name);
+        entry.root = root;
     }
     index.entries += count_;
     *this = {};
 }
 
-std::vector<FoundSamples::Place> FoundSamples::in_order_of_buckets(std::size_t begin,
-                                                                   std::size_t end,
-                                                                   const SampleIndex& index) const {
+std::vector<FoundSamples::Place> FoundSamples::in_order_of(const SampleIndex& index) const {
     std::string key;
     std::vector<Place> places;
-    const auto folders = std::span(folders_).subspan(begin, end - begin);
-    places.reserve(std::accumulate(
-        folders.begin(), folders.end(), std::size_t{0},
-        [](std::size_t count, const Folder& folder) { return count + folder.names.count(); }));
-    for (std::size_t folder = begin; folder < end; ++folder) {
+    places.reserve(count_);
+    for (std::size_t folder = 0; folder < folders_.size(); ++folder) {
         folders_[folder].names.for_each([&](std::string_view name, std::size_t place) {
             make_key(name, key);
             places.push_back({static_cast<std::uint32_t>(index.files.bucket(key)),
-                              static_cast<std::uint32_t>(folder), place});
+                              static_cast<std::uint32_t>(folder),
+                              static_cast<std::uint32_t>(place)});
         });
     }
     std::sort(places.begin(), places.end(),
@@ -82,31 +84,27 @@ std::vector<FoundSamples::Place> FoundSamples::in_order_of_buckets(std::size_t b
     return places;
 }
 
-void FoundSamples::prefetch(const Place& place) const {
-    const Folder& folder = folders_[place.folder];
-    __builtin_prefetch(folder.names.at(place.name));
-    __builtin_prefetch(folder.path.data());
-    __builtin_prefetch(folder.path.data() + folder.path.size() / 2);
+std::size_t FoundSamples::count_of_key(const std::string& wanted, const std::vector<Place>& places,
+                                       std::size_t first) const {
+    std::string key;
+    std::size_t count = 1;
+    for (std::size_t i = first + 1; i < places.size() && places[i].bucket == places[first].bucket;
+         ++i) {
+        make_key(name_at(places[i]), key);
+        count += key == wanted ? 1 : 0;
+    }
+    return count;
 }
 
-void FoundSamples::move_folders(std::size_t begin, std::size_t end, SampleIndex& index,
-                                const std::string& root) {
-    const std::vector<Place> places = in_order_of_buckets(begin, end, index);
-    std::string key;
-    for (std::size_t i = 0; i < places.size(); ++i) {
-        if (i + ahead < places.size()) {
-            prefetch(places[i + ahead]);
-        }
-        const Folder& folder = folders_[places[i].folder];
-        const std::string_view name = folder.names.at(places[i].name);
-        make_key(name, key);
-        SampleIndex::Entry& entry = index.files[key].emplace_back(SampleIndex::Entry{{}, root});
-        entry.path.reserve(folder.path.size() + name.size());
-        entry.path.append(folder.path).append(name);
-    }
-    for (std::size_t folder = begin; folder < end; ++folder) {
-        folders_[folder] = {};
-    }
+const char* FoundSamples::name_at(const Place& place) const {
+    return folders_[place.folder].names.at(place.name);
+}
+
+void FoundSamples::prefetch(const Place& place) const {
+    const Folder& folder = folders_[place.folder];
+    __builtin_prefetch(name_at(place));
+    __builtin_prefetch(folder.path.data());
+    __builtin_prefetch(folder.path.data() + folder.path.size() / 2);
 }
 
 } // namespace lumo::exs::relink

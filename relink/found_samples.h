@@ -31,16 +31,18 @@ private:
 
     /// Where a sample is among those found, and the bucket of the index that it belongs into.
     struct Place {
-        std::uint32_t bucket; // the order alone depends on it: bits may be lost
+        std::uint32_t bucket; // only the order depends on it: bits may be lost
         std::uint32_t folder;
-        std::size_t name;
+        std::uint32_t name;
     };
 
-    std::vector<Place> in_order_of_buckets(std::size_t begin, std::size_t end,
-                                           const SampleIndex& index) const;
+    std::vector<Place> in_order_of(const SampleIndex& index) const;
+
+    /// How many of `places` from `first` on have the key `wanted`, that of the first.
+    std::size_t count_of_key(const std::string& wanted, const std::vector<Place>& places,
+                             std::size_t first) const;
+    const char* name_at(const Place& place) const;
     void prefetch(const Place& place) const;
-    void move_folders(std::size_t begin, std::size_t end, SampleIndex& index,
-                      const std::string& root);
 
     std::vector<Folder> folders_;
     std::size_t count_ = 0;

@@ -12,7 +12,6 @@
 #include <array>
 #include <cerrno>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
 namespace lumo::platform {

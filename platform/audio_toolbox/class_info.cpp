@@ -9,9 +9,9 @@
 #include <AudioToolbox/AudioToolbox.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <utility>
 #include <vector>
 

@@ -7,9 +7,6 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <optional>
-#include <string>
-
 namespace lumo::platform {
 
 /// What a sampler unit holds.

@@ -6,7 +6,6 @@
 
 #include <AudioToolbox/AudioToolbox.h>
 
-#include <algorithm>
 #include <cstring>
 
 namespace lumo::platform {

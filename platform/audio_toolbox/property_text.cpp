@@ -2,6 +2,8 @@
 
 #include <strings.h>
 
+#include <cstddef>
+
 namespace lumo::platform {
 namespace {
 

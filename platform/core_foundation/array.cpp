@@ -4,7 +4,8 @@
 #include "core_foundation/callbacks.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstddef>
+#include <cstdint>
 #include <new>
 
 namespace lumo::platform {

@@ -3,6 +3,9 @@
 
 #include "core_foundation/container.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <new>
 #include <span>
 
 namespace lumo::platform {

@@ -2,6 +2,8 @@
 // that a copy of one means the same; containers then never call through them.
 #include "core_foundation/callbacks.h"
 
+#include <cstdint>
+
 namespace lumo::platform {
 namespace {
 

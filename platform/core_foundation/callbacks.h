@@ -4,6 +4,8 @@
 
 #include "core_foundation/container.h"
 
+#include <cstdint>
+
 namespace lumo::platform {
 
 /// Container::owns_values for kCFTypeArrayCallBacks, 0 for null; any other callbacks stop the

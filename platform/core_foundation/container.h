@@ -3,6 +3,9 @@
 
 #include "core_foundation/object.h"
 
+#include <cstddef>
+#include <cstdint>
+
 namespace lumo::platform {
 
 struct Container : Object {

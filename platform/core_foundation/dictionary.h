@@ -4,6 +4,9 @@
 
 #include "core_foundation/container.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <new>
 #include <optional>
 #include <span>
 

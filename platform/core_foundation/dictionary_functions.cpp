@@ -3,6 +3,8 @@
 #include "core_foundation/callbacks.h"
 #include "core_foundation/dictionary.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <utility>
 
 using namespace lumo::platform;

@@ -4,6 +4,7 @@
 #include "core_foundation/string.h"
 
 #include <cstddef>
+#include <cstdint>
 
 namespace lumo::platform {
 

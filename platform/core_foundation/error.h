@@ -4,6 +4,7 @@
 #include "core_foundation/object.h"
 
 #include <string_view>
+#include <utility>
 
 namespace lumo::platform {
 

@@ -3,8 +3,11 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <type_traits>
 
 using namespace lumo::platform;
 

@@ -5,6 +5,7 @@
 #include "core_foundation/objects.h"
 #include "core_foundation/url.h"
 
+#include <new>
 #include <utility>
 #include <vector>
 

@@ -6,7 +6,6 @@
 #include <sys/single_threaded.h>
 
 #include <atomic>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 

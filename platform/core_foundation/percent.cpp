@@ -2,6 +2,7 @@
 #include "core_foundation/percent.h"
 
 #include <algorithm>
+#include <cstddef>
 
 namespace lumo::platform {
 namespace {

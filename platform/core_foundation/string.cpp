@@ -5,10 +5,10 @@
 #include "core_foundation/unicode.h"
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <new>
 #include <stdexcept>
+#include <string>
 
 namespace lumo::platform {
 namespace {

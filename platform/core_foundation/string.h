@@ -3,6 +3,9 @@
 
 #include "core_foundation/object.h"
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <string_view>
 
 namespace lumo::platform {

@@ -2,8 +2,9 @@
 #include "core_foundation/encodings.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstdint>
 #include <limits>
+#include <string_view>
 
 using namespace lumo::platform;
 

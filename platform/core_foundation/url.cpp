@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <climits>
+#include <cstddef>
 #include <cstring>
 #include <optional>
 

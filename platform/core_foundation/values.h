@@ -3,6 +3,9 @@
 
 #include "core_foundation/object.h"
 
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <span>
 
 namespace lumo::platform {

@@ -8,6 +8,7 @@
 
 #include <bit>
 #include <stdexcept>
+#include <utility>
 
 namespace lumo::platform {
 namespace {

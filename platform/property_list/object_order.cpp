@@ -5,8 +5,12 @@
 #include "core_foundation/string.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <span>
 #include <utility>
+#include <vector>
 
 namespace lumo::platform {
 namespace {

@@ -9,7 +9,6 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <cstddef>
 #include <new>
 #include <stdexcept>
 #include <string_view>

@@ -13,6 +13,7 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>

@@ -15,11 +15,11 @@
 #include "property_list/xml_scanner.h"
 #include "property_list/xml_values.h"
 
-#include <cmath>
 #include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace lumo::platform {

@@ -12,6 +12,7 @@
 #include <charconv>
 #include <cstddef>
 #include <cstring>
+#include <system_error>
 
 namespace lumo::platform {
 namespace {

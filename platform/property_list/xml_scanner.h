@@ -2,6 +2,7 @@
 // text between them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>

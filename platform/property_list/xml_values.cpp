@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
 #include <limits>
+#include <system_error>
 
 namespace lumo::platform {
 namespace {

@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <numeric>
+#include <optional>
 
 namespace lumo::platform {
 namespace {

@@ -4,7 +4,6 @@
 #include "sampler/exs_instrument.h"
 
 #include <cstddef>
-#include <optional>
 #include <vector>
 
 namespace lumo::platform {

@@ -9,6 +9,8 @@
 #include "sampler/exs_parameters.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <utility>
 
 namespace lumo::platform {
 namespace {

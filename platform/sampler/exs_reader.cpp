@@ -12,6 +12,7 @@
 #include "sampler/exs_text.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace lumo::platform {
 namespace {

@@ -12,6 +12,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <algorithm>
+#include <cstddef>
 
 namespace lumo::platform {
 namespace {

@@ -2,7 +2,7 @@
 // keys are made once, and a dictionary is made with all its entries at hand, in one allocation.
 #include "sampler/state_dictionary.h"
 
-#include <stdexcept>
+#include <utility>
 
 namespace lumo::platform {
 

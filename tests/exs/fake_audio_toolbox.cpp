@@ -1,6 +1,7 @@
 #include "fake_audio_toolbox.h"
 
 #include <array>
+#include <cstddef>
 
 namespace lumo::test {
 

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <vector>
 
 namespace {
 

@@ -1,6 +1,9 @@
 // How the state of an instrument is written and checked.
 #include "import_fixture.h"
 
+#include <cstddef>
+#include <iterator>
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -1,6 +1,8 @@
 // Audio files for tests: real ones made by libsndfile, and beginnings of those it does not write.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>

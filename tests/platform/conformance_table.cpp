@@ -1,6 +1,7 @@
 #include "platform/conformance_table.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 
 namespace lumo::test {

@@ -1,6 +1,7 @@
 // A count of how recorded results of CoreFoundation compare with what this platform gives.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>

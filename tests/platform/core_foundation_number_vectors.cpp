@@ -3,7 +3,9 @@
 #include "platform/number_records.h"
 
 #include <array>
-#include <cstdlib>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 
 namespace lumo::test {

@@ -2,6 +2,7 @@
 #include "platform/core_foundation_vectors.h"
 
 #include <array>
+#include <cstddef>
 #include <filesystem>
 
 namespace lumo::test {

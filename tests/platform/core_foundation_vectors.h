@@ -7,7 +7,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
-#include <cstdint>
+#include <cstddef>
 #include <fstream>
 #include <memory>
 #include <nlohmann/json.hpp>

@@ -7,7 +7,6 @@
 #include <cctype>
 #include <cstdint>
 #include <set>
-#include <span>
 #include <string>
 
 namespace lumo::platform {

@@ -1,6 +1,7 @@
 #include "platform/number_records.h"
 
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 
 namespace lumo::test {

@@ -1,6 +1,9 @@
 // Reading property lists, compared with recorded results of CoreFoundation.
 #include "platform/property_list_text.h"
 
+#include <map>
+#include <vector>
+
 namespace lumo::test {
 namespace {
 

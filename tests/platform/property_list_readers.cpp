@@ -7,7 +7,7 @@
 #include <plist/plist.h>
 
 #include <bit>
-#include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <ostream>

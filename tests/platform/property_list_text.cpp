@@ -5,8 +5,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdio>
 #include <filesystem>
+#include <system_error>
+#include <utility>
+#include <vector>
 
 namespace lumo::test {
 namespace {

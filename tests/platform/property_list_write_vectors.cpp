@@ -2,8 +2,11 @@
 #include "platform/number_records.h"
 #include "platform/property_list_text.h"
 
+#include <cstddef>
 #include <cstdlib>
 #include <set>
+#include <utility>
+#include <vector>
 
 namespace lumo::test {
 namespace {

@@ -1,6 +1,7 @@
 // Property lists in XML, as CoreFoundation reads them. Public headers only.
 #include "platform/property_list_text.h"
 
+#include <cstddef>
 #include <string>
 
 namespace lumo::test {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace lumo::exs::relink {
 
 /// The files that these tests pretend to have.

@@ -8,9 +8,12 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
+#include <iterator>
 #include <map>
 #include <random>
 #include <set>
+#include <system_error>
 #include <tuple>
 
 namespace lumo::exs {

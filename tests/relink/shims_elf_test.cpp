@@ -15,7 +15,9 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <functional>
+#include <ostream>
 
 // What fortified programs and those built with an older glibc call; no header declares them here.
 // NOLINTBEGIN(bugprone-reserved-identifier)

@@ -9,6 +9,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <vector>
 
 namespace lumo::exs::relink {
 namespace {

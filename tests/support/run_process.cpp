@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cstddef>
 #include <stdexcept>
 
 namespace lumo::test {

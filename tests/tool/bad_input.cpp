@@ -5,6 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <system_error>
+
 namespace {
 
 namespace fs = std::filesystem;

@@ -2,6 +2,8 @@
 #include "exs/list_values.h"
 #include "tool_fixture.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <map>
 
 namespace {

@@ -4,9 +4,11 @@
 
 #include <unistd.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <memory>
 #include <set>
-#include <sstream>
 
 namespace {
 

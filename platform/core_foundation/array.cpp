@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
+#include <utility>
 
 namespace lumo::platform {
 namespace {
@@ -51,11 +52,15 @@ Array& mutable_array(CFMutableArrayRef reference) {
 } // namespace
 
 Owned make_array(std::span<Owned> items) {
-    Array* array = allocate(Container::owns_values, items.size());
+    auto array = make_array_with_room(items.size());
     for (Owned& item : items) {
-        array->values[array->count++] = item.release();
+        array->take(std::move(item));
     }
-    return Owned{array};
+    return array;
+}
+
+std::unique_ptr<Array, Releaser> make_array_with_room(std::size_t room) {
+    return std::unique_ptr<Array, Releaser>{allocate(Container::owns_values, room)};
 }
 
 } // namespace lumo::platform

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <span>
 
@@ -19,11 +20,16 @@ struct Array : Container {
         return static_cast<const void*>(values) == static_cast<const void*>(this + 1);
     }
 
+    /// Adds an object at the end, for which there must be room, and takes over its reference.
+    void take(Owned item) noexcept { values[count++] = item.release(); }
+
     const Object** values = nullptr;
 };
 
 /// An array of the given objects, whose references it takes over (they are null afterwards).
 Owned make_array(std::span<Owned> items);
+/// An empty array with room for `room` objects, to be filled before anybody else sees it.
+std::unique_ptr<Array, Releaser> make_array_with_room(std::size_t room);
 
 /// Drops everything the array owns: `drop_child` is called with each object, then the storage of
 /// the values goes.

@@ -2,7 +2,8 @@
 // references handed over, and how their values are looked at without a call.
 //
 // A reader keeps the values it has finished on one std::vector<Owned>; when a container ends,
-// make_array or make_dictionary takes over the values from its start on.
+// make_array, make_dictionary or make_set takes over the values from its start on. One that knows
+// an array's size beforehand fills it at once (make_array_with_room).
 #pragma once
 
 #include "core_foundation/array.h"

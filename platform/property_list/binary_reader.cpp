@@ -14,6 +14,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -44,17 +45,18 @@ struct Extent {
     std::size_t count;
 };
 
-/// A container under way. Its children are the values from `first` on.
+/// A container under way. The children made so far are in `array`, or else the values from `first`
+/// on.
 struct OpenContainer {
     std::size_t object; ///< Its number.
-    std::size_t place;  ///< Which of the values it will be.
     Marker marker;
     unsigned in_pairs;    ///< 1 in a dictionary, else 0.
     std::size_t refs;     ///< Where its references begin.
     std::size_t children; ///< How many there are, keys counted.
     std::size_t first;
-    std::size_t next = 0;   ///< The child to be read next.
-    std::size_t height = 1; ///< So far.
+    std::unique_ptr<Array, Releaser> array; ///< Null unless it is one.
+    std::size_t next = 0;                   ///< The child to be read next.
+    std::size_t height = 1;                 ///< So far.
 
     /// Which reference is that of a child: in the file the keys of a dictionary come before the
     /// values, here they take turns.
@@ -79,11 +81,13 @@ public:
 private:
     bool read_children();
     void share_known_leaves(OpenContainer& container);
-    bool read_object(std::uint64_t object, std::size_t place, bool as_key);
+    bool read_object(std::uint64_t object, bool as_key);
     void share_equal(std::uint64_t object);
-    bool open_container(std::size_t object, std::size_t place, std::size_t offset);
+    bool open_container(std::size_t object, std::size_t offset);
     void close_container();
-    bool put_container(const Slot& container, std::size_t place);
+    Owned made_of(OpenContainer& container);
+    bool hand_out_container(const Slot& container);
+    void hand_out(const Slot& slot);
 
     Owned read_leaf(std::size_t offset);
     Owned read_single(std::size_t offset) const;
@@ -114,11 +118,11 @@ private:
     HashIndex by_value_;      ///< Strings and data.
     const Dictionary* last_dictionary_ = nullptr; ///< The one made last.
     std::vector<OpenContainer> open_;
-    std::vector<Owned> values_ = std::vector<Owned>(1); ///< The root, then children of the open.
+    std::vector<Owned> values_; ///< Children of open dictionaries and sets; at last, the root.
 };
 
 Owned BinaryReader::read() {
-    if (!read_object(trailer_.root, 0, false)) {
+    if (!read_object(trailer_.root, false)) {
         return nullptr;
     }
     while (!open_.empty()) {
@@ -126,7 +130,7 @@ Owned BinaryReader::read() {
             return nullptr;
         }
     }
-    return std::move(values_[0]);
+    return std::move(values_.back());
 }
 
 /// Goes on with the innermost open container, up to its end or to a container in it.
@@ -140,7 +144,7 @@ bool BinaryReader::read_children() {
             return true;
         }
         const std::size_t child = top.next++;
-        if (!read_object(ref(top, child), top.first + child, top.is_key(child))) {
+        if (!read_object(ref(top, child), top.is_key(child))) {
             return false;
         }
     } while (open_.size() == depth);
@@ -154,18 +158,18 @@ void BinaryReader::share_known_leaves(OpenContainer& container) {
         if (object >= slots_.size() || slots_[object].height != 0) {
             return;
         }
-        values_[container.first + container.next] = share_unshared(slots_[object].object.get());
+        hand_out(slots_[object]);
     }
 }
 
-/// Puts an object in its place among the values, or opens it when it is a container not met before.
-bool BinaryReader::read_object(std::uint64_t object, std::size_t place, bool as_key) {
+/// Hands out an object, or opens it when it is a container not met before.
+bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
     if (object >= trailer_.count || slots_[object].height == under_way) {
         return false;
     }
     Slot& slot = slots_[object];
     if (slot.height != unmet) {
-        return !as_key && put_container(slot, place);
+        return !as_key && hand_out_container(slot);
     }
     const std::uint64_t offset =
         number(trailer_.table + object * trailer_.offset_width, trailer_.offset_width);
@@ -173,7 +177,7 @@ bool BinaryReader::read_object(std::uint64_t object, std::size_t place, bool as_
         return false;
     }
     if (is_container(marker(offset))) {
-        return !as_key && open_container(object, place, offset);
+        return !as_key && open_container(object, offset);
     }
     slot.object = read_leaf(offset);
     if (!slot.object) {
@@ -181,7 +185,7 @@ bool BinaryReader::read_object(std::uint64_t object, std::size_t place, bool as_
     }
     slot.height = 0;
     share_equal(object);
-    values_[place] = share_unshared(slot.object.get());
+    hand_out(slot);
     return true;
 }
 
@@ -204,56 +208,69 @@ void BinaryReader::share_equal(std::uint64_t object) {
     }
 }
 
-bool BinaryReader::open_container(std::size_t object, std::size_t place, std::size_t offset) {
+bool BinaryReader::open_container(std::size_t object, std::size_t offset) {
     const unsigned in_pairs = marker(offset) == Marker::dictionary ? 1 : 0;
     const auto refs = extent(offset, trailer_.ref_width << in_pairs);
     if (!refs || open_.size() + (refs->count > 0 ? 1 : 0) > most_levels_in_binary) {
         return false;
     }
     slots_[object].height = under_way;
+    const bool is_array = marker(offset) == Marker::array;
     open_.push_back({.object = object,
-                     .place = place,
                      .marker = marker(offset),
                      .in_pairs = in_pairs,
                      .refs = refs->at,
                      .children = refs->count << in_pairs,
-                     .first = values_.size()});
-    values_.resize(values_.size() + open_.back().children);
+                     .first = values_.size(),
+                     .array = is_array ? make_array_with_room(refs->count) : nullptr});
     return true;
 }
 
 /// Makes the innermost open container, all of whose children are there.
 void BinaryReader::close_container() {
-    const OpenContainer container = open_.back();
+    OpenContainer container = std::move(open_.back());
     open_.pop_back();
-    const std::span<Owned> children = std::span{values_}.subspan(container.first);
     Slot& slot = slots_[container.object];
-    switch (container.marker) {
-    case Marker::array:
-        slot.object = make_array(children);
-        break;
-    case Marker::set:
-        slot.object = make_set(children);
-        break;
-    default:
-        slot.object = make_dictionary(children, Duplicates::first_wins, last_dictionary_);
-        last_dictionary_ = &as<Dictionary>(slot.object.get());
-    }
+    slot.object = made_of(container);
     slot.height = static_cast<std::uint16_t>(container.height);
     values_.resize(container.first);
-    put_container(slot, container.place);
+    hand_out_container(slot);
 }
 
-/// Puts a finished container in its place. False when the open ones and it are too deep together.
-bool BinaryReader::put_container(const Slot& container, std::size_t place) {
+Owned BinaryReader::made_of(OpenContainer& container) {
+    if (container.array) {
+        return std::move(container.array);
+    }
+    const std::span<Owned> children = std::span{values_}.subspan(container.first);
+    if (container.marker == Marker::set) {
+        return make_set(children);
+    }
+    Owned dictionary = make_dictionary(children, Duplicates::first_wins, last_dictionary_);
+    last_dictionary_ = &as<Dictionary>(dictionary.get());
+    return dictionary;
+}
+
+/// Hands out a finished container. False when the open ones and it are too deep together.
+bool BinaryReader::hand_out_container(const Slot& container) {
     if (open_.size() + container.height > most_levels_in_binary + 1) {
         return false;
     }
     if (!open_.empty()) {
         open_.back().height = std::max<std::size_t>(open_.back().height, container.height + 1u);
     }
-    values_[place] = share_unshared(container.object.get());
+    hand_out(container);
     return true;
+}
+
+/// Gives a finished object, with a reference, to the innermost open container as its next child.
+/// Without one it is the root.
+inline void BinaryReader::hand_out(const Slot& slot) {
+    Owned value = share_unshared(slot.object.get());
+    if (!open_.empty() && open_.back().array) {
+        open_.back().array->take(std::move(value));
+    } else {
+        values_.push_back(std::move(value));
+    }
 }
 
 Owned BinaryReader::read_leaf(std::size_t offset) {

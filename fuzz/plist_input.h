@@ -9,10 +9,12 @@
 #include <memory>
 #include <type_traits>
 
+/// The deleter of Holder.
 struct Release {
     void operator()(const void* object) const { CFRelease(object); }
 };
 
+/// Owns the result of a Create function.
 template <class Ref>
 using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
 

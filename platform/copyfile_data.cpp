@@ -49,7 +49,7 @@ bool write_all(int to, const char* bytes, std::size_t count, off_t at) {
 
 /// Copies from `at` up to `end` or the end of the file.
 bool copy_by_hand(int from, int to, off_t at, off_t end) {
-    std::array<char, buffer_size> buffer; // NOLINT: filled by pread as far as it is used
+    std::array<char, buffer_size> buffer; // not zeroed: pread fills what is used of it
     while (at < end) {
         const auto length = std::min(buffer.size(), static_cast<std::size_t>(end - at));
         const ssize_t count =

@@ -43,8 +43,8 @@ bool remove_inherited_acl(int to) {
 }
 
 bool copy_attributes(int from, int to, copyfile_flags_t flags) {
-    std::array<char, XATTR_LIST_MAX> names; // NOLINT: filled by flistxattr as far as it is used
-    AttributeValue value;                   // NOLINT: filled by fgetxattr as far as it is used
+    std::array<char, XATTR_LIST_MAX> names; // not zeroed, as the next: filled as far as used
+    AttributeValue value;
     const ssize_t size = ::flistxattr(from, names.data(), names.size());
     if (size < 0 && !is_unavailable(errno)) {
         return false;

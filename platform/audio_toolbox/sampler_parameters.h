@@ -19,6 +19,7 @@ struct SamplerParameters {
     bool operator==(const SamplerParameters&) const = default;
 };
 
+/// The bytes of one record with all four parameters: its head of 12 and 8 for each.
 constexpr std::size_t parameter_data_size = 44;
 
 /// `parameters` with what the records in `data` say. Nothing when a record is for a scope that

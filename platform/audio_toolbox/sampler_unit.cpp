@@ -1,3 +1,5 @@
+// A load is made in a state of its own, which takes the place of the unit's once every sample has
+// been opened.
 #include "audio_toolbox/sampler_unit.h"
 
 #include "sampler/exs_load.h"

@@ -8,6 +8,7 @@
 
 namespace lumo::platform {
 
+/// What begins every container. `count` of its `capacity` places are taken.
 struct Container : Object {
     /// Bits of `detail`. A container made with null callbacks holds pointers that it does not own
     /// and that need not be objects.
@@ -25,6 +26,7 @@ struct Container : Object {
     };
 };
 
+/// Whether objects of this kind are containers.
 inline bool is_container(Kind kind) noexcept {
     return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
 }

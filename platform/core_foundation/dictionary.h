@@ -12,11 +12,13 @@
 
 namespace lumo::platform {
 
+/// A key and its value, both references or both bare pointers, as the dictionary's flags tell.
 struct Entry {
     const Object* key;
     const Object* value; ///< Null in a set.
 };
 
+/// A dictionary or, by its kind, a set.
 struct Dictionary : Container {
     Dictionary(Kind dictionary_kind, std::uint8_t flags, std::size_t room)
         : Container{dictionary_kind, flags, room} {}

@@ -8,6 +8,7 @@
 
 namespace lumo::platform {
 
+/// An error; both texts are Strings.
 struct Error : Object {
     Error(CFIndex error_code, Owned error_domain, Owned error_description)
         : Object{Kind::error}, code{error_code}, domain{std::move(error_domain)},

@@ -5,8 +5,10 @@
 
 namespace lumo::platform {
 
+/// How a number is kept, in the `detail` of its object.
 enum class NumberKind : std::uint8_t { integer, wide_integer, real, real32 };
 
+/// A number of any kind; only wide ones have more to them.
 struct Number : Object {
     constexpr explicit Number(std::int64_t value, CFNumberType number_type = kCFNumberSInt64Type,
                               std::uint32_t count = 1)
@@ -51,11 +53,15 @@ inline std::int64_t high_bits(const Number& number) noexcept {
 Owned make_integer(std::int64_t value);
 /// A 128-bit number, also when the value would fit 64 bits.
 Owned make_integer_128(std::int64_t high, std::uint64_t low);
+/// A real of double precision.
 Owned make_real(double value);
 /// A number that remembers being of single precision.
 Owned make_real32(float value);
 
+/// Whether two numbers have the same value, whatever their kinds. NaNs are equal, 0.0 and -0.0 are
+/// not.
 bool equal_numbers(const Number& a, const Number& b) noexcept;
+/// A hash, the same for equal numbers.
 std::uint32_t hash_number(const Number& number) noexcept;
 
 } // namespace lumo::platform

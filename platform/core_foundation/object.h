@@ -30,6 +30,7 @@ enum class Kind : std::uint8_t {
 /// Counts from here on are never changed: the object lives as long as the process.
 inline constexpr std::uint32_t immortal = 0x80000000;
 
+/// What every object begins with.
 struct Object {
     constexpr explicit Object(Kind object_kind, std::uint8_t object_detail = 0,
                               std::uint32_t count = 1)
@@ -84,6 +85,7 @@ inline void release(const Object* object) noexcept {
     }
 }
 
+/// The deleter of smart pointers to objects.
 struct Releaser {
     void operator()(const Object* object) const noexcept { release(object); }
 };

@@ -52,7 +52,9 @@ Owned make_string_utf16(std::u16string_view units);
 /// A string of `units` UTF-16 units in big-endian bytes.
 Owned make_string_utf16be(const std::uint8_t* bytes, std::size_t units);
 
+/// Whether two strings have the same units.
 bool equal_strings(const String& a, const String& b) noexcept;
+/// A hash of the units, which the string remembers.
 std::uint32_t hash_string(const String& string) noexcept;
 
 } // namespace lumo::platform

@@ -22,13 +22,14 @@ struct Data : Object {
     std::size_t length;
 };
 
-/// Seconds since 2001-01-01 00:00:00 UTC.
+/// A date, in seconds since 2001-01-01 00:00:00 UTC.
 struct Date : Object {
     explicit Date(double seconds) : Object{Kind::date}, time{seconds} {}
 
     double time;
 };
 
+/// The UID of a keyed archive: the number of another object in it.
 struct Uid : Object {
     explicit Uid(std::uint32_t uid_value) : Object{Kind::uid}, value{uid_value} {}
 
@@ -41,12 +42,17 @@ Owned make_boolean(bool value) noexcept;
 /// The value of an object of Kind::boolean.
 bool boolean_value(const Object& boolean) noexcept;
 
+/// Data with a copy of the bytes.
 Owned make_data(std::span<const std::uint8_t> bytes);
 /// Data of `size` bytes that the caller fills in through `*bytes` before anybody else sees it.
 Owned make_data(std::size_t size, std::uint8_t** bytes);
+/// Whether the bytes are the same.
 bool equal_data(const Data& a, const Data& b) noexcept;
+/// A hash of the bytes, which the data remembers.
 std::uint32_t hash_data(const Data& data) noexcept;
+/// A date, in seconds since 2001-01-01 00:00:00 UTC.
 Owned make_date(double seconds);
+/// A UID.
 Owned make_uid(std::uint32_t value);
 
 } // namespace lumo::platform

@@ -3,9 +3,8 @@
 //     "bplist00"   the magic and a version of two characters
 //     objects      each a marker byte, perhaps a count, and its bytes
 //     table        the offset of each object in the file
-//     trailer      32 bytes, which tell the widths of offsets and references, the number of
-//     objects,
-//                  which one is the root, and where the table begins
+//     trailer      32 bytes: the widths of offsets and references, the number of objects, which of
+//                  them is the root, and where the table begins
 #pragma once
 
 #include <cstddef>

@@ -11,14 +11,18 @@
 
 namespace lumo::platform {
 
+/// Objects by number and, by these numbers, what the containers among them hold. The objects are
+/// borrowed.
 struct ObjectGraph {
+    /// An object; of a container also its references, in a dictionary first those to the keys, then
+    /// those to the values.
     struct Node {
         const Object* object;
-        std::size_t first_ref = 0; ///< Of a container: where its references begin in `refs`.
-        std::size_t ref_count =
-            0; ///< Of a dictionary: those to the keys, then those to the values.
+        std::size_t first_ref = 0; ///< Where its references begin in `refs`.
+        std::size_t ref_count = 0;
     };
 
+    /// The references of a container.
     std::span<std::uint32_t> refs_of(const Node& node) {
         return std::span{refs}.subspan(node.first_ref, node.ref_count);
     }

@@ -1,8 +1,7 @@
 // How CoreFoundation finds the encoding of an XML property list:
 // 1. A byte order mark decides, and a declaration is then ignored.
 // 2. A NUL among the first two bytes means UTF-16 without a mark. CoreFoundation drops the first
-// unit
-//    there and takes the order of the host, so such a file only reads when it opens with white
+//    unit there and takes the order of the host, so such a file only reads when it opens with white
 //    space; we agree with it.
 // 3. A file that starts with "<?xml" may declare encoding="..." in its first tag, byte by byte as
 //    written here: no blank, any quote.

@@ -133,8 +133,7 @@ std::optional<unsigned> two_digits(std::string_view text, std::size_t at) {
 
 enum : std::int8_t { skipped = -1, refused = -2 };
 
-/// What each byte counts for in base64. The quotation mark counts as zero, as CoreFoundation has
-/// it.
+/// What each byte counts for in base64. The padding, "=", counts as zero.
 constexpr std::array<std::int8_t, 256> base64_values = [] {
     std::array<std::int8_t, 256> values{};
     for (std::size_t i = 0; i < 256; ++i) {

@@ -9,18 +9,19 @@
 
 namespace lumo::platform {
 
+/// A chunk, in either byte order. It borrows the bytes of the file.
 class ExsChunk {
 public:
     static constexpr std::size_t header_size = 84;
 
     enum Type : std::uint8_t { instrument = 0, zone = 1, group = 2, sample = 3, parameters = 4 };
 
-    /// The chunk at the front of `file`, or nothing when there is none or it does not fit. It
-    /// borrows the bytes.
+    /// The chunk at the front of `file`, or nothing when there is none or it does not fit.
     static std::optional<ExsChunk> first_of(std::span<const std::uint8_t> file);
 
+    /// A Type, or the number of another chunk, up to 63.
     std::uint8_t type() const;
-    /// Header and content.
+    /// The bytes of header and content.
     std::size_t size() const { return bytes_.size(); }
 
     /// The fields at `offset` from the start of the chunk's header; `absent` when the chunk ends
@@ -32,6 +33,7 @@ public:
     std::int32_t s32(std::size_t offset, std::int32_t absent = 0) const;
     /// The text in `room` bytes (fewer at the chunk's end), up to the first zero byte, in UTF-8.
     std::string text(std::size_t offset, std::size_t room) const;
+    /// The chunk's own name.
     std::string name() const { return text(20, 64); }
 
 private:

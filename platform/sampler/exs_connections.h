@@ -39,14 +39,15 @@ enum : std::uint32_t {
 constexpr std::uint32_t in_layer(std::uint32_t number, std::uint32_t layer) {
     return number < of_layer ? number : number + (layer << 8);
 }
-/// How many layers the numbers can tell apart.
+/// How many layers the numbers can tell apart: they have the bits 8 to 19 for it.
 inline constexpr std::size_t most_layers = 4096;
 } // namespace code
 
+/// What moves what: from `source`, scaled by `control`, to `destination`, in its units.
 struct ExsConnection {
     enum Transform { linear = 1, concave = 2 };
 
-    int id = 0;
+    int id = 0; ///< its number in the layer
     std::uint32_t source = code::none;
     std::uint32_t destination = code::none;
     std::uint32_t control = code::none; ///< scales the source

@@ -53,6 +53,7 @@ struct ExsSample {
     std::uint32_t frames = 0; ///< 0: unknown
 };
 
+/// All of a file.
 struct ExsInstrument {
     std::vector<ExsZone> zones;     ///< in the order of their chunks, as are
     std::vector<ExsGroup> groups;   ///< the groups

@@ -18,6 +18,7 @@ struct ExsPlacedZone {
     bool enabled;
 };
 
+/// A layer of the sampler.
 struct ExsLayer {
     const ExsGroup* group = nullptr;  ///< null: the zones without a group
     std::vector<ExsPlacedZone> zones; ///< by ascending low key, equal ones as in the file

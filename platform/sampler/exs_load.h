@@ -14,10 +14,12 @@ namespace lumo::platform {
 
 /// What an instrument gives the sampler.
 struct LoadedInstrument {
-    Ref<CFDictionaryRef> instrument; ///< the state's "Instrument"
-    Ref<CFDictionaryRef>
-        references; ///< the state's "file-references": "Sample:" and a number to a path
-    std::vector<std::string> samples; ///< the paths of the samples, in the order to open them in
+    /// The state's "Instrument".
+    Ref<CFDictionaryRef> instrument;
+    /// The state's "file-references": from "Sample:" and a number to a path.
+    Ref<CFDictionaryRef> references;
+    /// The paths of the samples, in the order to open them in.
+    std::vector<std::string> samples;
 };
 
 /// Reads the EXS24 instrument in the file at `path` into `loaded`; opens none of its samples.

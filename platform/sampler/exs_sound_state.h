@@ -9,7 +9,7 @@
 
 namespace lumo::platform {
 
-/// Ready to stand in every layer, but for the connections.
+/// Parts of a state, ready to stand in every layer, but for the connections.
 struct ExsSoundState {
     StateValue amplifier;
     StateValue oscillator;
@@ -20,9 +20,10 @@ struct ExsSoundState {
     std::vector<ExsConnection> connections; ///< those of layer 0
 };
 
+/// The parts of a state that these parameters stand for.
 ExsSoundState exs_sound_state(const StateKeys& keys, const ExsParameters& parameters);
 
-/// `connections` as those of layer `layer`.
+/// The array of `connections` as those of layer `layer`, numbered from 0.
 StateValue exs_connections_state(const StateKeys& keys,
                                  const std::vector<ExsConnection>& connections,
                                  std::uint32_t layer);

@@ -130,7 +130,7 @@ void skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
 }
 
 OSStatus judge(int fd, off_t size) {
-    std::array<std::uint8_t, audio_head_size> buffer; // NOLINT: filled as far as it is used
+    std::array<std::uint8_t, audio_head_size> buffer; // not zeroed: filled as far as used
     SampleReader reader{fd, 0, size};
     skip_tags(reader, buffer);
     const AudioHead kind = audio_head(reader.head);

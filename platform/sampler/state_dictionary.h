@@ -16,12 +16,15 @@ namespace lumo::platform {
 /// A value of a state; made once, it may stand in many places.
 using StateValue = Ref<CFTypeRef>;
 
+/// A whole number of 64 bits.
 StateValue state_integer(std::int64_t value);
-/// The sampler counts in single precision.
+/// A real of single precision, in which the sampler counts.
 StateValue state_real(float value);
+/// A boolean.
 StateValue state_boolean(bool value);
 /// `text` in UTF-8; what is not becomes an empty text.
 StateValue state_text(const std::string& text);
+/// An array that holds these values as well.
 StateValue state_array(const std::vector<StateValue>& values);
 
 /// The keys of the dictionaries, each made once for a whole state.
@@ -76,6 +79,7 @@ class StateDictionary {
 public:
     static constexpr std::size_t most = 16;
 
+    /// Adds an entry. The key is borrowed until `make`. Throws std::out_of_range beyond `most`.
     StateDictionary& set(const StateValue& key, StateValue value);
     StateDictionary& integer(const StateValue& key, std::int64_t value) {
         return set(key, state_integer(value));
@@ -89,6 +93,7 @@ public:
     StateDictionary& text(const StateValue& key, const std::string& value) {
         return set(key, state_text(value));
     }
+    /// A dictionary of the entries so far.
     StateValue make() const;
 
 private:

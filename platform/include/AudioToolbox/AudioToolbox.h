@@ -15,6 +15,8 @@ typedef UInt32 AudioUnitPropertyID;
 typedef UInt32 AudioUnitScope;
 typedef UInt32 AudioUnitElement;
 
+/// Which components are meant: codes of four characters, and flags, of which those in the mask
+/// count.
 typedef struct AudioComponentDescription {
     OSType componentType;
     OSType componentSubType;
@@ -23,6 +25,8 @@ typedef struct AudioComponentDescription {
     UInt32 componentFlagsMask;
 } AudioComponentDescription;
 
+/// An instrument file to load, borrowed, and its kind. Bank and preset choose an instrument in
+/// files of several, which EXS24 files are not.
 typedef struct AUSamplerInstrumentData {
     CFURLRef fileURL;
     UInt8 instrumentType;

@@ -2,7 +2,10 @@
 // Same names, values and layouts as on macOS. Create and Copy functions hand one reference to the
 // caller, who releases it with CFRelease; what a Get function returns is borrowed. Allocators are
 // never looked at. References must be of the type that a function names and, but where it says
-// otherwise, not null. Objects that are not mutable may be used from any number of threads.
+// otherwise, not null. Objects that are not mutable may be used from any number of threads. A
+// function that gets no memory throws std::bad_alloc, one asked for a string of 2^32 units or a
+// dictionary of 2^31 entries std::length_error; only the two of property lists, at the end, give an
+// error instead.
 #pragma once
 
 #include <stddef.h>
@@ -179,16 +182,27 @@ Boolean CFEqual(CFTypeRef a, CFTypeRef b);
 /// A number that is the same for equal objects while the process runs.
 CFHashCode CFHash(CFTypeRef object);
 
+/// What CFGetTypeID gives for strings.
 CFTypeID CFStringGetTypeID(void);
+/// What CFGetTypeID gives for data.
 CFTypeID CFDataGetTypeID(void);
+/// What CFGetTypeID gives for dates.
 CFTypeID CFDateGetTypeID(void);
+/// What CFGetTypeID gives for arrays, mutable or not.
 CFTypeID CFArrayGetTypeID(void);
+/// What CFGetTypeID gives for dictionaries, mutable or not.
 CFTypeID CFDictionaryGetTypeID(void);
+/// What CFGetTypeID gives for numbers, whole and real. Booleans are of a type of their own.
 CFTypeID CFNumberGetTypeID(void);
+/// What CFGetTypeID gives for kCFBooleanTrue and kCFBooleanFalse.
 CFTypeID CFBooleanGetTypeID(void);
+/// What CFGetTypeID gives for kCFNull.
 CFTypeID CFNullGetTypeID(void);
+/// What CFGetTypeID gives for sets, which only come from binary property lists.
 CFTypeID CFSetGetTypeID(void);
+/// What CFGetTypeID gives for URLs.
 CFTypeID CFURLGetTypeID(void);
+/// What CFGetTypeID gives for errors.
 CFTypeID CFErrorGetTypeID(void);
 
 /// A string of NUL-terminated text; null when the bytes are not valid in the encoding. One byte
@@ -220,14 +234,17 @@ CFComparisonResult CFStringCompare(CFStringRef a, CFStringRef b, CFStringCompare
 
 /// Data with a copy of the bytes.
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
+/// The bytes, which live as long as the data; not null, even when there are none.
 const UInt8* CFDataGetBytePtr(CFDataRef data);
+/// The number of bytes.
 CFIndex CFDataGetLength(CFDataRef data);
 
 /// A date, in seconds since 2001-01-01 00:00:00 UTC.
 CFDateRef CFDateCreate(CFAllocatorRef allocator, CFAbsoluteTime time);
+/// The date, in seconds since 2001-01-01 00:00:00 UTC; negative before.
 CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date);
 
-/// A number from the scalar at `value`.
+/// A number from the scalar of `type` at `value`. An unknown type stops the process.
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
 /// Writes the number as a scalar of `type` to `value`. False when that is not its exact value: the
 /// low bits of a whole number, a real cut towards zero (at most to the ends of the range), the
@@ -237,7 +254,9 @@ Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
 CFNumberType CFNumberGetType(CFNumberRef number);
 /// The size in bytes of a scalar of that type.
 CFIndex CFNumberGetByteSize(CFNumberRef number);
+/// Whether the number is a real, of single or double precision.
 Boolean CFNumberIsFloatType(CFNumberRef number);
+/// Whether the boolean is kCFBooleanTrue.
 Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
 /// An array of `count` values, which it retains if the callbacks are those of objects.
@@ -248,8 +267,9 @@ CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacit
                                        const CFArrayCallBacks* callbacks);
 /// Adds a value at the end. An array that is not mutable stops the process.
 void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
+/// The number of values.
 CFIndex CFArrayGetCount(CFArrayRef array);
-/// The value at an index; an index that is out of range stops the process.
+/// The value at an index, from 0, borrowed; an index that is out of range stops the process.
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 
 /// A dictionary of `count` entries; of several with equal keys the first stays. Entries keep the
@@ -264,14 +284,17 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFInd
 /// A mutable dictionary with the same entries and callbacks, which share their keys and values.
 CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
                                                      CFDictionaryRef dictionary);
+/// The number of entries.
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
-/// The value of a key; null when there is no such key.
+/// The value of a key, borrowed; null when there is no such key.
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
+/// Whether the key is there.
 Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
-/// Whether the key is there; if so, `value` (may be null) gets its value.
+/// Whether the key is there; if so, `value` (may be null) gets its value, borrowed.
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
                                       const void** value);
-/// Fills arrays of as many pointers as there are entries; either may be null.
+/// Fills arrays of as many pointers as there are entries, both in the same order, with what the
+/// dictionary holds, borrowed; either may be null.
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
                                   const void** values);
 /// Adds an entry, or puts the key and the value in the place of those of an equal key. This and the
@@ -282,13 +305,16 @@ void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, co
 /// Removes the entry of a key, if there is one; the others keep their order.
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
 
+/// The number of values.
 CFIndex CFSetGetCount(CFSetRef set);
-/// Fills an array of as many pointers as there are values.
+/// Fills an array of as many pointers as there are values with these, borrowed.
 void CFSetGetValues(CFSetRef set, const void** values);
 
+/// The domain to which the code belongs: kCFErrorDomainCocoa. Borrowed.
 CFErrorDomain CFErrorGetDomain(CFErrorRef error);
+/// What went wrong, as one of the kCFPropertyList...Error numbers.
 CFIndex CFErrorGetCode(CFErrorRef error);
-/// What went wrong, in English.
+/// What went wrong, in English. The caller releases it.
 CFStringRef CFErrorCopyDescription(CFErrorRef error);
 
 /// The URL of a path of `length` bytes, which need not be UTF-8; null for no bytes. A relative path
@@ -298,7 +324,7 @@ CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const
 /// The URL that is written in `string`; null when it has characters that no URL has, or when `base`
 /// is not null.
 CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef string, CFURLRef base);
-/// The text of the URL, percent-encoded; of a relative path, that path.
+/// The text of the URL, percent-encoded; of a relative path, that path. Borrowed.
 CFStringRef CFURLGetString(CFURLRef url);
 /// The URL's path in the POSIX style, without "/" at its end and not resolved; null when the URL
 /// has no path or one that is not UTF-8, and in another style.
@@ -308,9 +334,17 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
 Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve_against_base, UInt8* buffer,
                                          CFIndex size);
 
+/// The property list in `data` (null: none), in XML or binary form, nothing of which can be
+/// changed; `format` (may be null) gets the form. `options` must be kCFPropertyListImmutable. Null,
+/// with an error that the caller releases in `*error` (`error` may be null), when the data is no
+/// property list, nests too deep or is too large for the memory there is (3840).
 CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
                                                CFOptionFlags options, CFPropertyListFormat* format,
                                                CFErrorRef* error);
+/// The binary form of a property list, which depends on its values alone. `format` must be
+/// kCFPropertyListBinaryFormat_v1_0; `options` are not looked at. Null, with an error as above
+/// (3851), for another format, when `list` holds what no property list can or itself, or without
+/// memory.
 CFDataRef CFPropertyListCreateData(CFAllocatorRef allocator, CFPropertyListRef list,
                                    CFPropertyListFormat format, CFOptionFlags options,
                                    CFErrorRef* error);

@@ -1,3 +1,5 @@
+// All that needs memory is done before the fork: in the child other threads may have left the heap
+// locked.
 #include "support/child_process.h"
 
 #include <fcntl.h>
@@ -12,12 +14,18 @@
 namespace lumo::test {
 namespace {
 
-[[noreturn]] void run_child(char* const* argv, int out) {
+[[noreturn]] void run_child(char* const* argv, int out, int err, const char* folder) {
     dup2(open("/dev/null", O_RDONLY), 0);
     if (out < 0) {
         close(1);
     } else {
         dup2(out, 1);
+    }
+    if (err >= 0) {
+        dup2(err, 2);
+    }
+    if (*folder != '\0' && chdir(folder) != 0) {
+        _exit(127);
     }
     execvp(argv[0], argv);
     _exit(127);
@@ -31,7 +39,8 @@ void close_end(int& end) {
 
 } // namespace
 
-ChildProcess::ChildProcess(const std::vector<std::string>& arguments, int out) {
+ChildProcess::ChildProcess(const std::vector<std::string>& arguments, int out, int err,
+                           const std::filesystem::path& folder) {
     std::vector<char*> argv;
     argv.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
@@ -43,7 +52,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, int out) {
         throw std::runtime_error("fork");
     }
     if (process_ == 0) {
-        run_child(argv.data(), out);
+        run_child(argv.data(), out, err, folder.c_str());
     }
 }
 

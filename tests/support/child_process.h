@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -12,8 +13,12 @@ namespace lumo::test {
 /// runs at the end of the test.
 class ChildProcess {
 public:
-    /// `out` becomes its standard output and stays open here; -1 closes its standard output.
-    ChildProcess(const std::vector<std::string>& arguments, int out);
+    /// `out` becomes its standard output and stays open here; -1 closes its standard output. So
+    /// does `err`, unless -1, become its standard error. It runs in `folder` (empty: the current
+    /// one). Throws std::runtime_error when there can be no process; one that cannot do what is
+    /// asked ends with the status 127.
+    ChildProcess(const std::vector<std::string>& arguments, int out, int err = -1,
+                 const std::filesystem::path& folder = {});
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;

@@ -1,3 +1,5 @@
+// The chunks are described at the head of platform/sampler/exs_chunk.cpp; docs/exs24-format.md has
+// their fields.
 #include "support/exs_builder.h"
 
 #include <algorithm>

@@ -39,6 +39,7 @@ inline constexpr std::array exs_layouts{
     ExsLayout{"longer-than-any", "TBOS", 0, 200, 300, 400, 1624, 2000},
 };
 
+/// What a zone's chunk is given; ranges and units are those of ExsZone.
 struct ExsZoneFields {
     std::string name = "Zone #1";
     int options = 0; ///< 2: pitch tracking off, 8: velocity range on, 16: mute
@@ -59,6 +60,7 @@ struct ExsZoneFields {
     std::int32_t sample = 0;
 };
 
+/// What a group's chunk is given.
 struct ExsGroupFields {
     std::string name = "Group 1";
     int volume = 0;
@@ -73,6 +75,7 @@ struct ExsGroupFields {
     int controller = 0;
 };
 
+/// What a sample's chunk is given.
 struct ExsSampleFields {
     std::string directory = "/Users/ada/Sounds";
     std::string name = "kick.wav";
@@ -83,10 +86,12 @@ struct ExsSampleFields {
 /// Numbers and values of parameters.
 using ExsParameterList = std::vector<std::pair<int, int>>;
 
+/// Gathers chunks and gives the file of them.
 class ExsBuilder {
 public:
     explicit ExsBuilder(const ExsLayout& layout = {}) : layout_(layout) {}
 
+    /// Each adds one chunk behind the others.
     ExsBuilder& zone(const ExsZoneFields& fields);
     ExsBuilder& group(const ExsGroupFields& fields);
     ExsBuilder& sample(const ExsSampleFields& fields);

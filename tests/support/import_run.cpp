@@ -1,3 +1,4 @@
+// The tool is run as a program; its standard output is split into lines and each parsed.
 #include "support/import_run.h"
 
 #include <gtest/gtest.h>

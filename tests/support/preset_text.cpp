@@ -1,3 +1,4 @@
+// The entries are those without which the sampler refuses a state, and those the tool looks at.
 #include "support/preset_text.h"
 
 #include <cstddef>

@@ -1,3 +1,4 @@
+// A tmpfs, mounted and unmounted by the programs of these names.
 #include "support/small_disk.h"
 
 #include "support/run_process.h"

@@ -1,3 +1,4 @@
+// A RIFF header of 44 bytes (format and data chunk), then the samples.
 #include "support/sound_file.h"
 
 #include <cstdint>

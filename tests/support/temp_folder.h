@@ -7,14 +7,17 @@
 
 namespace lumo::test {
 
+/// The folder. Its path has no links in it.
 class TempFolder {
 public:
+    /// Throws std::runtime_error when no folder can be made.
     TempFolder();
     ~TempFolder();
     TempFolder(const TempFolder&) = delete;
     TempFolder& operator=(const TempFolder&) = delete;
 
     const std::filesystem::path& path() const { return path_; }
+    /// The path of something in it.
     std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
 
 private:

@@ -1,3 +1,4 @@
+// Units are numbered objects of the heap, so that a unit used after its end is seen by sanitizers.
 #include "fake_audio_toolbox.h"
 
 #include <array>

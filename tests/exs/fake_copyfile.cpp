@@ -1,3 +1,4 @@
+// As the real one it refuses to replace anything.
 #include "fake_copyfile.h"
 
 #include <cerrno>

@@ -10,6 +10,7 @@
 
 namespace lumo::test {
 
+/// What copying does, and what was copied. Every test begins with a fresh one.
 struct FakeCopyfile {
     /// Called before a copy is made, with its number, from 1; an error number makes it fail.
     std::function<int(int copy, const std::string& to)> before = [](int, const std::string&) {

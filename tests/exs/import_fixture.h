@@ -15,6 +15,7 @@
 
 namespace lumo::test {
 
+/// A test that imports into a show of its own and ends with every sampler disposed of.
 class ImportTest : public testing::Test {
 protected:
     void SetUp() override {

@@ -16,6 +16,7 @@ using Value = std::shared_ptr<const void>;
 /// Takes over the reference that a Create function handed out.
 Value adopt(CFTypeRef object);
 
+/// Objects of these values; `text` is null when the bytes are not UTF-8.
 Value text(const std::string& utf8);
 Value whole(int number);
 Value real(double number);

@@ -52,7 +52,7 @@ class FullDisk(unittest.TestCase):
         self.assertIn("its state couldn't be written", lines)
 
     def import_into_disk(self):
-        """The error of one import; checks that the show is sound and a next run completes it."""
+        """The error of one import; checks its line and that no sample in the show is half."""
         show = self.disk / "Show.lumo"
         words = scene.command(TOOL, show, show / "states", [self.instrument])
         result = scene.run(words, self.folder)

@@ -48,6 +48,9 @@ class HostilePaths(unittest.TestCase):
             with self.subTest(name):
                 self.assertEqual(self.refused(self.folder / name), [NOT_AUDIO] * 2)
 
+    def test_a_link_to_itself_is_no_sample(self):
+        self.assertEqual(self.refused(self.folder / "loop.wav"), [MISSING] * 2)
+
     def test_devices_and_system_files_are_refused(self):
         for path in ("/dev/zero", "/dev/null", "/etc/passwd", "/proc/self/mem"):
             with self.subTest(path):

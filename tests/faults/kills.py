@@ -56,7 +56,7 @@ class Kills(unittest.TestCase):
             process.kill()
             died += process.wait() == -signal.SIGKILL
             before = self.placed()
-            half += sum(data not in (self.samples.get(name),) for name, data in before.items())
+            half += sum(data != self.samples.get(name) for name, data in before.items())
             run_faults = self.whole_run()
             after = self.placed()
             damaged += sum(after.get(name) != data for name, data in before.items())

@@ -1,3 +1,4 @@
+// What libsndfile writes it writes; the other formats are put together from their headers.
 #include "audio_bytes.h"
 
 #include <gtest/gtest.h>

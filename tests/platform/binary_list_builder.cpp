@@ -1,3 +1,4 @@
+// Objects, the table of their offsets, the trailer; nothing is checked.
 #include "platform/binary_list_builder.h"
 
 namespace lumo::test {

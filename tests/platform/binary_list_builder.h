@@ -18,6 +18,7 @@ struct BinaryList {
     std::size_t ref_width = 1;
     std::uint64_t root = 0;
 
+    /// The file.
     std::string bytes() const;
 };
 

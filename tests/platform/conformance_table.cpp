@@ -1,3 +1,4 @@
+// Counts and remarks by row, printed in the order of their names.
 #include "platform/conformance_table.h"
 
 #include <algorithm>

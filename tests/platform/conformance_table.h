@@ -20,7 +20,9 @@ public:
 
     /// Prints the table, the reasons and the first few differences to standard output.
     void print(const std::string& title) const;
+    /// How many cases of all rows gave the same.
     std::size_t equal() const;
+    /// How many did not, though they should have.
     std::size_t differing() const { return differences_.size(); }
 
 private:

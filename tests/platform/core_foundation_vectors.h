@@ -20,18 +20,16 @@ namespace lumo::test {
 
 using Json = nlohmann::json;
 
+/// The deleter of Holder.
 struct Release {
-    void operator()(const void* object) const {
-        if (object != nullptr) {
-            CFRelease(object);
-        }
-    }
+    void operator()(const void* object) const { CFRelease(object); }
 };
 
 /// Owns the result of a Create or Copy function.
 template <class Ref>
 using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
 
+/// Takes over the reference that such a function handed out.
 template <class Ref>
 Holder<Ref> hold(Ref reference) {
     return Holder<Ref>{reference};
@@ -43,6 +41,7 @@ inline std::optional<Json> read_vectors(const std::string& name) {
     return file ? std::optional{Json::parse(file)} : std::nullopt;
 }
 
+/// The bytes that hexadecimal digits stand for, two each.
 inline std::string from_hex(const std::string& hex) {
     std::string bytes;
     for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
@@ -51,6 +50,7 @@ inline std::string from_hex(const std::string& hex) {
     return bytes;
 }
 
+/// Bytes as lower-case hexadecimal digits, two each.
 inline std::string to_hex(const std::string& bytes) {
     static const char* digits = "0123456789abcdef";
     std::string hex;

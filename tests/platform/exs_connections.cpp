@@ -1,3 +1,4 @@
+// The connections of an instrument: the fixed ones, those that parameters ask for, and the matrix.
 #include "sampler/exs_connections.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// Which zones go into which layer, and which samples they use.
 #include "sampler/exs_layers.h"
 
 #include <gtest/gtest.h>

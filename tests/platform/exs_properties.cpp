@@ -100,8 +100,7 @@ void expect_a_state_that_loads(const std::string& bytes, int& loads) {
     SamplerState next;
     ASSERT_EQ(read_class_info(read.get(), next), 0);
     EXPECT_TRUE(CFEqual(class_info(next).get(), info.get()));
-    std::vector<std::string> samples = state.loaded.samples;
-    EXPECT_EQ(next.loaded.samples, samples);
+    EXPECT_EQ(next.loaded.samples, state.loaded.samples);
 }
 
 TEST(ExsProperties, StateOfAnyInstrumentIsWrittenReadAndLoadedAgain) {
@@ -113,7 +112,7 @@ TEST(ExsProperties, StateOfAnyInstrumentIsWrittenReadAndLoadedAgain) {
     EXPECT_EQ(loads, 500);
 }
 
-TEST(ExsProperties, SoIsThatOfAnyFileThatIsStillReadWithBytesChanged) {
+TEST(ExsProperties, StateOfAnyDamagedFileThatIsReadIsWrittenReadAndLoadedAgain) {
     Random random;
     int loads = 0;
     for (int i = 0; i < 2000; ++i) {

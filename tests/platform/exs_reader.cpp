@@ -1,3 +1,4 @@
+// Reading EXS24 files: every generation of them, every field, every way to be damaged.
 #include "sampler/exs_reader.h"
 
 #include "support/exs_builder.h"

@@ -1,3 +1,4 @@
+// The state that an EXS24 instrument becomes, value by value.
 #include "sampler/exs_state.h"
 
 #include "sampler/exs_reader.h"

@@ -1,3 +1,5 @@
+// Children are forked; system calls are refused by a seccomp filter, a program of the kernel's
+// packet filter that sees their numbers and arguments.
 #include "in_child.h"
 
 #include <grp.h>

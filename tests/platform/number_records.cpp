@@ -1,3 +1,4 @@
+// Whole numbers are made by the type that their record names, reals by their width.
 #include "platform/number_records.h"
 
 #include <array>

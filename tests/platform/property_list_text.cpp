@@ -1,3 +1,4 @@
+// Objects and records are described by the same words, piece by piece.
 #include "platform/property_list_text.h"
 
 #include "platform/number_records.h"

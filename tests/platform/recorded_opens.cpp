@@ -1,3 +1,5 @@
+// What a program defines itself is called before the C library's function of that name, also by
+// other libraries. The real work is done by the system call.
 #include "recorded_opens.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// Every call of AudioToolbox is checked where it is made.
 #include "sampler_host.h"
 
 #include <gtest/gtest.h>

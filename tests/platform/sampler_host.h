@@ -25,6 +25,7 @@ public:
     Sampler& operator=(const Sampler&) = delete;
 
     AudioUnit unit() const { return unit_; }
+    /// Sets the class info. Returns the status.
     OSStatus set(CFPropertyListRef list) const;
     OSStatus set(const Ref<CFPropertyListRef>& list) const { return set(list.get()); }
     /// The class info; nothing, and the test fails, when it cannot be read.
@@ -48,7 +49,9 @@ Ref<CFPropertyListRef> class_info_with(std::string_view entries);
 /// A class info with this dictionary of file references, as XML between the dict tags.
 Ref<CFPropertyListRef> class_info_with_references(std::string_view entries);
 
+/// A string of UTF-8 text.
 Ref<CFStringRef> text(std::string_view utf8);
+/// The value under `key`, borrowed; null when there is none.
 CFTypeRef value(CFDictionaryRef dictionary, std::string_view key);
 /// The text under `key`; "(none)" when there is no text.
 std::string text_at(CFDictionaryRef dictionary, std::string_view key);

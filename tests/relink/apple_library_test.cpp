@@ -1,3 +1,4 @@
+// Which paths belong to Apple's sound library.
 #include "apple_library.h"
 
 #include <gtest/gtest.h>

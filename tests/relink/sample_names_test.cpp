@@ -1,3 +1,4 @@
+// The keys under which names are the same, and which names and paths are those of samples.
 #include "sample_names.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // One test for each file function that is taken over: it reaches an indexed file for a sample that
 // is not at its recorded path. Take a shim out, and the test that has its name fails.
-#undef _FORTIFY_SOURCE
+#undef _FORTIFY_SOURCE // which would have other functions called for those named below
 
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
@@ -20,7 +20,7 @@
 #include <ostream>
 
 // What fortified programs and those built with an older glibc call; no header declares them here.
-// NOLINTBEGIN(bugprone-reserved-identifier)
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are glibc's
 extern "C" {
 int __open_2(const char* path, int flags);
 int __open64_2(const char* path, int flags);

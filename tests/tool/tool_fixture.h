@@ -15,6 +15,7 @@
 
 namespace lumo::test {
 
+/// A test that runs the tool in a folder of its own.
 class ToolTest : public testing::Test {
 protected:
     using Path = std::filesystem::path;

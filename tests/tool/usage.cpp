@@ -15,8 +15,8 @@ protected:
         EXPECT_EQ(run.process.status, 1);
         EXPECT_EQ(run.process.out, "");
         EXPECT_EQ(run.process.err, usage);
-        EXPECT_TRUE(std::filesystem::is_empty(folder.path()) ||
-                    !std::filesystem::exists(folder / "S"));
+        EXPECT_FALSE(std::filesystem::exists(folder / "P"));
+        EXPECT_FALSE(std::filesystem::exists(folder / "S"));
     }
 };
 

@@ -108,6 +108,17 @@ static_assert(callable_as<void(CFTypeRef)>(CFRelease));
 static_assert(callable_as<CFTypeID(CFTypeRef)>(CFGetTypeID));
 static_assert(callable_as<Boolean(CFTypeRef, CFTypeRef)>(CFEqual));
 static_assert(callable_as<CFHashCode(CFTypeRef)>(CFHash));
+static_assert(callable_as<CFTypeID()>(CFStringGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFDataGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFDateGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFArrayGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFDictionaryGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFNumberGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFBooleanGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFNullGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFSetGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFURLGetTypeID));
+static_assert(callable_as<CFTypeID()>(CFErrorGetTypeID));
 static_assert(callable_as<CFStringRef(CFAllocatorRef, const char*, CFStringEncoding)>(
     CFStringCreateWithCString));
 static_assert(callable_as<CFStringRef(CFAllocatorRef, const UInt8*, CFIndex, CFStringEncoding,
@@ -123,7 +134,10 @@ static_assert(callable_as<CFComparisonResult(CFStringRef, CFStringRef, CFStringC
 static_assert(callable_as<CFDataRef(CFAllocatorRef, const UInt8*, CFIndex)>(CFDataCreate));
 static_assert(callable_as<const UInt8*(CFDataRef)>(CFDataGetBytePtr));
 static_assert(callable_as<CFIndex(CFDataRef)>(CFDataGetLength));
+static_assert(callable_as<CFDateRef(CFAllocatorRef, CFAbsoluteTime)>(CFDateCreate));
+static_assert(callable_as<CFAbsoluteTime(CFDateRef)>(CFDateGetAbsoluteTime));
 static_assert(callable_as<CFNumberRef(CFAllocatorRef, CFNumberType, const void*)>(CFNumberCreate));
+static_assert(callable_as<CFIndex(CFNumberRef)>(CFNumberGetByteSize));
 static_assert(callable_as<Boolean(CFNumberRef, CFNumberType, void*)>(CFNumberGetValue));
 static_assert(callable_as<Boolean(CFNumberRef)>(CFNumberIsFloatType));
 static_assert(callable_as<CFNumberType(CFNumberRef)>(CFNumberGetType));
@@ -133,6 +147,7 @@ static_assert(callable_as<CFArrayRef(CFAllocatorRef, const void**, CFIndex,
 static_assert(callable_as<CFMutableArrayRef(CFAllocatorRef, CFIndex, const CFArrayCallBacks*)>(
     CFArrayCreateMutable));
 static_assert(callable_as<void(CFMutableArrayRef, const void*)>(CFArrayAppendValue));
+static_assert(callable_as<CFIndex(CFArrayRef)>(CFArrayGetCount));
 static_assert(callable_as<const void*(CFArrayRef, CFIndex)>(CFArrayGetValueAtIndex));
 static_assert(callable_as<CFDictionaryRef(CFAllocatorRef, const void**, const void**, CFIndex,
                                           const CFDictionaryKeyCallBacks*,
@@ -143,6 +158,8 @@ static_assert(
         CFDictionaryCreateMutable));
 static_assert(callable_as<CFMutableDictionaryRef(CFAllocatorRef, CFIndex, CFDictionaryRef)>(
     CFDictionaryCreateMutableCopy));
+static_assert(callable_as<CFIndex(CFDictionaryRef)>(CFDictionaryGetCount));
+static_assert(callable_as<Boolean(CFDictionaryRef, const void*)>(CFDictionaryContainsKey));
 static_assert(callable_as<const void*(CFDictionaryRef, const void*)>(CFDictionaryGetValue));
 static_assert(callable_as<Boolean(CFDictionaryRef, const void*, const void**)>(
     CFDictionaryGetValueIfPresent));
@@ -153,12 +170,15 @@ static_assert(
 static_assert(
     callable_as<void(CFMutableDictionaryRef, const void*, const void*)>(CFDictionaryAddValue));
 static_assert(callable_as<void(CFMutableDictionaryRef, const void*)>(CFDictionaryRemoveValue));
+static_assert(callable_as<CFIndex(CFSetRef)>(CFSetGetCount));
+static_assert(callable_as<void(CFSetRef, const void**)>(CFSetGetValues));
 static_assert(callable_as<CFErrorDomain(CFErrorRef)>(CFErrorGetDomain));
 static_assert(callable_as<CFIndex(CFErrorRef)>(CFErrorGetCode));
 static_assert(callable_as<CFStringRef(CFErrorRef)>(CFErrorCopyDescription));
 static_assert(callable_as<CFURLRef(CFAllocatorRef, const UInt8*, CFIndex, Boolean)>(
     CFURLCreateFromFileSystemRepresentation));
 static_assert(callable_as<CFURLRef(CFAllocatorRef, CFStringRef, CFURLRef)>(CFURLCreateWithString));
+static_assert(callable_as<CFStringRef(CFURLRef)>(CFURLGetString));
 static_assert(callable_as<CFStringRef(CFURLRef, CFURLPathStyle)>(CFURLCopyFileSystemPath));
 static_assert(
     callable_as<Boolean(CFURLRef, Boolean, UInt8*, CFIndex)>(CFURLGetFileSystemRepresentation));

@@ -77,6 +77,15 @@ protected:
     int copy(copyfile_flags_t flags = usual) const {
         return copyfile(from.c_str(), to.c_str(), nullptr, flags) == 0 ? 0 : errno;
     }
+    /// Copies in a process of a user without rights; who is not the superuser has none anyway.
+    int copy_as_nobody() const {
+        fs::permissions(folder.path(), fs::perms::all);
+        fs::permissions(show, fs::perms::all);
+        return in_child([&] {
+            become_nobody();
+            return copy();
+        });
+    }
 };
 
 TEST_F(CopyFileMetadata, CarriesTheModeWhateverTheUmask) {
@@ -134,13 +143,7 @@ TEST_F(CopyFileMetadata, CarriesExtendedAttributesOfAReadOnlyFileOfAnybody) {
         GTEST_SKIP() << "no extended attributes in the temporary folder";
     }
     chmod(from.c_str(), 0444);
-    fs::permissions(folder.path(), fs::perms::all);
-    fs::permissions(show, fs::perms::all);
-    EXPECT_EQ(in_child([&] {
-                  become_nobody();
-                  return copy();
-              }),
-              0);
+    EXPECT_EQ(copy_as_nobody(), 0);
     EXPECT_EQ(attribute(to, "user.comment"), "a kick");
     EXPECT_EQ(status_of(to).st_mode & ALLPERMS, 0444U);
 }
@@ -183,13 +186,7 @@ TEST_F(CopyFileMetadata, CarriesTheOwnerWherePermitted) {
 
 TEST_F(CopyFileMetadata, KeepsItsOwnOwnerWhereTheOtherIsNotPermitted) {
     chmod(from.c_str(), 0644);
-    fs::permissions(folder.path(), fs::perms::all);
-    fs::permissions(show, fs::perms::all);
-    EXPECT_EQ(in_child([&] {
-                  become_nobody();
-                  return copy();
-              }),
-              0);
+    EXPECT_EQ(copy_as_nobody(), 0);
     EXPECT_EQ(read_file(to), "bytes");
 }
 

@@ -55,11 +55,11 @@ TEST_F(Output, OfAnInstrumentIsThereBeforeTheNextOneIsRead) {
 
 TEST_F(Output, ThatNobodyReadsEndsTheRunByItsSignal) {
     Pipe out;
+    out.close_reading_end(); // before the tool can write its first line
     const std::string kick = make_sound("Kit/kick.wav");
     ChildProcess tool(command({make_preset("a.aupreset", {kick}), make_preset("b.aupreset")}),
                       out.writing_end);
     out.close_writing_end();
-    out.close_reading_end();
     EXPECT_EQ(tool.wait(), -SIGPIPE);
     EXPECT_TRUE(is_whole_state("a.aupreset"));
     EXPECT_EQ(read_file(package / "samples/Kit/kick.wav"), wav_bytes(100));

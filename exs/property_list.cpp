@@ -73,10 +73,13 @@ bool write_plist(const void* list, const std::filesystem::path& path) {
     if (!data) {
         return false;
     }
-    std::ofstream stream(path, std::ios::binary | std::ios::trunc);
+    // Nobody looks at how the stream closes, so nothing may be left to write by then.
+    std::ofstream stream;
+    stream.rdbuf()->pubsetbuf(nullptr, 0);
+    stream.open(path.native(), std::ios::binary | std::ios::trunc);
     stream.write(reinterpret_cast<const char*>(CFDataGetBytePtr(data.get())),
                  CFDataGetLength(data.get()));
-    stream.close(); // a disk of the network may refuse the bytes as late as here
+    stream.flush();
     return !stream.fail();
 }
 

@@ -8,7 +8,6 @@ one true line per instrument, every file that was there before is byte-identical
 in the show is whole. The report line's own write may fail; that run is not judged by its lines.
 """
 
-import json
 import os
 import re
 import shutil
@@ -123,19 +122,6 @@ class FaultTable(unittest.TestCase):
             self.show(cells)
             faults = [fault for runs in cells.values() for run in runs for fault in run.result()]
             self.assertEqual(faults, [], "\n" + "\n".join(faults))
-
-    def test_a_state_that_the_disk_refuses_when_it_is_closed_is_not_ok(self):
-        with tempfile.TemporaryDirectory() as folder:
-            stage = Stage(Path(folder).resolve())
-            show = stage.show("refused")
-            state = show / "states" / "Two.aupreset"
-            words = ["strace", "-f", "-qq", "-o", os.devnull, "-P", state,
-                     "-e", "inject=close:error=EIO", *stage.command(show)]
-            result = scene.run(words, stage.folder)
-            one, two = [json.loads(line) for line in result.stdout.splitlines()]
-            self.assertTrue(one["ok"])
-            self.assertEqual((two["ok"], two["error"], two["stateFile"]),
-                             (False, "its state couldn't be written", ""))
 
     def show(self, cells):
         """Prints the table: how many runs held of how many."""

@@ -4,6 +4,7 @@
 #include "audio_toolbox/class_info.h"
 
 #include "audio_toolbox/property_text.h"
+#include "audio_toolbox/status.h"
 #include "sampler/state_dictionary.h"
 
 #include <AudioToolbox/AudioToolbox.h>
@@ -44,6 +45,32 @@ bool is_for_this_unit(CFPropertyListRef list) {
     return !is_for_a_part && has_number(dictionary, "version", 0) &&
            has_number(dictionary, "subtype", kAudioUnitSubType_Sampler) &&
            has_number(dictionary, "manufacturer", kAudioUnitManufacturer_Apple);
+}
+
+// --- size ---------------------------------------------------------------------------------------
+
+/// An instrument may have so many layers and zones together. A preset of a few kilobytes can name
+/// one zone a billion times, and nobody would wait for the end of whoever goes through them.
+constexpr CFIndex most_zones = 1 << 22;
+
+CFIndex count_zones(CFTypeRef layer) {
+    if (CFGetTypeID(layer) != CFDictionaryGetTypeID()) {
+        return 0;
+    }
+    const CFTypeRef zones =
+        value_of_type(static_cast<CFDictionaryRef>(layer), "Zones", CFArrayGetTypeID());
+    return zones ? CFArrayGetCount(static_cast<CFArrayRef>(zones)) : 0;
+}
+
+bool is_too_large(CFDictionaryRef instrument) {
+    const auto layers =
+        static_cast<CFArrayRef>(value_of_type(instrument, "Layers", CFArrayGetTypeID()));
+    const CFIndex count = layers ? CFArrayGetCount(layers) : 0;
+    CFIndex total = count;
+    for (CFIndex i = 0; i < count && total <= most_zones; ++i) {
+        total += count_zones(CFArrayGetValueAtIndex(layers, i));
+    }
+    return total > most_zones;
 }
 
 // --- parameters ---------------------------------------------------------------------------------
@@ -119,11 +146,10 @@ std::vector<std::string> in_order(std::vector<Reference> texts) {
     return paths;
 }
 
-LoadedInstrument read_instrument(CFDictionaryRef list) {
+LoadedInstrument read_instrument(CFDictionaryRef list, CFDictionaryRef instrument) {
     References references = references_in(list);
     LoadedInstrument loaded;
-    loaded.instrument = Ref<CFDictionaryRef>::retain(
-        static_cast<CFDictionaryRef>(value_of_type(list, "Instrument", CFDictionaryGetTypeID())));
+    loaded.instrument = Ref<CFDictionaryRef>::retain(instrument);
     loaded.references = dictionary_of(references);
     loaded.samples = in_order(std::move(references.texts));
     return loaded;
@@ -185,9 +211,14 @@ OSStatus read_class_info(CFPropertyListRef list, SamplerState& state) {
     if (!parameters) {
         return kAudioUnitErr_InvalidScope;
     }
+    const auto instrument = static_cast<CFDictionaryRef>(
+        value_of_type(dictionary, "Instrument", CFDictionaryGetTypeID()));
+    if (instrument && is_too_large(instrument)) {
+        return memory_full;
+    }
     const CFTypeRef name = value_of_type(dictionary, "name", CFStringGetTypeID());
     state = {*parameters, Ref<CFStringRef>::retain(static_cast<CFStringRef>(name)),
-             read_instrument(dictionary)};
+             read_instrument(dictionary, instrument)};
     return 0;
 }
 

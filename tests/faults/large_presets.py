@@ -34,6 +34,14 @@ def nested_in_binary(depth):
             + number(8 + len(objects), 8))
 
 
+def much_of_one_zone(layers, zones):
+    """A binary preset of so many layers, all one object, and of so many zones in each, too."""
+    zone = {"enabled": True}
+    layer = {"Zones": [zone] * zones}
+    return plistlib.dumps({"version": 0, "subtype": 0x73616D70, "manufacturer": 0x6170706C,
+                           "Instrument": {"Layers": [layer] * layers}}, fmt=plistlib.FMT_BINARY)
+
+
 class LargePresets(unittest.TestCase):
     def setUp(self):
         temporary = tempfile.TemporaryDirectory()
@@ -87,6 +95,14 @@ class LargePresets(unittest.TestCase):
         state["much"] = bytes(SIZE)
         self.preset.write_bytes(plistlib.dumps(state, fmt=plistlib.FMT_BINARY))
         self.assertTrue(self.report()["ok"])
+
+    def test_a_small_preset_with_a_billion_zones_is_refused(self):
+        self.assertEqual(self.error(much_of_one_zone(40000, 40000)),
+                         "AUSampler couldn't load it (OSStatus -108)")
+
+    def test_a_preset_that_names_one_zone_often_is_imported(self):
+        self.preset.write_bytes(much_of_one_zone(300, 300))
+        self.assertEqual(self.report()["shape"]["zones"], 300 * 300)
 
     def test_garbage_is_refused(self):
         for start, garbage in ((b"bplist00", random.Random(1).randbytes(1000)), (b"<", b"<")):

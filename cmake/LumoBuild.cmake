@@ -30,13 +30,17 @@ if(LUMO_SANITIZE)
   target_link_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE})
 endif()
 
+# Tests are most of what is compiled, in three builds, so they are not optimised; what they test is.
+add_library(lumo_test_flags INTERFACE)
+target_compile_options(lumo_test_flags INTERFACE $<$<CONFIG:RelWithDebInfo>:-O0 -g1>)
+
 # lumo_add_test(NAME SOURCES... [LIBS ...] [LABELS ...]): a GoogleTest program, each of its
 # tests known to CTest under its own name.
 function(lumo_add_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS;LABELS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_test_support GTest::gtest_main
-                                        lumo_build_flags)
+                                        lumo_build_flags lumo_test_flags)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS "${arg_LABELS}")
 endfunction()
 

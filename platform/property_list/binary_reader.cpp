@@ -6,16 +6,13 @@
 #include "property_list/binary_reader.h"
 
 #include "core_foundation/objects.h"
-#include "property_list/binary_format.h"
+#include "property_list/binary_objects.h"
 #include "property_list/hash_index.h"
 #include "property_list/limits.h"
 
 #include <algorithm>
-#include <bit>
-#include <cmath>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -37,12 +34,6 @@ constexpr std::uint16_t under_way = unmet - 1;
 struct Slot {
     Owned object; ///< Once it is made.
     std::uint16_t height = unmet;
-};
-
-/// Equal parts of the file: characters, bytes or references.
-struct Extent {
-    std::size_t at;
-    std::size_t count;
 };
 
 /// A container under way. The children made so far are in `array`, or else the values from `first`
@@ -73,7 +64,7 @@ bool is_container(Marker marker) {
 class BinaryReader {
 public:
     BinaryReader(std::span<const std::uint8_t> bytes, const BinaryTrailer& trailer)
-        : bytes_{bytes}, trailer_{trailer}, budget_{bytes.size() + overlap_allowed},
+        : trailer_{trailer}, objects_{bytes, trailer, bytes.size() + overlap_allowed},
           slots_(trailer.count) {}
 
     Owned read();
@@ -89,33 +80,15 @@ private:
     bool hand_out_container(const Slot& container);
     void hand_out(const Slot& slot);
 
-    Owned read_leaf(std::size_t offset);
-    Owned read_single(std::size_t offset) const;
-    Owned read_integer(std::size_t offset) const;
-    Owned read_real(std::size_t offset) const;
-    Owned read_date(std::size_t offset) const;
-    Owned read_uid(std::size_t offset) const;
-    Owned read_data(std::size_t offset);
-    Owned read_ascii(std::size_t offset);
-    Owned read_utf16(std::size_t offset);
-
-    Marker marker(std::size_t offset) const { return static_cast<Marker>(bytes_[offset] >> 4); }
-    std::uint8_t low_half(std::size_t offset) const { return bytes_[offset] & 0xF; }
-    std::size_t room_after(std::size_t offset) const { return trailer_.table - offset - 1; }
-    std::uint64_t number(std::size_t at, std::size_t width) const {
-        return read_big_endian(&bytes_[at], width);
-    }
     std::uint64_t ref(const OpenContainer& container, std::size_t child) const {
-        return number(container.refs + container.ref_of(child) * trailer_.ref_width,
-                      trailer_.ref_width);
+        return objects_.number(container.refs + container.ref_of(child) * trailer_.ref_width,
+                               trailer_.ref_width);
     }
-    std::optional<Extent> extent(std::size_t offset, std::size_t width);
 
-    std::span<const std::uint8_t> bytes_;
     BinaryTrailer trailer_;
-    std::size_t budget_;      ///< Bytes of the file that objects may still take.
-    std::vector<Slot> slots_; ///< The objects by number.
-    HashIndex by_value_;      ///< Strings and data.
+    BinaryObjects objects_;
+    std::vector<Slot> slots_;                     ///< By number.
+    HashIndex by_value_;                          ///< Strings and data.
     const Dictionary* last_dictionary_ = nullptr; ///< The one made last.
     std::vector<OpenContainer> open_;
     std::vector<Owned> values_; ///< Children of open dictionaries and sets; at last, the root.
@@ -172,14 +145,14 @@ bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
         return !as_key && hand_out_container(slot);
     }
     const std::uint64_t offset =
-        number(trailer_.table + object * trailer_.offset_width, trailer_.offset_width);
+        objects_.number(trailer_.table + object * trailer_.offset_width, trailer_.offset_width);
     if (offset < binary_header_size) {
         return false;
     }
-    if (is_container(marker(offset))) {
+    if (is_container(objects_.marker(offset))) {
         return !as_key && open_container(object, offset);
     }
-    slot.object = read_leaf(offset);
+    slot.object = objects_.read_leaf(offset);
     if (!slot.object) {
         return false;
     }
@@ -209,15 +182,16 @@ void BinaryReader::share_equal(std::uint64_t object) {
 }
 
 bool BinaryReader::open_container(std::size_t object, std::size_t offset) {
-    const unsigned in_pairs = marker(offset) == Marker::dictionary ? 1 : 0;
-    const auto refs = extent(offset, trailer_.ref_width << in_pairs);
+    const Marker marker = objects_.marker(offset);
+    const unsigned in_pairs = marker == Marker::dictionary ? 1 : 0;
+    const auto refs = objects_.extent(offset, trailer_.ref_width << in_pairs);
     if (!refs || open_.size() + (refs->count > 0 ? 1 : 0) > most_levels_in_binary) {
         return false;
     }
     slots_[object].height = under_way;
-    const bool is_array = marker(offset) == Marker::array;
+    const bool is_array = marker == Marker::array;
     open_.push_back({.object = object,
-                     .marker = marker(offset),
+                     .marker = marker,
                      .in_pairs = in_pairs,
                      .refs = refs->at,
                      .children = refs->count << in_pairs,
@@ -271,128 +245,6 @@ inline void BinaryReader::hand_out(const Slot& slot) {
     } else {
         values_.push_back(std::move(value));
     }
-}
-
-Owned BinaryReader::read_leaf(std::size_t offset) {
-    switch (marker(offset)) {
-    case Marker::single:
-        return read_single(offset);
-    case Marker::integer:
-        return read_integer(offset);
-    case Marker::real:
-        return read_real(offset);
-    case Marker::date:
-        return read_date(offset);
-    case Marker::data:
-        return read_data(offset);
-    case Marker::ascii:
-        return read_ascii(offset);
-    case Marker::utf16:
-        return read_utf16(offset);
-    case Marker::uid:
-        return read_uid(offset);
-    default:
-        return nullptr;
-    }
-}
-
-Owned BinaryReader::read_single(std::size_t offset) const {
-    switch (bytes_[offset]) {
-    case marker_null:
-        return make_null();
-    case marker_false:
-        return make_boolean(false);
-    case marker_true:
-        return make_boolean(true);
-    default:
-        return nullptr;
-    }
-}
-
-/// Up to 4 bytes have no sign. Of 16 bytes CoreFoundation takes the low 8, without a sign either.
-Owned BinaryReader::read_integer(std::size_t offset) const {
-    const std::size_t width = std::size_t{1} << low_half(offset);
-    if (width > 16 || width > room_after(offset)) {
-        return nullptr;
-    }
-    const std::uint64_t value = number(offset + 1, width);
-    return width == 16 ? make_integer_128(0, value)
-                       : make_integer(static_cast<std::int64_t>(value));
-}
-
-/// Infinity and NaN are doubles whatever their width.
-Owned BinaryReader::read_real(std::size_t offset) const {
-    const std::size_t width = std::size_t{1} << low_half(offset);
-    if ((width != 4 && width != 8) || width > room_after(offset)) {
-        return nullptr;
-    }
-    const std::uint64_t bits = number(offset + 1, width);
-    if (width == 8) {
-        return make_real(std::bit_cast<double>(bits));
-    }
-    const auto single = std::bit_cast<float>(static_cast<std::uint32_t>(bits));
-    return std::isfinite(single) ? make_real32(single) : make_real(static_cast<double>(single));
-}
-
-Owned BinaryReader::read_date(std::size_t offset) const {
-    if (low_half(offset) != 3 || room_after(offset) < 8) {
-        return nullptr;
-    }
-    return make_date(std::bit_cast<double>(number(offset + 1, 8)));
-}
-
-Owned BinaryReader::read_uid(std::size_t offset) const {
-    const std::size_t width = low_half(offset) + std::size_t{1};
-    if (width > room_after(offset)) {
-        return nullptr;
-    }
-    const std::uint64_t value = number(offset + 1, width);
-    const bool fits = value <= std::numeric_limits<std::uint32_t>::max();
-    return fits ? make_uid(static_cast<std::uint32_t>(value)) : nullptr;
-}
-
-Owned BinaryReader::read_data(std::size_t offset) {
-    const auto data = extent(offset, 1);
-    return data ? make_data(bytes_.subspan(data->at, data->count)) : nullptr;
-}
-
-/// Bytes from 0x80 on, which have no place here, are taken as ISO-8859-1.
-Owned BinaryReader::read_ascii(std::size_t offset) {
-    const auto text = extent(offset, 1);
-    if (!text) {
-        return nullptr;
-    }
-    const auto* characters = reinterpret_cast<const char*>(&bytes_[text->at]);
-    return make_string_latin1({characters, text->count});
-}
-
-/// CoreFoundation refuses an empty one, since it allocates room for none of its units.
-Owned BinaryReader::read_utf16(std::size_t offset) {
-    const auto text = extent(offset, 2);
-    return text && text->count > 0 ? make_string_utf16be(&bytes_[text->at], text->count) : nullptr;
-}
-
-/// What follows the marker at `offset`: so many parts of `width` bytes as it tells, perhaps in an
-/// integer behind it. Nothing when they do not fit in front of the table.
-std::optional<Extent> BinaryReader::extent(std::size_t offset, std::size_t width) {
-    std::size_t at = offset + 1;
-    std::uint64_t count = low_half(offset);
-    if (count == count_follows) {
-        if (room_after(offset) == 0 || marker(at) != Marker::integer) {
-            return std::nullopt;
-        }
-        const std::size_t count_width = std::size_t{1} << low_half(at);
-        if (count_width > room_after(at)) {
-            return std::nullopt;
-        }
-        count = number(at + 1, count_width);
-        at += 1 + count_width;
-    }
-    if (count > (trailer_.table - at) / width || count * width > budget_) {
-        return std::nullopt;
-    }
-    budget_ -= count * width;
-    return Extent{at, count};
 }
 
 } // namespace

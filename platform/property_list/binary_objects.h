@@ -1,0 +1,62 @@
+// The objects of a binary property list, each by itself.
+#pragma once
+
+#include "core_foundation/object.h"
+#include "property_list/binary_format.h"
+#include "property_list/binary_trailer.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace lumo::platform {
+
+/// Equal parts of the file: characters, bytes or references.
+struct Extent {
+    std::size_t at;
+    std::size_t count;
+};
+
+/// Reads single objects of a file whose trailer is sound. Offsets are those of markers, in front of
+/// the table of offsets.
+class BinaryObjects {
+public:
+    /// Objects with parts may take `budget` bytes of the file together. The bytes stay the
+    /// caller's.
+    BinaryObjects(std::span<const std::uint8_t> bytes, const BinaryTrailer& trailer,
+                  std::size_t budget)
+        : bytes_{bytes}, table_{trailer.table}, budget_{budget} {}
+
+    Marker marker(std::size_t offset) const { return static_cast<Marker>(bytes_[offset] >> 4); }
+    std::uint64_t number(std::size_t at, std::size_t width) const {
+        return read_big_endian(&bytes_[at], width);
+    }
+
+    /// What follows the marker at `offset`: so many parts of `width` bytes as it tells, perhaps in
+    /// an integer behind it. Nothing when they do not fit in front of the table, or the budget is
+    /// used up.
+    std::optional<Extent> extent(std::size_t offset, std::size_t width);
+
+    /// The object at `offset`; null for a container and for what CoreFoundation refuses.
+    Owned read_leaf(std::size_t offset);
+
+private:
+    Owned read_single(std::size_t offset) const;
+    Owned read_integer(std::size_t offset) const;
+    Owned read_real(std::size_t offset) const;
+    Owned read_date(std::size_t offset) const;
+    Owned read_uid(std::size_t offset) const;
+    Owned read_data(std::size_t offset);
+    Owned read_ascii(std::size_t offset);
+    Owned read_utf16(std::size_t offset);
+
+    std::uint8_t low_half(std::size_t offset) const { return bytes_[offset] & 0xF; }
+    std::size_t room_after(std::size_t offset) const { return table_ - offset - 1; }
+
+    std::span<const std::uint8_t> bytes_;
+    std::size_t table_;  ///< Where the table of offsets begins.
+    std::size_t budget_; ///< Bytes of the file that objects may still take.
+};
+
+} // namespace lumo::platform

@@ -10,7 +10,8 @@
 
 namespace lumo::exs {
 
-/// A new string of NUL-terminated text; nothing when the text is not UTF-8.
+/// A new string of NUL-terminated text in UTF-8. Of other text: nothing, or on a Mac perhaps a
+/// string with U+FFFD in it.
 Ref<CFStringRef> make_string(const char* text);
 
 /// The UTF-8 text of a string up to its first NUL; empty when it is null or cannot be converted.

@@ -2,6 +2,7 @@
 // sampler's own keys to the paths of its sample files.
 #include "references.h"
 
+#include "base/utf8.h"
 #include "property_list.h"
 
 #include <cstddef>
@@ -17,10 +18,9 @@ Ref<CFMutableDictionaryRef> make_dictionary(const References& paths) {
     auto dictionary = Ref<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     for (const auto& [key, path] : paths) {
-        const Ref<CFStringRef> key_string = make_string(key.c_str());
-        const Ref<CFStringRef> path_string = make_string(path.c_str());
-        if (key_string && path_string) {
-            CFDictionarySetValue(dictionary.get(), key_string.get(), path_string.get());
+        if (is_utf8(key) && is_utf8(path)) {
+            CFDictionarySetValue(dictionary.get(), make_string(key.c_str()).get(),
+                                 make_string(path.c_str()).get());
         }
     }
     return dictionary;

@@ -3,7 +3,7 @@
 // show is ever overwritten, also not when several imports run at once.
 #include "samples.h"
 
-#include "property_list.h"
+#include "base/utf8.h"
 
 #include <copyfile.h>
 
@@ -50,7 +50,7 @@ fs::path numbered_name(const fs::path& source, unsigned number) {
 
 /// A path that is not UTF-8 cannot stand in a state.
 void require_utf8(const fs::path& target, const fs::path& source) {
-    if (!make_string(target.c_str())) {
+    if (!is_utf8(target.native())) {
         throw fs::filesystem_error("not a UTF-8 name", source, target,
                                    std::make_error_code(std::errc::illegal_byte_sequence));
     }

@@ -61,18 +61,21 @@ const std::string state = R"(<?xml version="1.0" encoding="UTF-8"?>
 )";
 
 Seeds xml_seeds() {
-    return {{"state.plist", state},
-            {"text.plist", "<array><string>a&lt;&#x1F600;<![CDATA[<b>]]></string><string/>"
-                           "<key>\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80</key></array>"},
-            {"numbers.plist",
-             "<array><integer>-0x10</integer><integer>18446744073709551615</integer>"
-             "<real>1e-400</real><real>-inf</real><real>nan</real></array>"},
-            {"uid.plist", "<plist><dict><key>CF$UID</key><integer>7</integer></dict></plist>"},
-            {"comments.plist", "<!-- a --><plist><!-- b --><false></false><!----></plist>"},
-            {"latin.plist", "<?xml encoding='ISO-8859-1'?><string>\xE9</string>"},
-            {"windows.plist", "<?xml encoding='windows-1252'?><string>\x80</string>"},
-            {"utf16.plist", in_utf16("<array><string>x</string></array>")},
-            {"utf32.plist", in_utf32("<dict><key>k</key><data></data></dict>")}};
+    return {
+        {"state.plist", state},
+        {"text.plist", "<array><string>a&lt;&#x1F600;<![CDATA[<b>]]></string><string/>"
+                       "<key>\xC3\xA9\xE6\x97\xA5\xF0\x9F\x98\x80</key></array>"},
+        {"numbers.plist", "<array><integer>-0x10</integer><integer>18446744073709551615</integer>"
+                          "<real>1e-400</real><real>-inf</real><real>nan</real></array>"},
+        {"uid.plist", "<plist><dict><key>CF$UID</key><integer>7</integer></dict></plist>"},
+        {"comments.plist", "<!-- a --><plist><!-- b --><false></false><!----></plist>"},
+        {"latin.plist", "<?xml encoding='ISO-8859-1'?><string>\xE9</string>"},
+        {"stray.plist", "<plist><?x y?><dict><key>a\xA9</key><array><?><real>\xC2\xA0-2.5</real>"
+                        "<string>\xEF\xBB\xBF\xA9 &amp;</string><true a=b// /></array>"
+                        "</dict></plist>"},
+        {"windows.plist", "<?xml encoding='windows-1252'?><string>\x80</string>"},
+        {"utf16.plist", in_utf16("<array><string>x</string></array>")},
+        {"utf32.plist", in_utf32("<dict><key>k</key><data></data></dict>")}};
 }
 
 Seeds binary_seeds() {

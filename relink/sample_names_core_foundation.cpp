@@ -1,5 +1,6 @@
 // The key of a name with CoreFoundation: composed, folded, composed again, since folding may
 // leave a letter and a mark that have a composed form.
+#include "base/utf8.h"
 #include "sample_names.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -35,12 +36,12 @@ bool copy_bytes(CFStringRef string, std::string& bytes) {
 } // namespace
 
 bool make_unicode_key(std::string_view name, std::string& key) {
+    if (!is_utf8(name)) {
+        return false;
+    }
     const String text(
         CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(name.data()),
                                 static_cast<CFIndex>(name.size()), kCFStringEncodingUTF8, false));
-    if (!text) {
-        return false;
-    }
     const MutableString folded(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, text.get()));
     CFStringNormalize(folded.get(), kCFStringNormalizationFormC);
     CFStringFold(folded.get(), kCFCompareCaseInsensitive, nullptr);

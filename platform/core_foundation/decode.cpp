@@ -34,11 +34,6 @@ constexpr std::array<char16_t, 32> windows_1252 = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x0000, 0x017E, 0x0178,
 };
 
-/// The character of a byte from 0x80 on; 0 when it is undefined.
-char16_t from_windows_1252(unsigned char byte) noexcept {
-    return byte < 0xA0 ? windows_1252[byte - 0x80U] : byte;
-}
-
 char16_t from_mac_roman(unsigned char byte) noexcept {
     return mac_roman[byte - 0x80U];
 }
@@ -86,6 +81,10 @@ Owned decode_utf8(std::string_view bytes) {
 }
 
 } // namespace
+
+char16_t from_windows_1252(unsigned char byte) noexcept {
+    return byte < 0x80 || byte >= 0xA0 ? byte : windows_1252[byte - 0x80U];
+}
 
 Owned decode(std::string_view bytes, CFStringEncoding encoding, bool is_external) {
     if (bytes.empty()) {

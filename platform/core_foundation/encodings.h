@@ -15,6 +15,10 @@ namespace lumo::platform {
 /// at all are an empty string in any encoding.
 Owned decode(std::string_view bytes, CFStringEncoding encoding, bool is_external);
 
+/// The character of a byte in windows-1252; 0 for the bytes 81, 8D, 8F, 90 and 9D, which it does
+/// not define.
+char16_t from_windows_1252(unsigned char byte) noexcept;
+
 /// How far a conversion got.
 struct Encoded {
     std::size_t units; ///< Of the string, in UTF-16 units.

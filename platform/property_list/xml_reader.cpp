@@ -8,13 +8,16 @@
 //     <string>, <integer>, <real>, <data>, <date>, <true/>, <false/>
 #include "property_list/xml_reader.h"
 
+#include "base/utf8.h"
 #include "core_foundation/objects.h"
 #include "property_list/limits.h"
 #include "property_list/recent_strings.h"
+#include "property_list/utf8.h"
 #include "property_list/xml_encoding.h"
 #include "property_list/xml_scanner.h"
 #include "property_list/xml_values.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <span>
@@ -209,6 +212,35 @@ Owned XmlReader::read_value(Tag tag) {
     }
 }
 
+/// `text` with U+FFFD in place of each byte A9 that stands where a character must start; nothing
+/// when any other byte is no valid UTF-8.
+std::optional<std::string> with_stray_bytes_replaced(std::string_view text) {
+    constexpr char stray_byte = '\xA9';
+    std::string replaced;
+    while (!text.empty()) {
+        const std::size_t size = first_utf8_character(text).size;
+        if (size != 0) {
+            replaced += text.substr(0, size);
+        } else if (text.front() == stray_byte) {
+            append_utf8(replaced, 0xFFFD);
+        } else {
+            return std::nullopt;
+        }
+        text.remove_prefix(std::max<std::size_t>(size, 1));
+    }
+    return replaced;
+}
+
+/// A string of UTF-8 text. CoreFoundation lets one invalid byte pass, A9, the copyright sign of
+/// ISO-8859-1, so that a list with such a stray sign is not lost; null for any other.
+Owned make_text(std::string_view text) {
+    if (Owned string = make_string(text)) {
+        return string;
+    }
+    const auto replaced = with_stray_bytes_replaced(text);
+    return replaced ? make_string(*replaced) : nullptr;
+}
+
 /// A string or key, without a byte order mark at its start.
 Owned XmlReader::read_text(Tag tag) {
     if (tag.empty) {
@@ -222,7 +254,7 @@ Owned XmlReader::read_text(Tag tag) {
         return strings_.get(text->utf8);
     }
     constexpr std::string_view mark = "\xEF\xBB\xBF";
-    return make_string(text->utf8.substr(text->utf8.starts_with(mark) ? mark.size() : 0));
+    return make_text(text->utf8.substr(text->utf8.starts_with(mark) ? mark.size() : 0));
 }
 
 Owned XmlReader::read_integer() {

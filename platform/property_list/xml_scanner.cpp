@@ -1,6 +1,7 @@
 // CoreFoundation's dialect is simpler than XML and not a subset of it: attributes end at the first
-// ">", even one inside quotes; a tag is empty when "/" stands just before its ">"; there is no
-// internal document type subset; comments may stand between elements only; entities are the five
+// ">", even one inside quotes; a tag is empty when "/" stands just before its ">", and any other
+// "/" before the first blank belongs to its name; there is no internal document type subset;
+// comments and processing instructions may stand between elements only; entities are the five
 // predefined ones and numbers; line ends stay as they are, and control characters may stand
 // anywhere.
 #include "property_list/xml_scanner.h"
@@ -125,22 +126,30 @@ bool XmlScanner::skip_to_tag() {
         if (at_ == end_ || *at_ != '<') {
             return false;
         }
-        if (!starts_with("<!")) {
+        if (starts_with("<?")) {
+            // Here, and only here, <?> is complete.
+            if (!skip_past("?>", 1)) {
+                return false;
+            }
+        } else if (!starts_with("<!")) {
             return true;
-        }
-        if (!starts_with("<!--") || !skip_past("-->", 4)) {
+        } else if (!starts_with("<!--") || !skip_past("-->", 4)) {
             return false;
         }
     }
 }
 
 std::optional<Tag> XmlScanner::start_tag() {
-    const char* name = ++at_;
-    while (at_ != end_ && !is_blank(*at_) && *at_ != '>' && *at_ != '/') {
+    const char* start = ++at_;
+    while (at_ != end_ && !is_blank(*at_) && *at_ != '>') {
         ++at_;
     }
-    const auto element = element_named({name, static_cast<std::size_t>(at_ - name)});
+    std::string_view name{start, static_cast<std::size_t>(at_ - start)};
     const std::size_t close = rest().find('>');
+    if (close == 0 && name.ends_with('/')) {
+        name.remove_suffix(1);
+    }
+    const auto element = element_named(name);
     if (!element || close == std::string_view::npos) {
         return std::nullopt;
     }

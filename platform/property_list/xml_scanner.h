@@ -45,7 +45,8 @@ public:
 
     /// Skips what may stand before the root element. False when none follows.
     bool skip_prolog();
-    /// Skips blanks and comments up to the next tag. False when something else comes first.
+    /// Skips blanks, comments and processing instructions up to the next tag. False when something
+    /// else comes first.
     bool skip_to_tag();
     /// Is the tag here an end tag?
     bool at_end_tag() const { return end_ - at_ > 1 && at_[1] == '/'; }

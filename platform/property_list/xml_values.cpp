@@ -3,6 +3,8 @@
 // and a state must read the same here and there.
 #include "property_list/xml_values.h"
 
+#include "base/utf8.h"
+
 #include <strings.h>
 
 #include <algorithm>
@@ -15,8 +17,9 @@
 namespace lumo::platform {
 namespace {
 
-/// Bytes of the blank at the start of `text`: controls, space, the bytes 0x7F to 0xA0 and, in
-/// UTF-8, U+2000 to U+200B and U+3000. 0 when there is none.
+/// Bytes of the blank at the start of the text of an <integer>, which CoreFoundation takes byte by
+/// byte: controls, space, the bytes 0x7F to 0xA0 and, in UTF-8, U+2000 to U+200B and U+3000. 0 when
+/// there is none.
 std::size_t blank_size(std::string_view text) {
     const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
     if (text.empty()) {
@@ -34,6 +37,19 @@ std::size_t blank_size(std::string_view text) {
 void skip_blanks(std::string_view& text) {
     while (const std::size_t size = blank_size(text)) {
         text.remove_prefix(size);
+    }
+}
+
+/// The same of the text of a <real>, which CoreFoundation takes character by character.
+void skip_blank_characters(std::string_view& text) {
+    while (!text.empty()) {
+        const Utf8Character next = first_utf8_character(text);
+        const char32_t c = next.value;
+        if (next.size == 0 || !((c >= 0x01 && c <= 0x20) || (c >= 0x7F && c <= 0xA0) ||
+                                (c >= 0x2000 && c <= 0x200B) || c == 0x3000)) {
+            return;
+        }
+        text.remove_prefix(next.size);
     }
 }
 
@@ -172,14 +188,21 @@ std::optional<XmlInteger> parse_integer(std::string_view text) {
 }
 
 std::optional<double> parse_real(std::string_view text) {
+    constexpr std::string_view mark = "\xEF\xBB\xBF";
+    if (text.starts_with(mark)) {
+        text.remove_prefix(mark.size());
+    }
     if (equal_ignoring_case(text, "nan")) {
         return std::numeric_limits<double>::quiet_NaN();
     }
-    skip_blanks(text);
+    const std::size_t before_blanks = text.size();
+    skip_blank_characters(text);
+    const bool has_blanks = text.size() != before_blanks;
     const bool negative = text.starts_with('-');
     skip_one_of(text, "+-");
     double value = 0;
-    if (equal_ignoring_case(text, "inf") || equal_ignoring_case(text, "infinity")) {
+    if (!has_blanks &&
+        (equal_ignoring_case(text, "inf") || equal_ignoring_case(text, "infinity"))) {
         value = std::numeric_limits<double>::infinity();
     } else if (!is_decimal(text)) {
         return std::nullopt;

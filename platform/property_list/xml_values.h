@@ -18,8 +18,9 @@ struct XmlInteger {
 /// Nothing when it is written otherwise (blanks at the end included) or out of range.
 std::optional<XmlInteger> parse_integer(std::string_view text);
 
-/// The number in a <real>: decimal, or nan, inf, infinity in any case. Beyond the range of a
-/// double: infinity or zero. Nothing when it is written otherwise.
+/// The number in a <real>, whose text is UTF-8: blanks, a sign and a decimal; or nan, inf, infinity
+/// in any case, without a blank. A mark at the start is skipped. Beyond the range of a double:
+/// infinity or zero. Nothing when it is written otherwise.
 std::optional<double> parse_real(std::string_view text);
 
 /// Seconds since 2001-01-01 00:00:00 UTC of a <date>, which must read [-]YYYY-MM-DDThh:mm:ssZ with

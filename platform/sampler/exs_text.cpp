@@ -7,6 +7,7 @@
 // folder. A slash was an ordinary letter to them, and is a colon to the systems since.
 #include "sampler/exs_text.h"
 
+#include "base/utf8.h"
 #include "ref.h"
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -28,13 +29,14 @@ std::string utf8(CFStringRef string) {
     return text;
 }
 
-String make(std::span<const std::uint8_t> bytes, CFStringEncoding encoding) {
-    return String::adopt(CFStringCreateWithBytes(
-        kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size()), encoding, false));
+String from_mac_roman(std::span<const std::uint8_t> bytes) {
+    return String::adopt(CFStringCreateWithBytes(kCFAllocatorDefault, bytes.data(),
+                                                 static_cast<CFIndex>(bytes.size()),
+                                                 kCFStringEncodingMacRoman, false));
 }
 
-bool is_ascii(std::span<const std::uint8_t> bytes) {
-    return std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte < 0x80; });
+bool is_ascii(std::string_view text) {
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 /// How many bytes at the end begin a character of UTF-8 without ending it, if any do.
@@ -64,14 +66,15 @@ std::string posix_parts(std::string_view parts) {
 } // namespace
 
 std::string exs_text(std::span<const std::uint8_t> bytes) {
-    const auto rest = bytes.first(bytes.size() - unfinished_character(bytes));
-    if (is_ascii(bytes) || make(bytes, kCFStringEncodingUTF8)) {
-        return {bytes.begin(), bytes.end()};
+    const std::string text(bytes.begin(), bytes.end());
+    if (is_utf8(text)) {
+        return text;
     }
-    if (!is_ascii(rest) && make(rest, kCFStringEncodingUTF8)) {
-        return {rest.begin(), rest.end()};
+    const std::string rest = text.substr(0, text.size() - unfinished_character(bytes));
+    if (!is_ascii(rest) && is_utf8(rest)) {
+        return rest;
     }
-    const String roman = make(bytes, kCFStringEncodingMacRoman);
+    const String roman = from_mac_roman(bytes);
     return roman ? utf8(roman.get()) : std::string();
 }
 

@@ -86,7 +86,8 @@ TEST(WithReferences, LeavesTheStateAsItIs) {
 
 TEST(WithReferences, LeavesOutWhatIsNotUtf8) {
     const Value copy =
-        rewritten(state_with(dictionary({})), {{"a", "Caf\xe9.wav"}, {"b", "b.wav"}});
+        rewritten(state_with(dictionary({})),
+                  {{"a", "Caf\xe9.wav"}, {"b", "b.wav"}, {"c", "\xa9.wav"}, {"d\xa9", "d.wav"}});
     EXPECT_EQ(references(copy.get()), (References{{"b", "b.wav"}}));
 }
 

@@ -289,11 +289,13 @@ TEST(ExsReader, NamesAreUtf8OrElseMacRoman) {
     const auto instrument = read(ExsBuilder()
                                      .zone({.name = "Fl\xC3\xB6te"})
                                      .zone({.name = "Fl\x9Ate"})
+                                     .zone({.name = "\xA9 1998"})
                                      .sample({.directory = "/Users/ren\x8E", .name = "a.wav"})
                                      .bytes());
     ASSERT_TRUE(instrument);
     EXPECT_EQ(instrument->zones.at(0).name, "Fl\xC3\xB6te");
     EXPECT_EQ(instrument->zones.at(1).name, "Fl\xC3\xB6te");
+    EXPECT_EQ(instrument->zones.at(2).name, "\xC2\xA9 1998");
     EXPECT_EQ(instrument->samples.at(0).path, "/Users/ren\xC3\xA9/a.wav");
 }
 

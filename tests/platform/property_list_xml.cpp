@@ -57,6 +57,25 @@ TEST(PropertyListXml, AttributesEndAtTheFirstBracket) {
     EXPECT_EQ(read_and_describe("<string a=b/>"), "\"\"");
 }
 
+TEST(PropertyListXml, ATagNameEndsAtABlankAndOnlyOneSlashBehindItIsNotItsOwn) {
+    EXPECT_EQ(read_and_describe("<true/>"), "true");
+    EXPECT_EQ(read_and_describe("<true /></true>"), "true");
+    EXPECT_EQ(read_and_describe("<true a=b// />"), "true");
+    for (const char* text : {"<true//>", "<dict/ ></dict>", "<string/a>b</string>", "<true/ />"}) {
+        EXPECT_EQ(read_and_describe(text), refused) << text;
+    }
+}
+
+TEST(PropertyListXml, PassesOverProcessingInstructionsBetweenElements) {
+    EXPECT_EQ(read_and_describe("<array><?x?><true/><?y <z/> ?></array>"), "[true]");
+    EXPECT_EQ(read_and_describe("<dict><?x?><key>a</key><?x?><true/></dict>"), "{\"a\": true}");
+    EXPECT_EQ(read_and_describe("<plist><?x?><true/><?x?></plist>"), "true");
+    EXPECT_EQ(read_and_describe("<array><?></array>"), "[]");
+    EXPECT_EQ(read_and_describe("<?><true/>"), refused);
+    EXPECT_EQ(read_and_describe("<array><?x></array>"), refused);
+    EXPECT_EQ(read_and_describe("<string>a<?x?></string>"), refused);
+}
+
 TEST(PropertyListXml, TextIsKeptAsItStands) {
     EXPECT_EQ(read_and_describe("<string> a\r\n\x01 > ]]></string>"),
               "\" a\\000d\\000a\\0001 > ]]>\"");
@@ -141,6 +160,17 @@ TEST(PropertyListXml, RefusesTextThatIsNotUtf8) {
         EXPECT_EQ(read_and_describe("<string>" + std::string{text} + "</string>"), refused);
     }
     EXPECT_EQ(read_and_describe("<plist a='\xFF'><!-- \xFF --><true/></plist>"), "true");
+}
+
+TEST(PropertyListXml, TakesAStrayCopyrightSignOfLatinText) {
+    EXPECT_EQ(read_and_describe("<string>x\xA9y</string>"), "\"x\\fffdy\"");
+    EXPECT_EQ(read_and_describe("<string>\xA9\xA9 \xC2\xA9</string>"), "\"\\fffd\\fffd \\00a9\"");
+    EXPECT_EQ(read_and_describe("<string>\xEF\xBB\xBF\xA9</string>"), "\"\\fffd\"");
+    EXPECT_EQ(read_and_describe("<string><![CDATA[\xA9]]>&amp;</string>"), "\"\\fffd&\"");
+    EXPECT_EQ(read_and_describe("<dict><key>\xA9</key><true/></dict>"), "{\"\\fffd\": true}");
+    for (const char* text : {"\xA8", "\xAA", "\xC2\xA9\xA8", "\xE2\xA9", "\xE2\x82", "\xA9\xFF"}) {
+        EXPECT_EQ(read_and_describe("<string>" + std::string{text} + "</string>"), refused) << text;
+    }
 }
 
 TEST(PropertyListXml, ReadsTheDeclaredEncoding) {

@@ -53,6 +53,15 @@ TEST(PropertyListInteger, MayHaveBlanksBeforeAndAfterItsSign) {
                    5, true);
 }
 
+TEST(PropertyListInteger, TakesItsBlanksByteByByte) {
+    expect_integer("\x7F\x80\xA0"
+                   "5",
+                   5);
+    for (const char* blank : {"\xC2\xA0", "\xEF\xBB\xBF", "\xE2\x81\x9F"}) {
+        EXPECT_FALSE(parse_integer(blank + "5"s)) << blank;
+    }
+}
+
 TEST(PropertyListInteger, EndsWithItsLastDigit) {
     for (const char* text : {"", " ", "-", "5 ", "5\n", "1.5", "1e5", "0x", "0x-5", "--5", "5a"}) {
         EXPECT_FALSE(parse_integer(text)) << text;
@@ -77,6 +86,25 @@ TEST(PropertyListReal, KnowsInfinityAndNanInAnyCase) {
     EXPECT_EQ(parse_real("-INF"), -infinity);
     EXPECT_TRUE(std::isnan(*parse_real("NaN")));
     EXPECT_FALSE(parse_real("-nan"));
+}
+
+TEST(PropertyListReal, TakesItsBlanksCharacterByCharacter) {
+    for (const char* blank : {"\x01", " ", "\x7F", "\xC2\x80", "\xC2\xA0", "\xE2\x80\x80",
+                              "\xE2\x80\x8B", "\xE3\x80\x80", "\xEF\xBB\xBF", "\xEF\xBB\xBF "}) {
+        EXPECT_EQ(parse_real(blank + "-2.5"s), -2.5) << blank;
+    }
+    for (const std::string& blank :
+         {"\0"s, "\x80"s, "\xA0"s, "\xC2\xA1"s, "\xE1\x9A\x80"s, "\xE2\x80\x8C"s, "\xE2\x80\xAF"s,
+          "\xE2\x81\x9F"s, "\xEF\xBB\xBF\xEF\xBB\xBF"s, " \xEF\xBB\xBF"s}) {
+        EXPECT_FALSE(parse_real(blank + "2.5")) << blank;
+    }
+}
+
+TEST(PropertyListReal, InfinityAndNanHaveNoBlanks) {
+    EXPECT_TRUE(std::isnan(*parse_real("\xEF\xBB\xBFnan")));
+    for (const char* text : {" inf", " -infinity", " nan", "inf ", "\xC2\xA0inf"}) {
+        EXPECT_FALSE(parse_real(text)) << text;
+    }
 }
 
 TEST(PropertyListReal, BeyondTheRangeIsInfinityOrZero) {
@@ -150,6 +178,39 @@ TEST(PropertyListEncoding, FollowsTheDeclaration) {
     EXPECT_EQ(utf8("<?xml encoding=\"Windows-1252\"?>\x80"),
               "<?xml encoding=\"Windows-1252\"?>\xE2\x82\xAC");
     EXPECT_EQ(utf8("<?xml encoding=\"macintosh\"?>"), "unknown encoding");
+}
+
+TEST(PropertyListEncoding, OfANameOnlyLettersAndDigitsCount) {
+    for (const char* name : {"iso8859-1", "windows1252", "cp819", "l1", "us", "ANSI_X3.4-1968",
+                             "Latin-1", "ISO_8859-1:1987"}) {
+        EXPECT_TRUE(utf8("<?xml encoding='"s + name + "'?>\xE9").ends_with("\xC3\xA9")) << name;
+    }
+    EXPECT_TRUE(utf8("<?xml encoding='utf-8 '?>\xE9").ends_with(">\xE9"));
+    EXPECT_EQ(utf8("<?xml encoding='l2'?>"), "unknown encoding");
+    EXPECT_EQ(utf8("<?xml encoding=''?>"), "unknown encoding");
+}
+
+TEST(PropertyListEncoding, RefusesBytesThatWindows1252DoesNotDefine) {
+    const std::string declaration = "<?xml encoding='windows-1252'?>";
+    for (const char* byte : {"\x81", "\x8D", "\x8F", "\x90", "\x9D"}) {
+        EXPECT_EQ(utf8(declaration + byte), "unknown encoding");
+    }
+    EXPECT_EQ(utf8(declaration + "\0\x80\x9F\xA0"s),
+              declaration + "\0\xE2\x82\xAC\xC5\xB8\xC2\xA0"s);
+}
+
+TEST(PropertyListEncoding, TheDeclarationEndsAtTheFirstQuestionMarkOrBracket) {
+    for (const char* text : {"<?xml ? encoding='macintosh'?>", "<?xml > encoding='macintosh'?>",
+                             "<?xml version='1.0'><a encoding='macintosh'>"}) {
+        EXPECT_EQ(utf8(text), text);
+    }
+}
+
+TEST(PropertyListEncoding, WithoutAClosingQuoteIsUtf8) {
+    for (const char* text :
+         {"<?xml encoding='macintosh?>", "<?xml encoding=\"macintosh'?>", "<?xml encoding='"}) {
+        EXPECT_EQ(utf8(text), text);
+    }
 }
 
 TEST(PropertyListEncoding, TakesADeclarationOnlyAtTheStartAndWithoutBlanks) {

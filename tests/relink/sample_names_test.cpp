@@ -94,8 +94,8 @@ TEST(NameKey, keeps_compatible_forms_apart) {
 }
 
 TEST(NameKey, of_a_name_that_is_not_utf8_is_the_name_byte_for_byte) {
-    for (const std::string name :
-         {"K\xfc.WAV", "\xff.WAV", "A\xc3", "A\xc0\xaf", "A\xed\xa0\x80", "A\xf4\x90\x80\x80"}) {
+    for (const std::string name : {"K\xfc.WAV", "\xff.WAV", "\xa9.WAV", "A\xc3", "A\xc0\xaf",
+                                   "A\xed\xa0\x80", "A\xf4\x90\x80\x80"}) {
         EXPECT_EQ(key_of(name), name);
     }
 }

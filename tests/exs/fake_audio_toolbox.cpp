@@ -1,6 +1,8 @@
 // Units are numbered objects of the heap, so that a unit used after its end is seen by sanitizers.
 #include "fake_audio_toolbox.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <cstddef>
 
@@ -75,8 +77,9 @@ OSStatus AudioUnitInitialize(AudioUnit unit) {
     return number < statuses.size() ? statuses[number] : 0;
 }
 
-OSStatus AudioUnitSetProperty(AudioUnit, AudioUnitPropertyID property, AudioUnitScope scope,
+OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
                               AudioUnitElement element, const void* data, UInt32 size) {
+    EXPECT_TRUE(unit) << "a property is set on no unit";
     audio_toolbox().calls.push_back(property_call("set", property, scope, element, size));
     if (property == kAUSamplerProperty_LoadInstrument) {
         take_instrument(data);
@@ -86,8 +89,9 @@ OSStatus AudioUnitSetProperty(AudioUnit, AudioUnitPropertyID property, AudioUnit
     return audio_toolbox().load(loads());
 }
 
-OSStatus AudioUnitGetProperty(AudioUnit, AudioUnitPropertyID property, AudioUnitScope scope,
+OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
                               AudioUnitElement element, void* data, UInt32* size) {
+    EXPECT_TRUE(unit) << "a property is asked of no unit";
     audio_toolbox().calls.push_back(property_call("get", property, scope, element, *size));
     if (audio_toolbox().get_status == 0 && audio_toolbox().state) {
         *static_cast<CFTypeRef*>(data) = CFRetain(audio_toolbox().state.get());

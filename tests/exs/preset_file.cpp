@@ -3,8 +3,10 @@
 
 #include "support/temp_folder.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -64,6 +66,36 @@ TEST(PresetFile, ThatIsAPipeWithoutAWriterIsEmpty) {
     const TempFolder folder;
     ASSERT_EQ(mkfifo((folder / "preset").c_str(), 0600), 0);
     EXPECT_EQ(read(folder / "preset"), "");
+}
+
+/// The number that the next file to be opened gets.
+int next_descriptor() {
+    const int descriptor = open("/dev/null", O_RDONLY);
+    close(descriptor);
+    return descriptor;
+}
+
+TEST(PresetFile, IsNotLeftOpen) {
+    const TempFolder folder;
+    write_file(folder / "preset", "bplist00");
+    write_file(folder / "large", "bplist00");
+    std::filesystem::resize_file(folder / "large", (std::uintmax_t{1} << 30) + 1);
+    const int before = next_descriptor();
+    read(folder / "preset");
+    read(folder / "large");
+    read(folder / "absent");
+    read(folder.path());
+    EXPECT_EQ(next_descriptor(), before);
+}
+
+TEST(PresetFile, IsReadWhereStandardInputIsClosed) {
+    const TempFolder folder;
+    write_file(folder / "preset", "bplist00");
+    const auto read_there = [&] {
+        close(0);
+        return read(folder / "preset") == "bplist00" && next_descriptor() == 0;
+    };
+    EXPECT_EXIT(_exit(read_there() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // Loading EXS24 instruments into a unit.
 #include "audio_bytes.h"
+#include "limited_reads.h"
 #include "recorded_opens.h"
 #include "sampler_host.h"
 #include "support/exs_builder.h"
@@ -85,6 +86,25 @@ TEST_F(ExsInstruments, AreNotReadBeyondAGigabyte) {
     write_file(folder / "Pad.exs", "");
     fs::resize_file(folder / "Pad.exs", (std::uintmax_t{1} << 30) + 1);
     EXPECT_EQ(load(folder / "Pad.exs"), kAudioUnitErr_InvalidFile);
+}
+
+TEST_F(ExsInstruments, AreReadInAsManyPiecesAsTheyComeIn) {
+    const std::string bytes = ExsBuilder().zone({.sample = -1}).bytes();
+    write_file(folder / "Pad.exs", bytes);
+    const LimitedReads limited(100);
+    EXPECT_EQ(load(folder / "Pad.exs"), 0);
+    EXPECT_EQ(limited.room(), bytes.size()); // of which none is beyond what the file was to have
+}
+
+TEST_F(ExsInstruments, EndWhereTheirFileEndsWhateverItsSizeWas) {
+    write_file(folder / "Pad.exs", ExsBuilder().zone({.sample = -1}).bytes());
+    constexpr std::size_t instrument_chunk = 84 + 80;
+    const auto load_up_to = [&](std::size_t size) {
+        const LimitedReads limited(no_limit, size);
+        return load(folder / "Pad.exs");
+    };
+    EXPECT_EQ(load_up_to(instrument_chunk), 0);
+    EXPECT_EQ(load_up_to(instrument_chunk + 36), kAudioUnitErr_InvalidFile);
 }
 
 TEST_F(ExsInstruments, NeedPermissionToBeRead) {
@@ -182,6 +202,13 @@ TEST_F(ExsInstruments, GiveAStateThatLoadsAgain) {
     const Sampler other;
     ASSERT_EQ(other.set(state.get()), 0);
     EXPECT_TRUE(CFEqual(other.state().get(), state.get()));
+}
+
+TEST_F(ExsInstruments, LoseAByteOrderMarkInFrontOfTheirName) {
+    const std::string name = "\xEF\xBB\xBF\xEF\xBB\xBFPad.exs";
+    write_file(folder / name, ExsBuilder().bytes());
+    ASSERT_EQ(load(folder / name), 0);
+    EXPECT_EQ(state().at("Instrument/name"), StateEntry(name.substr(3)));
 }
 
 TEST_F(ExsInstruments, WithoutUtf8InTheirNameAreNamedAsTheirContentsAre) {

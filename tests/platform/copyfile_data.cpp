@@ -78,6 +78,8 @@ constexpr RefusedCall no_careful_rename{SYS_renameat2, EINVAL};
 constexpr RefusedCall no_link_of_a_descriptor{SYS_linkat, ENOENT, 4, AT_EMPTY_PATH, AT_EMPTY_PATH};
 constexpr RefusedCall no_clone{SYS_ioctl, EOPNOTSUPP, 1, ~0U, FICLONE};
 constexpr RefusedCall no_copy_in_kernel{SYS_copy_file_range, EXDEV};
+constexpr RefusedCall no_look_for_data{SYS_lseek, EIO, 2, ~0U, SEEK_DATA};
+constexpr RefusedCall no_look_for_holes{SYS_lseek, EIO, 2, ~0U, SEEK_HOLE};
 
 TEST_F(CopyFile, CopiesEveryByte) {
     write_file(from, noise(3'000'001));
@@ -134,6 +136,23 @@ TEST_F(CopyFile, CopiesAFileThatIsAllHole) {
     EXPECT_EQ(read_file(to), std::string(1 << 20, '\0'));
 }
 
+TEST_F(CopyFile, LeavesNothingOfAFileWithHolesThatTheDiskDoesNotGive) {
+    write_file(from, noise(5000));
+    ASSERT_EQ(truncate(from.c_str(), 1 << 20), 0);
+    const std::vector<RefusedCall> faults[] = {
+        {no_clone, no_look_for_data},
+        {no_clone, no_look_for_holes},
+        {no_clone, no_copy_in_kernel, {SYS_pread64, EIO}},
+        {no_clone, {SYS_ftruncate, EIO}},
+    };
+    for (const std::vector<RefusedCall>& fault : faults) {
+        EXPECT_EQ(in_child([&] { return refuse(fault) ? try_copy(from, to) : not_possible_here; }),
+                  EIO)
+            << fault.back().number;
+        EXPECT_EQ(entries(show), 0U);
+    }
+}
+
 TEST_F(CopyFile, RefusesANameThatIsTaken) {
     write_file(from, "new");
     write_file(to, "old");
@@ -182,6 +201,25 @@ TEST_F(CopyFile, FailsRatherThanReplaceWhereThereIsNoCarefulWayToName) {
     EXPECT_EQ(copy_without({no_nameless_files, no_careful_rename, {SYS_link, EPERM}}, "bytes"),
               EPERM);
     EXPECT_EQ(entries(show), 0U);
+}
+
+TEST_F(CopyFile, FailsWithoutRandomNumbersForAHiddenName) {
+    EXPECT_EQ(copy_without({no_nameless_files, {SYS_getrandom, ENOSYS}}, "bytes"), ENOSYS);
+    EXPECT_EQ(entries(show), 0U);
+}
+
+TEST_F(CopyFile, WorksWhereTheStandardStreamsAreClosed) {
+    write_file(from, noise(5000));
+    ASSERT_EQ(truncate(from.c_str(), 1 << 20), 0);
+    EXPECT_EQ(in_child([&] {
+                  close(0);
+                  close(1);
+                  const int error = try_copy(from, to);
+                  const bool closed = fcntl(0, F_GETFD) < 0 && fcntl(1, F_GETFD) < 0;
+                  return closed ? error : not_possible_here;
+              }),
+              0);
+    EXPECT_EQ(read_file(to), read_file(from));
 }
 
 TEST_F(CopyFile, LeavesNothingOfAFileThatIsTooLarge) {
@@ -257,6 +295,15 @@ TEST_F(CopyFile, CopiesALinkItselfWhenCloning) {
     fs::create_symlink("elsewhere.wav", from);
     EXPECT_EQ(try_copy(from, to), 0);
     EXPECT_EQ(fs::read_symlink(to), "elsewhere.wav");
+}
+
+TEST_F(CopyFile, SaysThatALinkCannotBeMade) {
+    fs::create_symlink("elsewhere.wav", from);
+    EXPECT_EQ(in_child([&] {
+                  return refuse({{SYS_symlink, EPERM}}) ? try_copy(from, to) : not_possible_here;
+              }),
+              EPERM);
+    EXPECT_EQ(entries(show), 0U);
 }
 
 TEST_F(CopyFile, FollowsALinkWhenNotCloning) {

@@ -198,7 +198,8 @@ TEST_F(CopyFileMetadata, DoesWithoutMetadataWhereTheVolumeHasNone) {
                                {SYS_fgetxattr, EOPNOTSUPP},
                                {SYS_flistxattr, EOPNOTSUPP},
                                {SYS_fchown, EPERM},
-                               {SYS_fchmod, EPERM}})) {
+                               {SYS_fchmod, EPERM},
+                               {SYS_utimensat, EPERM}})) {
                       return 255;
                   }
                   return copy();
@@ -213,6 +214,14 @@ TEST_F(CopyFileMetadata, TellsOfAnAttributeThatWasLost) {
     }
     EXPECT_EQ(in_child([&] { return refuse({{SYS_fsetxattr, EIO}}) ? copy() : 255; }), EIO);
     EXPECT_FALSE(fs::exists(to));
+}
+
+TEST_F(CopyFileMetadata, TellsOfAModeOrTimesThatWereLost) {
+    chmod(from.c_str(), 0444);
+    for (const int call : {SYS_fchmod, SYS_utimensat}) {
+        EXPECT_EQ(in_child([&] { return refuse({{call, EIO}}) ? copy() : 255; }), EIO) << call;
+        EXPECT_FALSE(fs::exists(to));
+    }
 }
 
 } // namespace

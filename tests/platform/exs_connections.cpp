@@ -129,6 +129,15 @@ TEST(ExsConnections, CutoffByKeyComesLast) {
     expect_scaled(find(exs_connections(parameters), 8), 300, 0x41500000, 7080.00048828125F);
 }
 
+TEST(ExsConnections, CutoffByKeyIsExactToTheBit) {
+    for (const int amount : {-1000, -998, 100, 250, 400}) {
+        ExsParameters parameters = plain();
+        parameters.set(46, static_cast<std::int16_t>(amount));
+        expect_scaled(find(exs_connections(parameters), 7), 300, 0x41500000,
+                      static_cast<float>(12 * amount));
+    }
+}
+
 TEST(ExsConnections, NewInstrumentHasVibratoAndAnEnvelopeAtNothing) {
     const auto connections = exs_connections(ExsParameters());
     expect_scaled(find(connections, 7), 0x20000001, 0x41500000, 0);

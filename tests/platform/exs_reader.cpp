@@ -194,7 +194,13 @@ TEST(ExsReader, FieldsBeyondAChunksEndHaveTheirDefaults) {
     EXPECT_EQ(zone.keys, ExsRange{});
     EXPECT_EQ(zone.velocities, ExsRange{});
     EXPECT_TRUE(zone.pitch_tracking);
+    EXPECT_FALSE(zone.muted);
     EXPECT_FALSE(zone.loop_on);
+    EXPECT_EQ(zone.fine_tune, 0);
+    EXPECT_EQ(zone.volume, 0);
+    EXPECT_EQ(zone.sample_end, 0);
+    EXPECT_EQ(zone.loop_start, 0);
+    EXPECT_EQ(zone.loop_end, 0);
     EXPECT_EQ(zone.group, -1);
     EXPECT_EQ(zone.sample, -1);
     const ExsGroup& group = instrument->groups.at(0);

@@ -76,6 +76,16 @@ TEST(PropertyListBinary, RefusesObjectsThatReachIntoTheTable) {
     }
 }
 
+TEST(PropertyListBinary, RefusesAnObjectThatIsNotBeforeTheTable) {
+    // One object at 8 and the table at 9: the only entry of the table is also the marker of "true".
+    std::string file = BinaryList{.objects = {"\x09"}, .offset_width = 1}.bytes();
+    ASSERT_EQ(read_and_describe(file), "true");
+    for (int offset = 9; offset < 256; ++offset) {
+        file[9] = static_cast<char>(offset);
+        EXPECT_EQ(read_and_describe(file), refused) << offset;
+    }
+}
+
 TEST(PropertyListBinary, RefusesUnknownMarkers) {
     for (const char marker : "\x01\x0F\x17\x20\x21\x24\x30\x32\x34\x70\x90\xB0\xE0\xF0"s) {
         EXPECT_EQ(read_objects({marker + std::string(40, '\0')}), refused)

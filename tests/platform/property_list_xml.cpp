@@ -84,6 +84,8 @@ TEST(PropertyListXml, TextIsKeptAsItStands) {
 TEST(PropertyListXml, ResolvesEntities) {
     EXPECT_EQ(read_and_describe("<string>&lt;&gt;&amp;&apos;&quot;&#65;&#x1F600;</string>"),
               "\"<>&'\\0022A\\d83d\\de00\"");
+    EXPECT_EQ(read_and_describe("<string>&#x7F;&#x80;&#x7FF;&#x800;&#xFFFD;&#x1F601;</string>"),
+              "\"\\007f\\0080\\07ff\\0800\\fffd\\d83d\\de01\"");
     EXPECT_EQ(read_and_describe("<string>&#;</string>"), "\"\\0000\"");
     for (const char* entity : {"&nbsp;", "&", "&LT;", "&#X41;", "&#12a;", "&#-5;", "&#xD800;",
                                "&#x110000;", "&#000000065;", "&#1"}) {

@@ -29,6 +29,13 @@ namespace {
 
 using namespace lumo::test;
 
+// CoreAudio's numbers.
+constexpr OSStatus failed = -36;
+constexpr OSStatus no_descriptor = -42;
+constexpr OSStatus not_found = -43;
+constexpr OSStatus not_permitted = -54;
+constexpr OSStatus not_audio = 1954115647;
+
 class SampleFile : public testing::Test {
 protected:
     TempFolder folder;
@@ -110,7 +117,7 @@ TEST_F(SampleFile, IsFoundThroughLinks) {
 TEST_F(SampleFile, IsToldByItsBytesAndNotByItsName) {
     write_audio(folder / "kick.txt", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     EXPECT_EQ(open_sample(folder / "kick.txt"), 0);
-    EXPECT_EQ(open_bytes("Dear diary,"), not_an_audio_file);
+    EXPECT_EQ(open_bytes("Dear diary,"), not_audio);
 }
 
 // --- what is not --------------------------------------------------------------------------------
@@ -120,7 +127,7 @@ TEST_F(SampleFile, IsNotAnythingElse) {
          {""s, "R"s, "RIFF"s, "RIFF\4\0\0\0WAVE"s, "RIFF\4\0\0\0AVI "s, "FORM\0\0\0\4ILBM"s,
           "caff"s, "caff\0\1\0\0"s, "ID3"s, "fLaC"s, "OggS"s, "root:x:0:0:root:/root:/bin/bash\n"s,
           std::string(100'000, '\0'), std::string(100'000, '\xFF')}) {
-        EXPECT_EQ(open_bytes(bytes), not_an_audio_file) << bytes.substr(0, 20);
+        EXPECT_EQ(open_bytes(bytes), not_audio) << bytes.substr(0, 20);
     }
 }
 
@@ -129,73 +136,73 @@ TEST_F(SampleFile, IsNotATextThatBeginsLikeAFrame) {
     for (const char letter : "half a page of text that goes on for a while"s) {
         text += letter + "\0"s;
     }
-    EXPECT_EQ(open_bytes(text), not_an_audio_file);
+    EXPECT_EQ(open_bytes(text), not_audio);
     for (int doubling = 0; doubling < 4; ++doubling) {
         text += text;
     }
-    EXPECT_EQ(open_bytes(text), not_an_audio_file);
+    EXPECT_EQ(open_bytes(text), not_audio);
 }
 
 TEST_F(SampleFile, IsNotAFrameFollowedBySomethingElse) {
-    EXPECT_EQ(open_bytes(mp3_frames(1) + std::string(1000, 'x')), not_an_audio_file);
-    EXPECT_EQ(open_bytes(adts_frames(1, 100) + std::string(1000, 'x')), not_an_audio_file);
-    EXPECT_EQ(open_bytes(mp3_frames(1).substr(0, 300)), not_an_audio_file);
-    EXPECT_EQ(open_bytes(adts_frames(1, 7).substr(0, 6)), not_an_audio_file);
+    EXPECT_EQ(open_bytes(mp3_frames(1) + std::string(1000, 'x')), not_audio);
+    EXPECT_EQ(open_bytes(adts_frames(1, 100) + std::string(1000, 'x')), not_audio);
+    EXPECT_EQ(open_bytes(mp3_frames(1).substr(0, 300)), not_audio);
+    EXPECT_EQ(open_bytes(adts_frames(1, 7).substr(0, 6)), not_audio);
 }
 
 TEST_F(SampleFile, IsNotAFrameWithImpossibleFields) {
     for (const std::string& header : {"\xFF\xFB\x00\xC4"s, "\xFF\xFB\xF0\xC4"s, "\xFF\xFB\x9C\xC4"s,
                                       "\xFF\xEB\x90\xC4"s, "\xFF\xF9\x90\xC4"s}) {
-        EXPECT_EQ(open_bytes(header + std::string(5000, '\0')), not_an_audio_file);
+        EXPECT_EQ(open_bytes(header + std::string(5000, '\0')), not_audio);
     }
     std::string ac3 = ac3_head();
     ac3[4] = '\xD4'; // no such sampling rate
-    EXPECT_EQ(open_bytes(ac3), not_an_audio_file);
-    EXPECT_EQ(open_bytes(adts_frames(3, 3)), not_an_audio_file);
+    EXPECT_EQ(open_bytes(ac3), not_audio);
+    EXPECT_EQ(open_bytes(adts_frames(3, 3)), not_audio);
 }
 
 TEST_F(SampleFile, IsNotATagWithoutAudio) {
-    EXPECT_EQ(open_bytes(id3_tag(1000)), not_an_audio_file);
-    EXPECT_EQ(open_bytes(id3_tag(1000).substr(0, 500)), not_an_audio_file);
-    EXPECT_EQ(open_bytes(id3_tag(1000) + std::string(5000, 'x')), not_an_audio_file);
+    EXPECT_EQ(open_bytes(id3_tag(1000)), not_audio);
+    EXPECT_EQ(open_bytes(id3_tag(1000).substr(0, 500)), not_audio);
+    EXPECT_EQ(open_bytes(id3_tag(1000) + std::string(5000, 'x')), not_audio);
     std::string tags;
     for (int i = 0; i < 1000; ++i) {
         tags += id3_tag(0);
     }
-    EXPECT_EQ(open_bytes(tags + mp3_frames(3)), not_an_audio_file);
+    EXPECT_EQ(open_bytes(tags + mp3_frames(3)), not_audio);
 }
 
 TEST_F(SampleFile, IsNotAnythingButARegularFile) {
-    EXPECT_EQ(open_sample(folder.path()), not_an_audio_file);
-    EXPECT_EQ(open_sample("/dev/zero"), not_an_audio_file);
-    EXPECT_EQ(open_sample("/dev/null"), not_an_audio_file);
+    EXPECT_EQ(open_sample(folder.path()), not_audio);
+    EXPECT_EQ(open_sample("/dev/zero"), not_audio);
+    EXPECT_EQ(open_sample("/dev/null"), not_audio);
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_EQ(open_sample(path), not_an_audio_file); // and did not wait
+    EXPECT_EQ(open_sample(path), not_audio); // and did not wait
     fs::remove(path);
     const int end = socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     path.string().copy(address.sun_path, sizeof address.sun_path - 1);
     ASSERT_EQ(bind(end, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(open_sample(path), not_an_audio_file);
+    EXPECT_EQ(open_sample(path), not_audio);
     close(end);
 }
 
 TEST_F(SampleFile, IsAbsent) {
-    EXPECT_EQ(open_sample(path), file_not_found);
-    EXPECT_EQ(open_sample(""), file_not_found);
-    EXPECT_EQ(open_sample(folder / "no folder/kick.wav"), file_not_found);
-    EXPECT_EQ(open_sample(folder / std::string(300, 'x')), file_not_found);
+    EXPECT_EQ(open_sample(path), not_found);
+    EXPECT_EQ(open_sample(""), not_found);
+    EXPECT_EQ(open_sample(folder / "no folder/kick.wav"), not_found);
+    EXPECT_EQ(open_sample(folder / std::string(300, 'x')), not_found);
     fs::create_symlink("nowhere.wav", path);
-    EXPECT_EQ(open_sample(path), file_not_found);
-    EXPECT_EQ(open_sample(path / "kick.wav"), file_not_found);
+    EXPECT_EQ(open_sample(path), not_found);
+    EXPECT_EQ(open_sample(path / "kick.wav"), not_found);
     fs::create_symlink("loop.wav", folder / "loop.wav");
-    EXPECT_EQ(open_sample(folder / "loop.wav"), file_not_found);
+    EXPECT_EQ(open_sample(folder / "loop.wav"), not_found);
 }
 
 TEST_F(SampleFile, IsNotTheFileWhoseNameItsPathBeginsWith) {
     write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    EXPECT_EQ(open_sample(path.string() + "\0.wav"s), file_not_found);
+    EXPECT_EQ(open_sample(path.string() + "\0.wav"s), not_found);
 }
 
 TEST_F(SampleFile, MayNotBeReadable) {
@@ -204,7 +211,7 @@ TEST_F(SampleFile, MayNotBeReadable) {
     fs::permissions(path, fs::perms::none);
     EXPECT_EQ(in_child([&] {
                   become_nobody();
-                  return open_sample(path) == file_not_permitted;
+                  return open_sample(path) == not_permitted;
               }),
               1);
 }
@@ -214,7 +221,7 @@ TEST_F(SampleFile, CannotBeOpenedWithoutAFreeDescriptor) {
     EXPECT_EQ(in_child([&] {
                   const rlimit none{0, 0};
                   setrlimit(RLIMIT_NOFILE, &none);
-                  return open_sample(path) == too_many_open_files;
+                  return open_sample(path) == no_descriptor;
               }),
               1);
 }
@@ -222,9 +229,26 @@ TEST_F(SampleFile, CannotBeOpenedWithoutAFreeDescriptor) {
 TEST_F(SampleFile, FailsWithTheDisk) {
     write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     EXPECT_EQ(in_child([&] {
-                  return refuse({{SYS_pread64, EIO}}) && open_sample(path) == file_io_failed;
+                  return refuse({{SYS_pread64, EIO}}) && open_sample(path) == failed;
               }),
               1);
+}
+
+TEST_F(SampleFile, HasTheStatusOfTheErrorThatItMet) {
+    const std::pair<int, OSStatus> statuses[] = {
+        {ENOENT, not_found},       {ENOTDIR, not_found},    {ELOOP, not_found},
+        {ENAMETOOLONG, not_found}, {EACCES, not_permitted}, {EPERM, not_permitted},
+        {EMFILE, no_descriptor},   {ENFILE, no_descriptor}, {EIO, failed},
+        {ENOMEM, failed},          {ENXIO, not_audio},      {ENODEV, not_audio},
+    };
+    write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    for (const auto& [error, status] : statuses) {
+        EXPECT_EQ(in_child([&, error = error, status = status] {
+                      return refuse({{SYS_openat, error}}) && open_sample(path) == status;
+                  }),
+                  1)
+            << error;
+    }
 }
 
 TEST_F(SampleFile, IsNotLeftOpen) {

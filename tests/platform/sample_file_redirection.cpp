@@ -17,6 +17,9 @@ using namespace lumo::test;
 
 using Paths = std::vector<std::string>;
 
+constexpr OSStatus not_found = -43;
+constexpr OSStatus not_audio = 1954115647;
+
 class SampleRedirection : public testing::Test {
 protected:
     TempFolder folder;
@@ -31,7 +34,7 @@ TEST_F(SampleRedirection, OpensTheFileThatIsGivenInstead) {
         EXPECT_EQ(open_sample("/recorded/kick.wav"), 0);
     }
     write_file(folder / "moved", "no audio");
-    EXPECT_EQ(open_sample("/recorded/kick.wav"), not_an_audio_file);
+    EXPECT_EQ(open_sample("/recorded/kick.wav"), not_audio);
 }
 
 TEST_F(SampleRedirection, AsksOnceForEachSample) {
@@ -44,13 +47,13 @@ TEST_F(SampleRedirection, AsksOnceForEachSample) {
 TEST_F(SampleRedirection, AsksForEverySampleInOrderAlsoAfterAFailure) {
     const Paths paths{"/recorded/b.wav", "/recorded/a.wav", folder / "text", "/recorded/c.wav"};
     write_file(folder / "text", "no audio");
-    EXPECT_EQ(open_samples(paths), file_not_found);
+    EXPECT_EQ(open_samples(paths), not_found);
     EXPECT_EQ(asked_for, (Paths{"/recorded/b.wav", "/recorded/a.wav", "/recorded/c.wav"}));
 }
 
 TEST_F(SampleRedirection, AsksOnceForASampleThatIsNamedTwice) {
     EXPECT_EQ(open_samples(Paths{"/recorded/b.wav", "/recorded/a.wav", "/recorded/b.wav"}),
-              file_not_found);
+              not_found);
     EXPECT_EQ(asked_for, (Paths{"/recorded/b.wav", "/recorded/a.wav"}));
 }
 
@@ -61,8 +64,8 @@ TEST_F(SampleRedirection, IsDecidedByTheFirstFailure) {
     const std::string kick = folder / "kick.wav";
     EXPECT_EQ(open_samples(Paths{}), 0);
     EXPECT_EQ(open_samples(Paths{kick, kick}), 0);
-    EXPECT_EQ(open_samples(Paths{kick, text, "/recorded/a.wav"}), not_an_audio_file);
-    EXPECT_EQ(open_samples(Paths{"/recorded/a.wav", text, kick}), file_not_found);
+    EXPECT_EQ(open_samples(Paths{kick, text, "/recorded/a.wav"}), not_audio);
+    EXPECT_EQ(open_samples(Paths{"/recorded/a.wav", text, kick}), not_found);
 }
 
 } // namespace

@@ -68,6 +68,11 @@ TEST(Find, compares_folders_by_their_keys) {
     EXPECT_EQ(index.find("/old/x/k.wav"), "/a/x/k.wav");
 }
 
+TEST(Find, compares_folders_by_their_keys_also_where_they_end_in_byte_80) {
+    const SampleIndex index = index_of("k.wav", {"/a/x/k.wav", "/zzz/zz/Cafe\xCC\x80/k.wav"});
+    EXPECT_EQ(index.find("/old/Caf\u00e8/k.wav"), "/zzz/zz/Cafe\xCC\x80/k.wav");
+}
+
 TEST(Find, compares_folders_that_are_not_utf8_byte_for_byte) {
     const SampleIndex index = index_of("k.wav", {"/a/x/k.wav", "/zzz/zz/Kit\xff/k.wav"});
     EXPECT_EQ(index.find("/old/Kit\xff/k.wav"), "/zzz/zz/Kit\xff/k.wav");

@@ -241,5 +241,51 @@ TEST_F(TheShimsOf, opendir_records_the_sample_and_opens_no_file_as_a_folder) {
     EXPECT_EQ(result.relinked[0].first, gone);
 }
 
+using Reopen = FILE*(const char*, const char*, FILE*);
+
+TEST_F(TheShimsOf, freopen_for_writing_makes_the_file_that_its_caller_names) {
+    for (Reopen* const reopen : {freopen, freopen64}) {
+        const std::string made = (folder / "kick.wav").string();
+        FILE* const stream = fopen("/dev/null", "r");
+        relink::begin(index);
+        FILE* const reopened = reopen(made.c_str(), "w", stream);
+        const relink::Result result = relink::end();
+        ASSERT_TRUE(reopened);
+        fputs("new", reopened);
+        fclose(reopened);
+        EXPECT_EQ(test::read_file(made), "new");
+        EXPECT_EQ(test::read_file(folder / "library/kick.wav"), bytes);
+        EXPECT_TRUE(result.relinked.empty());
+        std::filesystem::remove(made);
+    }
+}
+
+TEST_F(TheShimsOf, freopen_without_a_path_opens_the_streams_own_file_again) {
+    for (Reopen* const reopen : {freopen, freopen64}) {
+        FILE* const stream = fopen((folder / "library/kick.wav").c_str(), "r");
+        relink::begin(index);
+        FILE* const reopened = reopen(nullptr, "r", stream);
+        relink::end();
+        EXPECT_TRUE(reads(reopened));
+    }
+}
+
+TEST_F(TheShimsOf, open_makes_a_nameless_file_with_the_callers_mode) {
+    const std::string path = folder.path().string();
+    constexpr int flags = O_TMPFILE | O_WRONLY;
+    umask(022);
+    for (const int file : {open(path.c_str(), flags, 0751), open64(path.c_str(), flags, 0751),
+                           openat(AT_FDCWD, path.c_str(), flags, 0751),
+                           openat64(AT_FDCWD, path.c_str(), flags, 0751)}) {
+        if (file < 0 && errno == EOPNOTSUPP) {
+            GTEST_SKIP() << "no nameless files in the temporary folder";
+        }
+        struct stat status {};
+        EXPECT_EQ(fstat(file, &status), 0);
+        close(file);
+        EXPECT_EQ(status.st_mode & 0777u, 0751u);
+    }
+}
+
 } // namespace
 } // namespace lumo::exs

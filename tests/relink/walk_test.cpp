@@ -161,6 +161,16 @@ TEST(Walk, takes_names_of_255_bytes) {
     EXPECT_EQ(walk(folder.path()), Paths{inner + '/' + name});
 }
 
+TEST(Walk, works_where_standard_input_is_closed) {
+    const TempFolder folder;
+    write_file(folder / "Kit/a.wav", "");
+    const auto walk_there = [&] {
+        close(0); // the folders are opened as descriptor 0
+        return walk(folder.path()) == Paths{"Kit/a.wav"} && fcntl(0, F_GETFD) < 0;
+    };
+    EXPECT_EXIT(_exit(walk_there() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
 /// Makes `depth` folders, one in the other, and a sample in the last; gives the sample's path.
 std::string make_deep(const fs::path& top, const std::string& name, int depth) {
     std::string path;

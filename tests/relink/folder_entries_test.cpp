@@ -1,0 +1,44 @@
+// The entries of one folder, however the system gives them.
+#include "folder_entries.h"
+#include "support/temp_folder.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace lumo::exs::relink {
+namespace {
+
+using Names = std::set<std::string>;
+
+/// The names that are taken from what is at `path`; "(left open)" among them when its descriptor is
+/// open afterwards.
+Names names_in(const std::filesystem::path& path) {
+    Names names;
+    Descriptor opened(open(path.c_str(), O_RDONLY));
+    const int descriptor = opened.get();
+    EXPECT_GE(descriptor, 0);
+    read_entries(std::move(opened), [&](const char* name, unsigned char) { names.insert(name); });
+    if (fcntl(descriptor, F_GETFD) >= 0) {
+        names.insert("(left open)");
+    }
+    return names;
+}
+
+TEST(FolderEntries, are_all_names_and_those_of_itself_and_its_parent) {
+    const test::TempFolder folder;
+    test::write_file(folder / "kick.wav", "");
+    test::write_file(folder / "Kit/snare.wav", "");
+    EXPECT_EQ(names_in(folder.path()), (Names{".", "..", "Kit", "kick.wav"}));
+}
+
+TEST(FolderEntries, of_what_is_no_folder_are_none) {
+    const test::TempFolder folder;
+    test::write_file(folder / "kick.wav", "");
+    EXPECT_EQ(names_in(folder / "kick.wav"), Names{});
+}
+
+} // namespace
+} // namespace lumo::exs::relink

@@ -71,12 +71,9 @@ void compare_conversion(ConformanceTable& table, const Json& source, CFNumberRef
 }
 
 TEST(NumberVectors, ConversionsAgreeWithCoreFoundation) {
-    const auto vectors = read_vectors("number/getvalue.json");
-    if (!vectors) {
-        GTEST_SKIP() << "no recorded results";
-    }
+    const Json vectors = read_vectors("number-getvalue.json");
     ConformanceTable table;
-    for (const Json& row : (*vectors)["getvalue"]) {
+    for (const Json& row : vectors) {
         const auto object = make_object(row["src"]);
         const auto number = static_cast<CFNumberRef>(object.get());
         const std::string source = row["src"].dump();
@@ -90,18 +87,15 @@ TEST(NumberVectors, ConversionsAgreeWithCoreFoundation) {
             compare_conversion(table, row["src"], number, type, expected);
         }
     }
-    table.print("number/getvalue");
+    table.print("number-getvalue");
     EXPECT_GT(table.equal(), 0U);
     EXPECT_EQ(table.differing(), 0U);
 }
 
 TEST(NumberVectors, EqualityAgreesWithCoreFoundation) {
-    const auto vectors = read_vectors("number/compare.json");
-    if (!vectors) {
-        GTEST_SKIP() << "no recorded results";
-    }
+    const Json vectors = read_vectors("number-compare.json");
     ConformanceTable table;
-    for (const Json& row : (*vectors)["pairs"]) {
+    for (const Json& row : vectors) {
         const auto a = make_object(row["a"]);
         const auto b = make_object(row["b"]);
         const std::string pair = row["a"].dump() + " and " + row["b"].dump();
@@ -113,7 +107,7 @@ TEST(NumberVectors, EqualityAgreesWithCoreFoundation) {
             table.not_offered("CFNumberCompare", "the function");
         }
     }
-    table.print("number/compare");
+    table.print("number-compare");
     EXPECT_GT(table.equal(), 0U);
     EXPECT_EQ(table.differing(), 0U);
 }

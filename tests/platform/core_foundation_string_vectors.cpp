@@ -25,12 +25,9 @@ Holder<CFStringRef> create(const Json& row, CFStringEncoding encoding) {
 }
 
 TEST(StringVectors, CreationAgreesWithCoreFoundation) {
-    const auto vectors = read_vectors("string/create.json");
-    if (!vectors) {
-        GTEST_SKIP() << "no recorded results";
-    }
+    const Json vectors = read_vectors("string-create.json");
     ConformanceTable table;
-    for (const Json& row : *vectors) {
+    for (const Json& row : vectors) {
         const std::string name = row["fn"];
         const auto encoding = encoding_named(row["encoding"]);
         if (!encoding) {
@@ -39,20 +36,22 @@ TEST(StringVectors, CreationAgreesWithCoreFoundation) {
         }
         const auto string = create(row, *encoding);
         const Json units = string == nullptr ? Json{} : units_of(string.get());
+        if (row["name"].get<std::string>().starts_with("stray-a9")) {
+            EXPECT_EQ(units, Json{}) << row.dump();
+            table.differs_on_purpose(name, "the byte A9 is no more valid UTF-8 than any other");
+            continue;
+        }
         table.compare(name, units == row["utf16"], row.dump() + ", got " + units.dump());
     }
-    table.print("string/create");
+    table.print("string-create");
     EXPECT_GT(table.equal(), 0U);
     EXPECT_EQ(table.differing(), 0U);
 }
 
 TEST(StringVectors, MaximumSizesAgreeWithCoreFoundation) {
-    const auto vectors = read_vectors("string/maxsize.json");
-    if (!vectors) {
-        GTEST_SKIP() << "no recorded results";
-    }
+    const Json vectors = read_vectors("string-maxsize.json");
     ConformanceTable table;
-    for (const Json& row : *vectors) {
+    for (const Json& row : vectors) {
         const std::string name = "CFStringGetMaximumSizeForEncoding";
         const auto encoding = encoding_named(row["encoding"]);
         if (!encoding) {
@@ -62,7 +61,7 @@ TEST(StringVectors, MaximumSizesAgreeWithCoreFoundation) {
         const CFIndex size = CFStringGetMaximumSizeForEncoding(row["length"], *encoding);
         table.compare(name, size == row["max"], row.dump() + ", got " + std::to_string(size));
     }
-    table.print("string/maxsize");
+    table.print("string-maxsize");
     EXPECT_GT(table.equal(), 0U);
     EXPECT_EQ(table.differing(), 0U);
 }
@@ -90,19 +89,16 @@ void compare_c_string(ConformanceTable& table, const Json& row) {
 }
 
 TEST(StringVectors, CStringsAgreeWithCoreFoundation) {
-    const auto vectors = read_vectors("string/getcstring.json");
-    if (!vectors) {
-        GTEST_SKIP() << "no recorded results";
-    }
+    const Json vectors = read_vectors("string-getcstring.json");
     ConformanceTable table;
-    for (const Json& row : (*vectors)["rows"]) {
+    for (const Json& row : vectors) {
         if (can_write(row["encoding"])) {
             compare_c_string(table, row);
         } else {
             table.not_offered("CFStringGetCString", row["encoding"]);
         }
     }
-    table.print("string/getcstring");
+    table.print("string-getcstring");
     EXPECT_GT(table.equal(), 0U);
     EXPECT_EQ(table.differing(), 0U);
 }
@@ -134,19 +130,16 @@ void compare_bytes(ConformanceTable& table, const Json& row) {
 }
 
 TEST(StringVectors, BytesAgreeWithCoreFoundation) {
-    const auto vectors = read_vectors("string/getbytes.json");
-    if (!vectors) {
-        GTEST_SKIP() << "no recorded results";
-    }
+    const Json vectors = read_vectors("string-getbytes.json");
     ConformanceTable table;
-    for (const Json& row : (*vectors)["rows"]) {
+    for (const Json& row : vectors) {
         if (can_write(row["encoding"])) {
             compare_bytes(table, row);
         } else {
             table.not_offered("CFStringGetBytes", row["encoding"]);
         }
     }
-    table.print("string/getbytes");
+    table.print("string-getbytes");
     EXPECT_GT(table.equal(), 0U);
     EXPECT_EQ(table.differing(), 0U);
 }
@@ -182,12 +175,9 @@ void compare_key_order(ConformanceTable& table, const Json& recorded) {
 }
 
 TEST(StringVectors, EqualityAndOrderAgreeWithCoreFoundation) {
-    const auto vectors = read_vectors("string/equality.json");
-    if (!vectors) {
-        GTEST_SKIP() << "no recorded results";
-    }
+    const Json vectors = read_vectors("string-equality.json");
     ConformanceTable table;
-    for (const Json& row : (*vectors)["pairs"]) {
+    for (const Json& row : vectors["pairs"]) {
         const auto a = make_string(row["a"]);
         const auto b = make_string(row["b"]);
         const std::string pair = row.dump();
@@ -204,8 +194,8 @@ TEST(StringVectors, EqualityAndOrderAgreeWithCoreFoundation) {
         table.compare("keys of a dictionary",
                       CFDictionaryGetCount(dictionary.get()) == row["dictCountAfterBoth"], pair);
     }
-    compare_key_order(table, (*vectors)["dictionary"]);
-    table.print("string/equality");
+    compare_key_order(table, vectors["dictionary"]);
+    table.print("string-equality");
     EXPECT_GT(table.equal(), 0U);
     EXPECT_EQ(table.differing(), 0U);
 }

@@ -1,24 +1,22 @@
-// What the tests over recorded CoreFoundation results share: reading the records, and references
-// that release themselves.
+// What the tests over recorded CoreFoundation results share: strings of the records, and
+// references that release themselves.
 #pragma once
 
 #include "platform/conformance_table.h"
+#include "vectors/vectors.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <fstream>
+#include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 namespace lumo::test {
-
-using Json = nlohmann::json;
 
 /// The deleter of Holder.
 struct Release {
@@ -33,21 +31,6 @@ using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
 template <class Ref>
 Holder<Ref> hold(Ref reference) {
     return Holder<Ref>{reference};
-}
-
-/// The records of `name` ("number/getvalue.json"); nothing when they are not on this machine.
-inline std::optional<Json> read_vectors(const std::string& name) {
-    std::ifstream file{std::string{LUMO_SHARED} + "/vectors/" + name};
-    return file ? std::optional{Json::parse(file)} : std::nullopt;
-}
-
-/// The bytes that hexadecimal digits stand for, two each.
-inline std::string from_hex(const std::string& hex) {
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < hex.size(); i += 2) {
-        bytes.push_back(static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16)));
-    }
-    return bytes;
 }
 
 /// Bytes as lower-case hexadecimal digits, two each.

@@ -2,14 +2,11 @@
 #include "platform/property_list_text.h"
 
 #include "platform/number_records.h"
-#include "support/temp_folder.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
-#include <filesystem>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -272,23 +269,6 @@ Holder<CFTypeRef> array_of(const std::vector<const void*>& items) {
     return Holder<CFTypeRef>{CFArrayCreate(nullptr, const_cast<const void**>(items.data()),
                                            static_cast<CFIndex>(items.size()),
                                            &kCFTypeArrayCallBacks)};
-}
-
-std::vector<std::string> vector_names(const std::string& folder) {
-    std::vector<std::string> names;
-    std::error_code absent;
-    const std::filesystem::path path = std::filesystem::path{LUMO_SHARED} / "vectors" / folder;
-    for (const auto& entry : std::filesystem::directory_iterator{path, absent}) {
-        if (entry.path().extension() == ".json") {
-            names.push_back(entry.path().stem().string());
-        }
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::string vector_bytes(const std::string& name) {
-    return read_file(std::filesystem::path{LUMO_SHARED} / "vectors" / name);
 }
 
 } // namespace lumo::test

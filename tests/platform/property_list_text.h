@@ -28,9 +28,4 @@ std::string written(CFPropertyListRef list);
 /// An array of the given objects.
 Holder<CFTypeRef> array_of(const std::vector<const void*>& items);
 
-/// The names of the recorded cases in a folder ("read"), in order; none when they are absent.
-std::vector<std::string> vector_names(const std::string& folder);
-/// The bytes of a recorded file ("read/xml-cdata.in").
-std::string vector_bytes(const std::string& name);
-
 } // namespace lumo::test

@@ -1,6 +1,9 @@
-// Reads a preset as it comes. It may be a pipe that nobody writes to or a device without an end:
-// opening never blocks, and waiting and size have their limits, so that none holds up a run.
+// Reads a preset as it comes. It may be a pipe that is never written to or a device without an end:
+// opening never blocks, and waiting and size have their limits, so that none holds up a run. A pipe
+// that has a writer is waited for without limit: the writer may be a program that takes its time.
 #include "preset_file.h"
+
+#include "base/descriptor.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -14,69 +17,72 @@
 namespace lumo::exs {
 namespace {
 
-constexpr std::size_t largest_preset = std::size_t{1} << 30;
-constexpr std::size_t usual_read = 65536;
-constexpr int patience_ms = 3000;
+constexpr std::size_t max_preset_size = std::size_t{1} << 30;
+constexpr std::size_t usual_read_size = 65536;
+constexpr int read_timeout_ms = 3000;
+constexpr int no_timeout = -1;
 
-/// An open file, closed when it goes.
-class File {
-public:
-    explicit File(const char* path) : descriptor_(open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
-    ~File() {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
-    }
-    File(const File&) = delete;
-    File& operator=(const File&) = delete;
+/// What the file can tell before it is read. A file may grow, so it is asked once.
+struct FileStatus {
+    bool is_pipe = false;
+    std::size_t expected_size = usual_read_size;
 
-    bool is_open() const { return descriptor_ >= 0; }
-
-    /// How many bytes to expect, as far as the file can tell.
-    std::size_t expected_size() const {
+    explicit FileStatus(int file) {
         struct stat status = {};
-        const bool known = fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
-        return known ? static_cast<std::size_t>(status.st_size) : usual_read;
-    }
-
-    /// Reads up to `size` bytes: how many came, 0 at the end, less than 0 on a failure or when
-    /// nothing comes.
-    ssize_t read_some(unsigned char* bytes, std::size_t size) const {
-        for (;;) {
-            pollfd ready = {descriptor_, POLLIN, 0};
-            const int events = poll(&ready, 1, patience_ms);
-            const ssize_t count = events > 0 ? read(descriptor_, bytes, size) : -1;
-            if (events == 0 || count >= 0 || (errno != EINTR && errno != EAGAIN)) {
-                return count;
-            }
+        if (fstat(file, &status) == 0) {
+            is_pipe = S_ISFIFO(status.st_mode);
+            expected_size = S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size)
+                                                    : usual_read_size;
         }
     }
-
-private:
-    int descriptor_;
 };
+
+/// Waits until the file has bytes or has come to its end; false when neither happens in time.
+bool wait_for(int file, int timeout_ms) {
+    pollfd ready = {file, POLLIN, 0};
+    return uninterrupted([&] { return poll(&ready, 1, timeout_ms); }) > 0;
+}
+
+/// Reads up to `size` bytes: how many came, 0 at the end, less than 0 on a failure or when nothing
+/// comes in time.
+ssize_t read_some(int file, int timeout_ms, unsigned char* bytes, std::size_t size) {
+    for (;;) {
+        const ssize_t count = uninterrupted([&] { return read(file, bytes, size); });
+        if (count >= 0 || errno != EAGAIN || !wait_for(file, timeout_ms)) {
+            return count;
+        }
+    }
+}
 
 } // namespace
 
 std::vector<unsigned char> read_preset(const std::string& path) {
-    const File file(path.c_str());
-    if (!file.is_open()) {
+    const Descriptor file(
+        uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC); }));
+    if (!file) {
         return {};
     }
-    const std::size_t expected_size = file.expected_size(); // asked once: a file may grow
-    if (expected_size > largest_preset) {
+    const FileStatus status(file.get());
+    if (status.expected_size > max_preset_size) {
         return {};
     }
-    std::vector<unsigned char> bytes(expected_size + 1);
-    for (std::size_t used = 0; used <= largest_preset;) {
-        const ssize_t count = file.read_some(bytes.data() + used, bytes.size() - used);
+    if (status.is_pipe) {
+        // A pipe without a writer reads as one that has ended, so a writer is waited for first. One
+        // that has come and written nothing yet shows in the read, which then gives EAGAIN.
+        wait_for(file.get(), read_timeout_ms);
+    }
+    const int timeout_ms = status.is_pipe ? no_timeout : read_timeout_ms;
+    std::vector<unsigned char> bytes(status.expected_size + 1);
+    for (std::size_t used = 0; used <= max_preset_size;) {
+        const ssize_t count =
+            read_some(file.get(), timeout_ms, bytes.data() + used, bytes.size() - used);
         if (count <= 0) {
             bytes.resize(count == 0 ? used : 0);
             return bytes;
         }
         used += static_cast<std::size_t>(count);
         if (used == bytes.size()) {
-            bytes.resize(std::min(2 * used, largest_preset + 1));
+            bytes.resize(std::min(2 * used, max_preset_size + 1));
         }
     }
     return {};

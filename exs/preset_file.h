@@ -6,8 +6,9 @@
 
 namespace lumo::exs {
 
-/// All bytes of the file at `path`, a pipe's too. Empty when it cannot be read, is larger than
-/// 1 GiB, or is a pipe on which nothing comes for three seconds.
+/// All bytes of the file at `path`. A pipe is read to its end, however long its writer takes. Empty
+/// when the file cannot be read, is larger than 1 GiB, is a pipe that no writer has opened within
+/// three seconds, or a device that gives nothing for three seconds.
 std::vector<unsigned char> read_preset(const std::string& path);
 
 } // namespace lumo::exs

@@ -2,8 +2,12 @@
 // every value's type is tested before it is used as that type.
 #include "property_list.h"
 
+#include "base/descriptor.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cstddef>
-#include <fstream>
 
 namespace lumo::exs {
 namespace {
@@ -12,6 +16,24 @@ template <typename T>
 T typed_value(CFDictionaryRef dictionary, const char* key, CFTypeID type) {
     const CFTypeRef value = value_of(dictionary, key);
     return value && CFGetTypeID(value) == type ? static_cast<T>(value) : nullptr;
+}
+
+/// Creates or empties the file at `path` and writes the bytes. The system is asked once for all of
+/// them: a disk that becomes full is seen here, where it is reported, and not when the file is
+/// closed. (A stream, even an unbuffered one, divides them as its library likes.) Only after a
+/// write that was cut short is it asked again, and then says why.
+bool write_file(const char* path, const UInt8* bytes, std::size_t size) {
+    const Descriptor file(
+        uninterrupted([&] { return open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666); }));
+    while (file && size > 0) {
+        const ssize_t count = uninterrupted([&] { return write(file.get(), bytes, size); });
+        if (count <= 0) {
+            return false;
+        }
+        bytes += count;
+        size -= static_cast<std::size_t>(count);
+    }
+    return static_cast<bool>(file);
 }
 
 } // namespace
@@ -73,14 +95,8 @@ bool write_plist(const void* list, const std::filesystem::path& path) {
     if (!data) {
         return false;
     }
-    // Nobody looks at how the stream closes, so nothing may be left to write by then.
-    std::ofstream stream;
-    stream.rdbuf()->pubsetbuf(nullptr, 0);
-    stream.open(path.native(), std::ios::binary | std::ios::trunc);
-    stream.write(reinterpret_cast<const char*>(CFDataGetBytePtr(data.get())),
-                 CFDataGetLength(data.get()));
-    stream.flush();
-    return !stream.fail();
+    return write_file(path.c_str(), CFDataGetBytePtr(data.get()),
+                      static_cast<std::size_t>(CFDataGetLength(data.get())));
 }
 
 } // namespace lumo::exs

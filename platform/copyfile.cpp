@@ -5,8 +5,8 @@
 // when it is whole, so nobody ever sees half of it and a killed process leaves nothing behind.
 // Where the file system has no nameless files it is written under a hidden name and renamed. Both
 // ways of naming refuse to replace anything.
+#include "base/descriptor.h"
 #include "copyfile_contents.h"
-#include "unique_fd.h"
 
 #include <copyfile.h>
 #include <fcntl.h>
@@ -76,7 +76,7 @@ public:
     /// is published, a mode that keeps them out. False, with errno set, when that is impossible.
     bool create(const std::string& path, mode_t mode) {
         const std::string folder = folder_of(path);
-        fd_ = UniqueFd(uninterrupted(
+        fd_ = Descriptor(uninterrupted(
             [&] { return ::open(folder.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, mode); }));
         return fd_ || (lacks_nameless_files(errno) && create_hidden(path));
     }
@@ -92,7 +92,7 @@ private:
         if (name.empty()) {
             return false;
         }
-        fd_ = UniqueFd(uninterrupted([&] {
+        fd_ = Descriptor(uninterrupted([&] {
             return ::open(name.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, private_mode);
         }));
         if (fd_) {
@@ -128,7 +128,7 @@ private:
                ::link(hidden_.c_str(), path.c_str()) == 0;
     }
 
-    UniqueFd fd_;
+    Descriptor fd_;
     std::string hidden_; ///< the hidden name the file has; empty when it has none
 };
 
@@ -167,7 +167,7 @@ bool copy_file(const char* from, const char* to, copyfile_flags_t flags) {
         return false;
     }
     const int nofollow = (flags & COPYFILE_NOFOLLOW_SRC) != 0 ? O_NOFOLLOW : 0;
-    const UniqueFd source(uninterrupted(
+    const Descriptor source(uninterrupted(
         [&] { return ::open(from, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | nofollow); }));
     if (!source) {
         return errno == ELOOP && nofollow != 0 && ::lstat(from, &status) == 0 &&

@@ -1,7 +1,7 @@
 // The data of a copied file. In order of cost: share the blocks (FICLONE), let the kernel copy
 // (copy_file_range), read and write.
+#include "base/descriptor.h"
 #include "copyfile_contents.h"
-#include "unique_fd.h"
 
 #include <linux/fs.h>
 #include <sys/ioctl.h>

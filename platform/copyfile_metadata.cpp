@@ -1,7 +1,6 @@
 // The metadata of a copied file. The owner comes last: once the file belongs to somebody else, the
 // rest could be refused.
 #include "copyfile_contents.h"
-#include "unique_fd.h"
 
 #include <limits.h>
 #include <linux/limits.h>

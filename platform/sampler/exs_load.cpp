@@ -2,13 +2,13 @@
 // zone.
 #include "sampler/exs_load.h"
 
+#include "base/descriptor.h"
 #include "sampler/exs_layers.h"
 #include "sampler/exs_reader.h"
 #include "sampler/exs_state.h"
 #include "sampler/exs_text.h"
 #include "sampler/sample_file.h"
 #include "sampler/state_dictionary.h"
-#include "unique_fd.h"
 
 #include <AudioToolbox/AudioToolbox.h>
 #include <fcntl.h>
@@ -42,7 +42,7 @@ bool read_all(int fd, std::vector<std::uint8_t>& bytes) {
 }
 
 OSStatus read_file(const std::string& path, std::vector<std::uint8_t>& bytes) {
-    const UniqueFd fd(uninterrupted(
+    const Descriptor fd(uninterrupted(
         [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
     struct stat info {};
     if (!fd || ::fstat(fd.get(), &info) != 0) {

@@ -11,8 +11,8 @@
 // and would be lost again on the way into a show; without it the file is not audio.
 #include "sampler/sample_file.h"
 
+#include "base/descriptor.h"
 #include "sampler/audio_signature.h"
-#include "unique_fd.h"
 
 #include <fcntl.h>
 #include <sndfile.h>
@@ -165,7 +165,7 @@ OSStatus open_sample(const std::string& path) {
     if (path.find('\0') != std::string::npos) {
         return file_not_found; // no file has such a name; cut off it would be another's
     }
-    const UniqueFd fd(uninterrupted(
+    const Descriptor fd(uninterrupted(
         [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
     if (!fd) {
         // Sockets, and devices that are not there, cannot be opened at all.

@@ -52,6 +52,17 @@ Value dictionary(const std::vector<std::pair<std::string, Value>>& entries) {
     return adopt(result);
 }
 
+Value values_of_every_kind(const std::string& path) {
+    return dictionary({{"array", array({text(path)})},
+                       {"boolean", boolean(true)},
+                       {"data", data(path)},
+                       {"date", adopt(CFDateCreate(kCFAllocatorDefault, 0))},
+                       {"dictionary", dictionary({{"path", text(path)}})},
+                       {"real", real(0.5)},
+                       {"text", text(path)},
+                       {"whole", whole(1)}});
+}
+
 Value entry(const Value& dictionary, const char* key) {
     const CFTypeRef value = CFDictionaryGetValue(as_dictionary(dictionary), text(key).get());
     return value ? adopt(CFRetain(value)) : Value();

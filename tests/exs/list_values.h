@@ -25,6 +25,10 @@ Value data(const std::string& bytes);
 Value array(const std::vector<Value>& values);
 Value dictionary(const std::vector<std::pair<std::string, Value>>& entries);
 
+/// A dictionary with one value of each kind, by the name of its kind; "text" is `path`, and what
+/// can hold it holds it as well.
+Value values_of_every_kind(const std::string& path);
+
 /// The value for `key` in a dictionary, with a reference of its own; null when there is none.
 Value entry(const Value& dictionary, const char* key);
 

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 namespace {
 
 using namespace lumo::test;
@@ -92,6 +94,17 @@ TEST_F(PackageState, NamesTheFirstFaultInTheOrderOfTheKeys) {
     EXPECT_EQ(absolute_first.error, "not a path in the show: /Users/x/a.wav");
 }
 
+TEST_F(PackageState, LooksInTheCurrentFolderWhenThePackageIsEmpty) {
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path());
+    const Resolved resolved(state_with({{"Sample:1", "samples/a.wav"}}), "");
+    const Resolved missing(state_with({{"Sample:1", "samples/b.wav"}}), "");
+    std::filesystem::current_path(before);
+    ASSERT_TRUE(resolved.state);
+    EXPECT_EQ(references(resolved.state.get()), (References{{"Sample:1", "samples/a.wav"}}));
+    EXPECT_EQ(missing.error, "missing from the show: samples/b.wav");
+}
+
 TEST_F(PackageState, AcceptsAFolder) {
     const Resolved resolved(state_with({{"Sample:1", "samples"}}), package);
     EXPECT_TRUE(resolved.state);
@@ -103,10 +116,11 @@ TEST_F(PackageState, JoinsAPathThatClimbsOutAsItStands) {
 }
 
 TEST_F(PackageState, DropsAReferenceThatIsNoText) {
-    const Value state = dictionary({{"file-references", dictionary({{"Sample:1", whole(1)}})}});
+    const Value state = dictionary({{"file-references", values_of_every_kind("samples/a.wav")}});
     const Resolved resolved(state, package);
     ASSERT_TRUE(resolved.state);
-    EXPECT_EQ(CFDictionaryGetCount(as_dictionary(entry(resolved.state, "file-references"))), 0);
+    EXPECT_TRUE(CFEqual(entry(resolved.state, "file-references").get(),
+                        dictionary({{"text", text(package + "/samples/a.wav")}}).get()));
 }
 
 } // namespace

@@ -62,12 +62,6 @@ TEST(PresetFile, MayBeAPipe) {
     writer.join();
 }
 
-TEST(PresetFile, ThatIsAPipeWithoutAWriterIsEmpty) {
-    const TempFolder folder;
-    ASSERT_EQ(mkfifo((folder / "preset").c_str(), 0600), 0);
-    EXPECT_EQ(read(folder / "preset"), "");
-}
-
 /// The number that the next file to be opened gets.
 int next_descriptor() {
     const int descriptor = open("/dev/null", O_RDONLY);

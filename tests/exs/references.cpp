@@ -77,6 +77,14 @@ TEST(WithReferences, GivenAStatesOwnKeepsThoseThatAreTexts) {
     EXPECT_FALSE(entry(entry(copy, "file-references"), "x"));
 }
 
+TEST(WithReferences, GivenAStatesOwnLeavesOutWhatIsNoText) {
+    const Value state = state_with(values_of_every_kind("/a.wav"));
+    EXPECT_EQ(references(state.get()), (References{{"text", "/a.wav"}}));
+    const Value copy = rewritten(state, references(state.get()));
+    EXPECT_TRUE(CFEqual(entry(copy, "file-references").get(),
+                        dictionary({{"text", text("/a.wav")}}).get()));
+}
+
 TEST(WithReferences, LeavesTheStateAsItIs) {
     const Value state = state_with(dictionary({{"Sample:1", text("/a.wav")}}));
     const Value before = state_with(dictionary({{"Sample:1", text("/a.wav")}}));

@@ -1,0 +1,116 @@
+// Reading a preset from a pipe. Time does not pass in these tests: a wait ends when the test says.
+#include "fake_poll.h"
+#include "preset_file.h"
+#include "support/temp_folder.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+using namespace lumo::test;
+
+constexpr int out_of_time = 0; ///< what poll returns
+constexpr int ready = 1;
+
+class PresetPipe : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); }
+    void TearDown() override { close_writer(); }
+
+    // For reading too, as a pipe without a reader cannot be opened for writing alone. A second
+    // reader changes nothing for the first.
+    void open_writer() {
+        writer = open(path.c_str(), O_RDWR | O_CLOEXEC);
+        ASSERT_GE(writer, 0);
+    }
+
+    void write_bytes(std::string_view bytes) const {
+        ASSERT_EQ(write(writer, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    }
+
+    void close_writer() {
+        if (writer >= 0) {
+            close(writer);
+            writer = -1;
+        }
+    }
+
+    std::string read() const {
+        const std::vector<unsigned char> bytes = lumo::exs::read_preset(path);
+        return {bytes.begin(), bytes.end()};
+    }
+
+    TempFolder folder;
+    std::string path = (folder / "preset").string();
+    int writer = -1;
+};
+
+TEST_F(PresetPipe, WithoutAWriterForThreeSecondsIsEmpty) {
+    FakePoll poll([](int) { return out_of_time; });
+    EXPECT_EQ(read(), "");
+    EXPECT_EQ(poll.timeouts_ms, (std::vector<int>{3000}));
+}
+
+TEST_F(PresetPipe, WithAWriterThatPausesIsWaitedForWithoutLimit) {
+    open_writer();
+    FakePoll poll([&](int call) {
+        switch (call) {
+        case 1:
+            return out_of_time;
+        case 2:
+            write_bytes("one ");
+            return ready;
+        default:
+            write_bytes("two");
+            close_writer();
+            return ready;
+        }
+    });
+    EXPECT_EQ(read(), "one two");
+    EXPECT_EQ(poll.timeouts_ms, (std::vector<int>{3000, -1, -1}));
+}
+
+TEST_F(PresetPipe, WhoseWriterComesLateIsReadToItsEnd) {
+    FakePoll poll([&](int) {
+        open_writer();
+        write_bytes("preset");
+        close_writer();
+        return ready;
+    });
+    // A pipe keeps its bytes as long as somebody has it open, as the reader does by then.
+    EXPECT_EQ(read(), "preset");
+}
+
+TEST_F(PresetPipe, WhoseWriterLeavesWithoutAWordIsEmpty) {
+    open_writer();
+    FakePoll poll([&](int call) {
+        if (call == 1) {
+            return out_of_time;
+        }
+        close_writer();
+        return ready;
+    });
+    EXPECT_EQ(read(), "");
+    EXPECT_EQ(poll.timeouts_ms, (std::vector<int>{3000, -1}));
+}
+
+TEST_F(PresetPipe, WhoseWriterIsDoneEndsWithoutAWait) {
+    // As behind the shell's <(...), when the program in it has ended already.
+    open_writer();
+    write_bytes("preset");
+    FakePoll poll([&](int) {
+        close_writer();
+        return ready;
+    });
+    EXPECT_EQ(read(), "preset");
+    EXPECT_EQ(poll.timeouts_ms, (std::vector<int>{3000}));
+}
+
+} // namespace

@@ -1,5 +1,7 @@
 // Each root of Apple's library is a run of folder names. A path belongs to the library when such a
-// run stands anywhere in it: a library that was moved to another volume keeps its inner folders.
+// run occurs anywhere in it: a library that was moved to another volume keeps its inner folders.
+// Some roots are called as folders of a user's own Library may be, and do not count inside one; the
+// others name Apple's content by themselves.
 #include "apple_library.h"
 
 #include <strings.h>
@@ -31,9 +33,10 @@ Components components(std::string_view path) {
     return result;
 }
 
-/// Folders, one in the other; "*" stands for any one name.
+/// Runs of folder names, each folder in the one before it; "*" is any one name.
 using Folders = std::vector<Components>;
 
+/// Roots that lie in a Library folder, the system's or that of a volume.
 const Folders& library_roots() {
     static const Folders roots{
         components("Library/Application Support/GarageBand"),
@@ -45,6 +48,13 @@ const Folders& library_roots() {
         components("System/Library/Components/CoreAudio.component/Contents/Resources/"
                    "gs_instruments.dls"),
         components("System/Library/Sounds"),
+    };
+    return roots;
+}
+
+/// Roots whose names nothing else has.
+const Folders& named_roots() {
+    static const Folders roots{
         components("GarageBand.app/Contents/Resources"),
         components("Logic Pro.app/Contents/Resources"),
         components("Logic Pro X.app/Contents/Resources"),
@@ -54,10 +64,18 @@ const Folders& library_roots() {
     return roots;
 }
 
-/// What people keep in their own Library is theirs, whatever its folders are called.
-const Folders& home_libraries() {
-    static const Folders libraries{components("Users/*/Library"), components("home/*/Library")};
-    return libraries;
+/// Where a volume's own folders begin: the start-up volume's, or a mounted one's.
+const Folders& volumes() {
+    static const Folders folders{
+        components("/"),
+        components("/Volumes/*"),
+        components("/System/Volumes/Data"),
+        components("/mnt/*"),
+        components("/media/*"),
+        components("/media/*/*"),
+        components("/run/media/*/*"),
+    };
+    return folders;
 }
 
 bool is_same_name(std::string_view name, std::string_view wanted) {
@@ -72,11 +90,37 @@ bool leads_through_any(const Components& path, const Folders& folders) {
     });
 }
 
+bool ends_any(std::string_view name, const Folders& folders) {
+    return std::any_of(folders.begin(), folders.end(),
+                       [&](const Components& names) { return is_same_name(name, names.back()); });
+}
+
+/// Whether `path` leads into a home folder's own Library, which is its user's whatever the folders
+/// in it are called. /Users/Shared is no home.
+bool is_in_home_library(const Components& path) {
+    return std::any_of(volumes().begin(), volumes().end(), [&](const Components& volume) {
+        const std::size_t first = volume.size();
+        if (path.size() < first + 3 ||
+            !std::equal(volume.begin(), volume.end(), path.begin(), path.begin() + first,
+                        [](auto wanted, auto name) { return is_same_name(name, wanted); }) ||
+            !is_same_name(path[first + 2], "Library")) {
+            return false;
+        }
+        return is_same_name(path[first], "home") ||
+               (is_same_name(path[first], "Users") && !is_same_name(path[first + 1], "Shared"));
+    });
+}
+
 } // namespace
 
 bool is_in_apple_library(std::string_view path) {
     const Components names = components(path);
-    return leads_through_any(names, library_roots()) && !leads_through_any(names, home_libraries());
+    return leads_through_any(names, named_roots()) ||
+           (leads_through_any(names, library_roots()) && !is_in_home_library(names));
+}
+
+bool may_enter_apple_library(std::string_view name) {
+    return ends_any(name, library_roots()) || ends_any(name, named_roots());
 }
 
 } // namespace lumo::exs::relink

@@ -6,8 +6,13 @@
 //
 // No descriptor stays open while another folder is read, so depth costs none. Files are never
 // asked for their status: the entries of a folder tell their types on every usual file system.
+//
+// What belongs to Apple's library is left out, by the path as walked and by the real one. Below the
+// folder that a tree begins with there are no links, so one real path serves the whole tree.
 #include "folder_walk.h"
 
+#include "allocated_text.h"
+#include "apple_library.h"
 #include "descriptor.h"
 #include "folder_entries.h"
 #include "sample_names.h"
@@ -15,6 +20,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
+#include <stdlib.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -66,6 +72,11 @@ Descriptor open_folder(const std::string& path) {
     return open_next(begin < path.size() ? path.c_str() + begin : ".");
 }
 
+/// `path` (empty: the current folder) with its links resolved; empty when that cannot be done.
+std::string real_path(const std::string& path) {
+    return take_text(realpath(path.empty() ? "." : path.c_str(), nullptr));
+}
+
 class Walk {
 public:
     explicit Walk(const SamplesFound& found) : found_(found) {}
@@ -80,7 +91,13 @@ public:
     }
 
 private:
+    /// Reads the folder `top`, a path with a slash at the end or empty, and those in it.
     void read_tree(std::string top) {
+        real_top_ = real_path(top) + '/';
+        top_size_ = top.size();
+        if (is_in_apple_library(top) || is_in_apple_library(real_top_)) {
+            return;
+        }
         folders_.push_back(std::move(top));
         while (!folders_.empty()) {
             const std::string folder = std::move(folders_.back());
@@ -121,10 +138,21 @@ private:
         return folder;
     }
 
+    /// Whether what is called `name` in the folder `path`, which does not belong to Apple's
+    /// library, does.
+    bool is_apples(const std::string& path, std::string_view name) const {
+        if (!may_enter_apple_library(name)) {
+            return false;
+        }
+        const std::string walked = path + std::string(name);
+        return is_in_apple_library(walked) ||
+               is_in_apple_library(real_top_ + walked.substr(top_size_));
+    }
+
     void take(const std::string& path, int folder, const char* name, unsigned char type) {
         switch (type) {
         case DT_REG:
-            take_file(name);
+            take_file(path, name);
             break;
         case DT_DIR:
             take_folder(path, name);
@@ -140,13 +168,16 @@ private:
         }
     }
 
-    void take_file(std::string_view name) {
-        if (is_sample_name(name)) {
+    void take_file(const std::string& path, std::string_view name) {
+        if (is_sample_name(name) && !is_apples(path, name)) {
             names_.add(name);
         }
     }
 
     void take_folder(const std::string& path, std::string_view name) {
+        if (is_apples(path, name)) {
+            return;
+        }
         std::string& folder = folders_.emplace_back();
         folder.reserve(path.size() + name.size() + 1);
         folder.append(path).append(name).push_back('/');
@@ -158,9 +189,15 @@ private:
             return; // it leads nowhere, or round in a circle
         }
         if (S_ISREG(target.st_mode)) {
-            take_file(name);
+            take_link_to_file(path, name);
         } else if (S_ISDIR(target.st_mode)) {
             links_.push(path + name);
+        }
+    }
+
+    void take_link_to_file(const std::string& path, std::string_view name) {
+        if (is_sample_name(name) && !is_in_apple_library(real_path(path + std::string(name)))) {
+            take_file(path, name);
         }
     }
 
@@ -171,7 +208,7 @@ private:
             return;
         }
         if (S_ISREG(status.st_mode)) {
-            take_file(name);
+            take_file(path, name);
         } else if (S_ISDIR(status.st_mode)) {
             take_folder(path, name);
         } else if (S_ISLNK(status.st_mode)) {
@@ -180,6 +217,8 @@ private:
     }
 
     const SamplesFound& found_;
+    std::string real_top_;             // the real path of the tree that is read, with a slash
+    std::size_t top_size_ = 0;         // the length of its path as walked
     NameList names_;                   // of the folder that is read
     std::vector<std::string> folders_; // paths to read, with a slash at the end
     std::priority_queue<std::string, std::vector<std::string>, std::greater<>> links_; // without

@@ -14,7 +14,8 @@ using SamplesFound = std::function<void(const std::string& folder, const NameLis
 
 /// Calls `found` for each folder under `root` (empty: the current folder) that holds samples. Names
 /// that begin with a dot are skipped, symbolic links are followed, each folder is read once; what
-/// cannot be read is passed over. Which paths are found does not depend on the order of the disk.
+/// cannot be read is passed over, and what belongs to Apple's sound library is left out, also
+/// behind links. Which paths are found does not depend on the order of the disk.
 void walk_samples(const std::string& root, const SamplesFound& found);
 
 } // namespace lumo::exs::relink

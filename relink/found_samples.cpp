@@ -30,22 +30,14 @@ void FoundSamples::add(const std::string& folder, const NameList& names) {
     count_ += names.count();
 }
 
-bool FoundSamples::are_in(const SampleIndex& index, const std::string& root) const {
-    if (folders_.empty()) {
-        return false;
-    }
-    std::string key;
-    make_key(folders_.front().names.at(0), key);
-    const auto found = index.files.find(key);
-    const auto is_of_root = [&](const SampleIndex::Entry& entry) { return entry.root == root; };
-    return found != index.files.end() &&
-           std::any_of(found->second.begin(), found->second.end(), is_of_root);
-}
-
 void FoundSamples::move_into(SampleIndex& index, const std::string& root) {
     folders_.shrink_to_fit();
     make_room(index, count_);
     const std::vector<Place> places = in_order_of(index);
+    if (!index.files.empty() && is_any_of(root, places, index)) {
+        *this = {};
+        return;
+    }
     std::string key;
     for (std::size_t i = 0; i < places.size(); ++i) {
         if (i + ahead < places.size()) {
@@ -82,6 +74,28 @@ std::vector<FoundSamples::Place> FoundSamples::in_order_of(const SampleIndex& in
     std::sort(places.begin(), places.end(),
               [](const Place& a, const Place& b) { return a.bucket < b.bucket; });
     return places;
+}
+
+bool FoundSamples::is_any_of(const std::string& root, const std::vector<Place>& places,
+                             const SampleIndex& index) const {
+    std::string key;
+    const std::vector<SampleIndex::Entry>* looked_through = nullptr;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        if (i + ahead < places.size()) {
+            prefetch(places[i + ahead]);
+        }
+        make_key(name_at(places[i]), key);
+        const auto found = index.files.find(key);
+        if (found == index.files.end() || &found->second == looked_through) {
+            continue; // the files of one name follow one another and are many
+        }
+        looked_through = &found->second;
+        if (std::any_of(looked_through->begin(), looked_through->end(),
+                        [&](const SampleIndex::Entry& entry) { return entry.root == root; })) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::size_t FoundSamples::count_of_key(const std::string& wanted, const std::vector<Place>& places,

@@ -17,10 +17,8 @@ public:
     /// Adds the samples `names` of `folder`, a path with a slash at its end.
     void add(const std::string& folder, const NameList& names);
 
-    /// Whether `index` has them from an earlier walk of `root`.
-    bool are_in(const SampleIndex& index, const std::string& root) const;
-
-    /// Puts them into `index` as samples of `root` and is empty then.
+    /// Puts them into `index` as samples of `root`, unless it has some of them from an earlier walk
+    /// of `root`. Empty afterwards.
     void move_into(SampleIndex& index, const std::string& root);
 
 private:
@@ -37,6 +35,11 @@ private:
     };
 
     std::vector<Place> in_order_of(const SampleIndex& index) const;
+
+    /// Whether `index` has a file of `root` with the name of one of `places`, which are in its
+    /// order.
+    bool is_any_of(const std::string& root, const std::vector<Place>& places,
+                   const SampleIndex& index) const;
 
     /// How many of `places` from `first` on have the key `wanted`, that of the first.
     std::size_t count_of_key(const std::string& wanted, const std::vector<Place>& places,

@@ -8,10 +8,11 @@
 #undef _FORTIFY_SOURCE
 #undef _FILE_OFFSET_BITS
 
+#include "allocated_text.h"
 #include "look_up.h"
+#include "real_function.h"
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <stdarg.h>
 #include <stdio.h>
@@ -19,38 +20,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <cerrno>
 #include <string>
 
 namespace lumo::exs::relink {
 namespace {
-
-/// The real function behind a shim, looked for at its first call: the first calls come before any
-/// initialiser of this library has run.
-template <class Function>
-class Real {
-public:
-    constexpr explicit Real(const char* name) : name_(name) {}
-
-    template <class... Arguments>
-    auto operator()(Arguments... arguments) {
-        Function* function = function_.load(std::memory_order_relaxed);
-        return (function ? function : find())(arguments...);
-    }
-
-private:
-    Function* find() {
-        const int before = errno;
-        auto* const function = reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name_));
-        function_.store(function, std::memory_order_relaxed);
-        errno = before;
-        return function;
-    }
-
-    const char* name_;
-    std::atomic<Function*> function_{nullptr};
-};
 
 using Open = int(const char*, int, ...);
 using OpenChecked = int(const char*, int);
@@ -75,38 +48,38 @@ using RealPath = char*(const char*, char*);
 using RealPathChecked = char*(const char*, char*, size_t);
 using CanonicalName = char*(const char*);
 
-constinit Real<Open> real_open("open");
-constinit Real<Open> real_open64("open64");
-constinit Real<OpenChecked> real_open_2("__open_2");
-constinit Real<OpenChecked> real_open64_2("__open64_2");
-constinit Real<OpenAt> real_openat("openat");
-constinit Real<OpenAt> real_openat64("openat64");
-constinit Real<OpenAtChecked> real_openat_2("__openat_2");
-constinit Real<OpenAtChecked> real_openat64_2("__openat64_2");
-constinit Real<OpenStream> real_fopen("fopen");
-constinit Real<OpenStream> real_fopen64("fopen64");
-constinit Real<ReopenStream> real_freopen("freopen");
-constinit Real<ReopenStream> real_freopen64("freopen64");
-constinit Real<OpenFolder> real_opendir("opendir");
-constinit Real<Stat> real_stat("stat");
-constinit Real<Stat64> real_stat64("stat64");
-constinit Real<Stat> real_lstat("lstat");
-constinit Real<Stat64> real_lstat64("lstat64");
-constinit Real<StatAt> real_fstatat("fstatat");
-constinit Real<StatAt64> real_fstatat64("fstatat64");
-constinit Real<StatX> real_statx("statx");
-constinit Real<OldStat> real_xstat("__xstat");
-constinit Real<OldStat64> real_xstat64("__xstat64");
-constinit Real<OldStat> real_lxstat("__lxstat");
-constinit Real<OldStat64> real_lxstat64("__lxstat64");
-constinit Real<OldStatAt> real_fxstatat("__fxstatat");
-constinit Real<OldStatAt64> real_fxstatat64("__fxstatat64");
-constinit Real<Access> real_access("access");
-constinit Real<AccessAt> real_faccessat("faccessat");
-constinit Real<ReadLink> real_readlink("readlink");
-constinit Real<RealPath> real_realpath("realpath");
-constinit Real<RealPathChecked> real_realpath_chk("__realpath_chk");
-constinit Real<CanonicalName> real_canonicalize_file_name("canonicalize_file_name");
+constinit RealFunction<Open> real_open("open");
+constinit RealFunction<Open> real_open64("open64");
+constinit RealFunction<OpenChecked> real_open_2("__open_2");
+constinit RealFunction<OpenChecked> real_open64_2("__open64_2");
+constinit RealFunction<OpenAt> real_openat("openat");
+constinit RealFunction<OpenAt> real_openat64("openat64");
+constinit RealFunction<OpenAtChecked> real_openat_2("__openat_2");
+constinit RealFunction<OpenAtChecked> real_openat64_2("__openat64_2");
+constinit RealFunction<OpenStream> real_fopen("fopen");
+constinit RealFunction<OpenStream> real_fopen64("fopen64");
+constinit RealFunction<ReopenStream> real_freopen("freopen");
+constinit RealFunction<ReopenStream> real_freopen64("freopen64");
+constinit RealFunction<OpenFolder> real_opendir("opendir");
+constinit RealFunction<Stat> real_stat("stat");
+constinit RealFunction<Stat64> real_stat64("stat64");
+constinit RealFunction<Stat> real_lstat("lstat");
+constinit RealFunction<Stat64> real_lstat64("lstat64");
+constinit RealFunction<StatAt> real_fstatat("fstatat");
+constinit RealFunction<StatAt64> real_fstatat64("fstatat64");
+constinit RealFunction<StatX> real_statx("statx");
+constinit RealFunction<OldStat> real_xstat("__xstat");
+constinit RealFunction<OldStat64> real_xstat64("__xstat64");
+constinit RealFunction<OldStat> real_lxstat("__lxstat");
+constinit RealFunction<OldStat64> real_lxstat64("__lxstat64");
+constinit RealFunction<OldStatAt> real_fxstatat("__fxstatat");
+constinit RealFunction<OldStatAt64> real_fxstatat64("__fxstatat64");
+constinit RealFunction<Access> real_access("access");
+constinit RealFunction<AccessAt> real_faccessat("faccessat");
+constinit RealFunction<ReadLink> real_readlink("readlink");
+constinit RealFunction<RealPath> real_realpath("realpath");
+constinit RealFunction<RealPathChecked> real_realpath_chk("__realpath_chk");
+constinit RealFunction<CanonicalName> real_canonicalize_file_name("canonicalize_file_name");
 
 /// The mode argument of an open that may create a file.
 mode_t mode_of(int flags, va_list arguments) {
@@ -116,7 +89,7 @@ mode_t mode_of(int flags, va_list arguments) {
 }
 
 /// freopen closes its stream even when it fails, so the path is chosen before the one call.
-FILE* reopen(Real<ReopenStream>& real, const char* path, const char* mode, FILE* stream) {
+FILE* reopen(RealFunction<ReopenStream>& real, const char* path, const char* mode, FILE* stream) {
     if (!session::is_open() || !path || !only_reads(mode)) {
         return real(path, mode, stream);
     }
@@ -135,6 +108,19 @@ FILE* reopen(Real<ReopenStream>& real, const char* path, const char* mode, FILE*
 
 bool is_readable(const char* path) {
     return real_access(path, R_OK) == 0;
+}
+
+bool is_there(const char* path) {
+    return real_access(path, F_OK) == 0;
+}
+
+bool is_link(const char* path) {
+    char text = 0;
+    return real_readlink(path, &text, sizeof text) >= 0;
+}
+
+std::string real_path(const char* path) {
+    return take_text(real_realpath(path, nullptr));
 }
 
 } // namespace lumo::exs::relink

@@ -10,6 +10,7 @@
 // here; the compiler adds $INODE64 where the processor has it. Functions that no header declares,
 // or that not every supported system has, are imported weakly: the loader skips the pair of one
 // that is absent.
+#include "allocated_text.h"
 #include "look_up.h"
 
 #include <dirent.h>
@@ -23,6 +24,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <string>
 
 extern "C" {
 int open_nocancel(const char*, int, ...) __asm("_open$NOCANCEL");
@@ -49,6 +51,19 @@ namespace lumo::exs::relink {
 
 bool is_readable(const char* path) {
     return access(path, R_OK) == 0;
+}
+
+bool is_there(const char* path) {
+    return access(path, F_OK) == 0;
+}
+
+bool is_link(const char* path) {
+    char text = 0;
+    return readlink(path, &text, sizeof text) >= 0;
+}
+
+std::string real_path(const char* path) {
+    return take_text(realpath(path, nullptr));
 }
 
 namespace {
@@ -177,15 +192,21 @@ int accessx_np_shim(const accessx_descriptor* paths, size_t size, int* errors, u
         return result;
     }
     const int before = errno;
-    const auto exists = [](const char* p) { return access(p, F_OK); };
     // The texts stand behind the descriptors; one without a text of its own has that of the last.
     const char* path = nullptr;
     for (size_t i = 0; i < paths[0].ad_name_offset / sizeof(accessx_descriptor); ++i) {
         if (paths[i].ad_name_offset != 0) {
             path = reinterpret_cast<const char*>(paths) + paths[i].ad_name_offset;
         }
-        if ((errors[i] == ENOENT || errors[i] == ENOTDIR) && look_up(path, exists) == 0) {
-            errors[i] = 0;
+        const auto judge = [mode = paths[i].ad_flags & (R_OK | W_OK | X_OK)](const char* p) {
+            return access(p, mode);
+        };
+        if (errors[i] != 0 && !is_absence(errors[i], path)) {
+            continue;
+        }
+        const int judged = look_up(path, judge);
+        if (errors[i] != 0) {
+            errors[i] = judged == 0 ? 0 : errno;
         }
     }
     errno = before;
@@ -234,9 +255,9 @@ ssize_t readlink_shim(const char* path, char* text, size_t size) {
 int clonefile_shim(const char* from, const char* to, uint32_t flags) {
     const auto clone = [&](const char* p) { return clonefile(p, to, flags); };
     const int before = errno;
-    const bool is_there = !session::is_open() || access(from, F_OK) == 0;
+    const bool is_wanted = session::is_open() && !is_there(from);
     errno = before;
-    return is_there ? clone(from) : look_up(from, clone);
+    return is_wanted ? look_up(from, clone) : clone(from);
 }
 
 DIR* opendir_shim(const char* path) {

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <string>
 #include <type_traits>
 
 namespace lumo::exs::relink {
@@ -22,9 +23,27 @@ bool is_failure(Value value) {
     }
 }
 
-/// Whether the process may read the file at `path`. Each platform's shims define it with the real
-/// function.
+// What a look-up asks the disk itself. Each platform's shims define these with the real functions.
+
+/// Whether the process may read the file at `path`.
 bool is_readable(const char* path);
+
+/// Whether there is something at `path`, as far as the process can see.
+bool is_there(const char* path);
+
+/// Whether `path` is that of a symbolic link.
+bool is_link(const char* path);
+
+/// `path` with its links resolved; empty when that cannot be done.
+std::string real_path(const char* path);
+
+/// Whether a call for `path` that failed with `error` says that no file is there. Where a folder
+/// may not be searched, that cannot be seen, and the file counts as absent. One that is there may
+/// fail with any of these but ENOENT: a file that is opened as a folder gives ENOTDIR.
+inline bool is_absence(int error, const char* path) {
+    return error == ENOENT ||
+           ((error == ENOTDIR || error == EACCES || error == EPERM) && !is_there(path));
+}
 
 /// look_up while a session is open.
 template <class Call>
@@ -34,23 +53,31 @@ auto look_up_in_session(const char* path, Call call) {
     const bool is_wanted = inside.is_first() && session::looks_for(path);
     errno = before;
     const auto result = call(path);
-    if (!is_wanted || !is_failure(result) || (errno != ENOENT && errno != ENOTDIR)) {
+    if (!is_wanted) {
         return result;
     }
-    const int absent = errno;
+    const int error = errno;
+    if (!is_failure(result) || !is_absence(error, path)) {
+        session::note_present(path, is_link, real_path);
+        errno = error;
+        return result;
+    }
     if (const auto other = session::replacement(path, is_readable)) {
+        errno = before;
         const auto second = call(other->c_str());
-        if (!is_failure(second)) {
-            errno = before;
+        const int second_error = errno;
+        if (!is_failure(second) || !is_absence(second_error, other->c_str())) {
+            errno = is_failure(second) ? second_error : before;
             return second;
         }
     }
-    errno = absent;
+    errno = error;
     return result;
 }
 
 /// What `call(path)` gives, or for an absent sample what `call` gives for the session's file.
-/// errno is as the real function left it; when the second call succeeds, as it was before both.
+/// errno is as the call left it whose result this is; when the second call succeeds, as it was
+/// before both. Where the session's file is absent by then too, the result is the first call's.
 template <class Call>
 auto look_up(const char* path, Call call) {
     return session::is_open() ? look_up_in_session(path, call) : call(path);

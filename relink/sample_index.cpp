@@ -13,9 +13,7 @@ void SampleIndex::add_root(const std::string& root) {
     relink::walk_samples(root, [&](const std::string& folder, const relink::NameList& names) {
         samples.add(folder, names);
     });
-    if (!samples.are_in(*this, root)) {
-        samples.move_into(*this, root);
-    }
+    samples.move_into(*this, root);
 }
 
 std::optional<std::string> SampleIndex::find(std::string_view recorded) const {

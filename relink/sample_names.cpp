@@ -22,10 +22,12 @@ constexpr std::uint32_t packed(std::string_view extension) {
 }
 
 constexpr std::array sample_extensions{
-    packed("wav"),  packed("wave"), packed("bwf"),  packed("rf64"), packed("w64"), packed("aif"),
-    packed("aiff"), packed("aifc"), packed("caf"),  packed("sd2"),  packed("snd"), packed("au"),
-    packed("mp3"),  packed("mp2"),  packed("m4a"),  packed("m4b"),  packed("mp4"), packed("aac"),
-    packed("adts"), packed("ac3"),  packed("flac"),
+    packed("wav"),  packed("wave"), packed("bwf"),  packed("rf64"), packed("w64"),  packed("aif"),
+    packed("aiff"), packed("aifc"), packed("caf"),  packed("sd2"),  packed("snd"),  packed("au"),
+    packed("mp3"),  packed("mp2"),  packed("mpa"),  packed("m4a"),  packed("m4b"),  packed("m4r"),
+    packed("mp4"),  packed("3gp"),  packed("3g2"),  packed("aac"),  packed("adts"), packed("ac3"),
+    packed("ec3"),  packed("amr"),  packed("flac"), packed("ogg"),  packed("oga"),  packed("opus"),
+    packed("sf2"),  packed("dls"), // sound banks
 };
 
 using Chars = std::uint64_t; // eight bytes of a name
@@ -56,6 +58,9 @@ Chars fold(std::string_view name, std::size_t at, std::size_t size, std::string&
 bool make_ascii_key(std::string_view name, std::string& key) {
     constexpr std::size_t step = sizeof(Chars);
     key.resize(name.size());
+    if (name.empty()) {
+        return true; // there may be no memory behind it to copy from
+    }
     Chars bits = 0;
     for (std::size_t at = 0; at + step <= name.size(); at += step) {
         bits |= fold(name, at, step, key);

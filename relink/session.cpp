@@ -7,9 +7,12 @@
 #include "sample_names.h"
 #include <lumo/relink.h>
 
+#include <cstddef>
 #include <memory>
 #include <mutex>
+#include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 namespace lumo::exs::relink {
@@ -20,14 +23,36 @@ namespace {
 using Answers = std::unordered_map<std::string, std::optional<std::string>>;
 
 struct Session {
+    /// Records `path` as Apple's unless something else was recorded of it before.
+    void add_to_apple_library(const char* path) {
+        if (answers.try_emplace(path).second) {
+            result.apple_library.emplace_back(path);
+        }
+    }
+
     const SampleIndex& index;
     Answers answers;
+    std::unordered_set<std::string> present; ///< recorded paths whose real path was looked at
+    std::unordered_map<std::string, std::string> real_folders; ///< of those, by the recorded ones
     Result result;
 };
 
 constinit std::mutex mutex;
 constinit std::unique_ptr<Session> current; // guarded by mutex
 constinit thread_local bool is_inside = false;
+
+/// The folder of `path` with links resolved. An instrument has many samples in few folders, and to
+/// resolve a path takes a system call for each of its components.
+const std::string& real_folder_of(std::string_view path, Session& session,
+                                  std::string (*real_path)(const char*)) {
+    const std::size_t slash = path.rfind('/');
+    std::string folder(slash == std::string_view::npos ? "." : path.substr(0, slash + 1));
+    const auto [known, is_new] = session.real_folders.try_emplace(std::move(folder));
+    if (is_new) {
+        known->second = real_path(known->first.c_str());
+    }
+    return known->second;
+}
 
 } // namespace
 
@@ -51,10 +76,24 @@ bool looks_for(const char* path) noexcept {
         return true;
     }
     const std::lock_guard lock(mutex);
-    if (current && current->answers.try_emplace(path).second) {
-        current->result.apple_library.emplace_back(path);
+    if (current) {
+        current->add_to_apple_library(path);
     }
     return false;
+}
+
+void note_present(const char* path, bool (*is_link)(const char*),
+                  std::string (*real_path)(const char*)) noexcept {
+    const std::lock_guard lock(mutex);
+    if (!current || !current->present.emplace(path).second) {
+        return;
+    }
+    const std::string real = is_link(path) ? real_path(path)
+                                           : real_folder_of(path, *current, real_path) + '/' +
+                                                 std::string(file_name(path));
+    if (is_in_apple_library(real)) {
+        current->add_to_apple_library(path);
+    }
 }
 
 std::optional<std::string> replacement(const char* path,
@@ -80,7 +119,7 @@ std::optional<std::string> replacement(const char* path,
 
 void begin(const SampleIndex& index) {
     const std::lock_guard lock(session::mutex);
-    session::current.reset(new session::Session{index, {}, {}});
+    session::current.reset(new session::Session{index, {}, {}, {}, {}});
     session::opened.store(true, std::memory_order_relaxed);
 }
 

@@ -37,6 +37,12 @@ private:
 /// Apple's library is not: it is recorded here, whether or not it exists.
 bool looks_for(const char* path) noexcept;
 
+/// Records `path`, which the session looks for and where something is, as Apple's when it is in
+/// Apple's library once links are resolved. The first time that a path is noted, `is_link` is asked
+/// of it, and `real_path` of a link and of a folder that is new.
+void note_present(const char* path, bool (*is_link)(const char*),
+                  std::string (*real_path)(const char*)) noexcept;
+
 /// The indexed file to use for `path`, which is absent, or nothing when the index has none that
 /// `is_readable` confirms. Recorded when `path` is asked for the first time; the answer stays.
 std::optional<std::string> replacement(const char* path, bool (*is_readable)(const char*)) noexcept;

@@ -137,6 +137,18 @@ TEST_F(ImportSamples, ThatMovedAreTakenFromTheIndex) {
     EXPECT_EQ(placed(), Texts{"samples/Drums/kick.wav"});
 }
 
+TEST_F(ImportSamples, WhosePlaceCannotBeSeenAreTakenFromTheIndex) {
+    sample("new/Drums/kick.wav", "kick");
+    fs::create_symlink("round", folder / "round"); // no user gets through it
+    SampleIndex index;
+    index.add_root((folder / "new").string());
+    options.index = &index;
+    set_samples({folder / "round/kick.wav"});
+    const Report report = import_preset();
+    EXPECT_TRUE(report.ok) << report.error;
+    EXPECT_EQ(placed(), Texts{"samples/Drums/kick.wav"});
+}
+
 TEST_F(ImportSamples, ThatAreMissingEndTheImport) {
     SampleIndex index;
     for (const SampleIndex* each :

@@ -116,5 +116,43 @@ TEST(AddRoot, skips_names_that_begin_with_a_dot) {
     EXPECT_EQ(walk(folder.path()), Paths{"c.wav"});
 }
 
+TEST(AddRoot, AddsARootOnceThoughNewFilesCameFirst) {
+    const TempFolder folder;
+    for (const char* name : {"m.wav", "n.wav", "Kits/m.wav", "Kits/o.wav"}) {
+        write_file(folder / name, "");
+    }
+    SampleIndex index;
+    index.add_root(folder.path().string());
+    // Enough of them that some come before the old ones in any order of the disk.
+    for (int i = 0; i < 50; ++i) {
+        write_file(folder / ("new " + std::to_string(i) + ".wav"), "");
+        write_file(folder / ("New " + std::to_string(i) + "/a.wav"), "");
+    }
+    index.add_root(folder.path().string());
+    EXPECT_EQ(index.entries, 4u);
+    EXPECT_EQ(paths_of(index).size(), 4u);
+}
+
+TEST(AddRoot, KnowsARootByAnyOfItsFilesThatIsLeft) {
+    const TempFolder folder;
+    write_file(folder / "a.wav", "");
+    write_file(folder / "z.wav", "");
+    SampleIndex index;
+    index.add_root(folder.path().string());
+    fs::remove(folder / "a.wav");
+    write_file(folder / "b.wav", "");
+    index.add_root(folder.path().string());
+    EXPECT_EQ(paths_of(index), (Paths{folder / "a.wav", folder / "z.wav"}));
+}
+
+TEST(AddRoot, AddsARootInsideAnother) {
+    const TempFolder folder;
+    write_file(folder / "Kits/a.wav", "");
+    SampleIndex index;
+    index.add_root(folder.path().string());
+    index.add_root((folder / "Kits").string());
+    EXPECT_EQ(index.entries, 2u);
+}
+
 } // namespace
 } // namespace lumo::exs

@@ -28,6 +28,51 @@ TEST(AppleLibrary, holds_what_lies_under_its_roots) {
     }
 }
 
+TEST(AppleLibrary, HoldsWhatNamesItByItselfInsideAHomeFoldersLibraryToo) {
+    for (const char* path : {
+             "/Users/ann/Library/Logic Pro Library.bundle/a.wav",
+             "/Users/ann/Library/Application Support/LOGIC PRO LIBRARY.bundle/Samples/a.caf",
+             "/Users/ann/Library/Applications/Logic Pro.app/Contents/Resources/a.aif",
+             "/home/ann/Library/Logic Pro X.app/Contents/Resources/a.aif",
+             "/Users/ann/Library/GarageBand.app/Contents/Resources/a.aif",
+             "/Volumes/Old/Users/ann/Library/MainStage.app/Contents/Resources/a.aif",
+         }) {
+        EXPECT_TRUE(is_in_apple_library(path)) << path;
+    }
+}
+
+TEST(AppleLibrary, MayBeSharedByAllUsers) {
+    for (const char* path : {
+             "/Users/Shared/Library/Application Support/Logic/EXS Factory Samples/a.aif",
+             "/users/shared/Library/Audio/Apple Loops/Apple/a.caf",
+             "/Volumes/Old/Users/Shared/Library/Application Support/GarageBand/a.aif",
+         }) {
+        EXPECT_TRUE(is_in_apple_library(path)) << path;
+    }
+    EXPECT_FALSE(is_in_apple_library("/home/shared/Library/Application Support/Logic/a.aif"));
+}
+
+TEST(AppleLibrary, IsNotHiddenByAFolderThatIsCalledAsAHomeIs) {
+    for (const char* path : {
+             "/Library/Application Support/Logic/Users/ann/Library/a.wav",
+             "/Volumes/A/old/Users/ann/Library/Application Support/Logic/a.wav",
+             "/Users/ann/Disk/Users/ann/Library/Application Support/Logic/a.wav",
+         }) {
+        EXPECT_TRUE(is_in_apple_library(path)) << path;
+    }
+}
+
+TEST(AppleLibrary, BeginsAtTheLastNamesOfItsRootsOnly) {
+    for (const char* name :
+         {"Logic", "garageband", "MainStage", "com.apple.musicapps.content", "Apple",
+          "gs_instruments.dls", "Sounds", "Resources", "Logic Pro Library.bundle"}) {
+        EXPECT_TRUE(may_enter_apple_library(name)) << name;
+    }
+    for (const char* name : {"", "Library", "Application Support", "Logic Pro.app", "Logic 2"}) {
+        EXPECT_FALSE(may_enter_apple_library(name)) << name;
+    }
+}
+
 TEST(AppleLibrary, may_have_been_moved_to_another_volume) {
     for (const char* path : {
              "/Volumes/Sounds/Library/Application Support/Logic/EXS Factory Samples/a.aif",
@@ -77,9 +122,12 @@ TEST(AppleLibrary, holds_nothing_of_a_home_folders_own_library) {
              "/Users/ann/Library/Application Support/Logic/Sampler Instruments/a.wav",
              "/Users/ann/Library/Audio/Apple Loops/Apple/a.caf",
              "/home/ann/Library/Application Support/GarageBand/a.wav",
-             "/Users/ann/Library/Logic Pro Library.bundle/a.wav",
              "/Volumes/Backup/Users/ann/Library/Application Support/Logic/a.wav",
              "/users/ann/library/Application Support/Logic/a.wav",
+             "/System/Volumes/Data/Users/ann/Library/Application Support/Logic/a.wav",
+             "/mnt/mac/Users/ann/Library/Application Support/Logic/a.wav",
+             "/media/ann/Macintosh HD/Users/bob/Library/Application Support/Logic/a.wav",
+             "/run/media/ann/Macintosh HD/Users/bob/Library/Application Support/Logic/a.wav",
          }) {
         EXPECT_FALSE(is_in_apple_library(path)) << path;
     }

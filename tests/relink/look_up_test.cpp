@@ -11,8 +11,31 @@ namespace lumo::exs::relink {
 /// The files that these tests pretend to have.
 static std::vector<std::string> readable;
 
+/// A path that is there though the file may not be read.
+static std::string closed;
+
+/// Where each of the real paths that were asked for leads, and which those were.
+static std::string real_folder;
+static std::vector<std::string> asked_for_real_path;
+
 bool is_readable(const char* path) {
     return std::find(readable.begin(), readable.end(), path) != readable.end();
+}
+
+bool is_there(const char* path) {
+    errno = EXDEV; // as a function of the disk may
+    return is_readable(path) || path == closed;
+}
+
+bool is_link(const char* path) {
+    errno = EXDEV;
+    return std::string(path).find("link") != std::string::npos;
+}
+
+std::string real_path(const char* path) {
+    errno = EXDEV;
+    asked_for_real_path.emplace_back(path);
+    return real_folder + path;
 }
 
 namespace {
@@ -22,6 +45,9 @@ protected:
     void SetUp() override {
         index.files["kick.wav"] = {{"/new/kick.wav", "/new"}};
         readable = {"/new/kick.wav"};
+        closed.clear();
+        real_folder.clear();
+        asked_for_real_path.clear();
         begin(index);
     }
     void TearDown() override { end(); }
@@ -53,7 +79,9 @@ TEST_F(LookUp, calls_once_when_that_succeeds) {
 }
 
 TEST_F(LookUp, calls_once_when_it_fails_otherwise_than_by_absence) {
-    for (const int error : {EACCES, EMFILE, ELOOP, ENAMETOOLONG, EINTR, EIO}) {
+    closed = "/old/kick.wav";
+    for (const int error :
+         {EACCES, EPERM, ENOTDIR, EMFILE, ELOOP, ENAMETOOLONG, EINTR, EIO, ENXIO}) {
         calls.clear();
         EXPECT_EQ(look_up("/old/kick.wav", [&](const char* p) { return call(p, error); }), -1);
         EXPECT_EQ(errno, error);
@@ -68,15 +96,108 @@ TEST_F(LookUp, leaves_errno_as_it_was_when_it_succeeds) {
     EXPECT_EQ(errno, EDOM);
 }
 
-TEST_F(LookUp, leaves_the_first_error_when_the_second_call_fails) {
+TEST_F(LookUp, LeavesTheSecondErrorWhenTheSessionsFileIsThere) {
+    for (const int error : {EINVAL, EACCES, EPERM, ENOTDIR, ENODATA, EMFILE}) {
+        calls.clear();
+        const int result = look_up("/old/kick.wav", [&](const char* p) {
+            calls.emplace_back(p);
+            errno = calls.size() == 1 ? ENOENT : error;
+            return -1;
+        });
+        EXPECT_EQ(result, -1);
+        EXPECT_EQ(errno, error);
+        EXPECT_EQ(calls.size(), 2u);
+    }
+}
+
+TEST_F(LookUp, LeavesTheFirstErrorWhenTheSessionsFileIsAbsentByThen) {
+    for (const int error : {ENOENT, ENOTDIR, EACCES, EPERM}) {
+        readable = {"/new/kick.wav"};
+        calls.clear();
+        const int result = look_up("/old/kick.wav", [&](const char* p) {
+            calls.emplace_back(p);
+            if (calls.size() == 2) {
+                readable.clear();
+            }
+            errno = calls.size() == 1 ? ENOTDIR : error;
+            return -1;
+        });
+        EXPECT_EQ(result, -1);
+        EXPECT_EQ(errno, ENOTDIR);
+        EXPECT_EQ(calls.size(), 2u);
+    }
+}
+
+TEST_F(LookUp, GivesAFailureOfTheSecondCallThatLeavesErrnoAlone) {
+    errno = 0; // pathconf fails so where there is no limit
     const int result = look_up("/old/kick.wav", [&](const char* p) {
-        calls.emplace_back(p);
-        errno = calls.size() == 1 ? ENOTDIR : EINVAL;
+        if (!is_there(p)) {
+            errno = ENOENT;
+        } else {
+            errno = 0;
+        }
         return -1;
     });
     EXPECT_EQ(result, -1);
-    EXPECT_EQ(errno, ENOTDIR);
-    EXPECT_EQ(calls.size(), 2u);
+    EXPECT_EQ(errno, 0);
+}
+
+TEST_F(LookUp, TakesWhatCannotBeSeenForAbsent) {
+    for (const int error : {EACCES, EPERM}) {
+        const std::string path = "/closed/" + std::to_string(error) + "/kick.wav";
+        errno = EDOM;
+        EXPECT_EQ(look_up(path.c_str(), [&](const char* p) { return call(p, error); }), 7);
+        EXPECT_EQ(errno, EDOM);
+    }
+    EXPECT_EQ(end().relinked.size(), 2u);
+}
+
+TEST_F(LookUp, RecordsWhatCannotBeSeenAndIsNotIndexedAsUnresolvedWithItsError) {
+    const int result = look_up("/closed/tom.wav", [&](const char* p) { return call(p, EACCES); });
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(errno, EACCES);
+    EXPECT_EQ(end().unresolved, (std::vector<std::string>{"/closed/tom.wav"}));
+}
+
+TEST_F(LookUp, AsksForTheRealPathOfAnExistingLinkAndOfAFolderOnce) {
+    readable = {"/old/kick.wav",   "/old/tom.wav", "/old/link.wav", "/old/notes.txt",
+                "/other/kick.wav", "kick.wav",     "/kick.wav"};
+    for (const char* path :
+         {"/old/kick.wav", "/old/tom.wav", "/old/kick.wav", "/old/link.wav", "/old/link.wav",
+          "/old/notes.txt", "/old/gone.wav", "/other/kick.wav", "kick.wav", "/kick.wav"}) {
+        errno = EDOM;
+        look_up(path, [&](const char* p) { return call(p, ENOENT); });
+    }
+    EXPECT_EQ(asked_for_real_path,
+              (std::vector<std::string>{"/old/", "/old/link.wav", "/other/", ".", "/"}));
+    EXPECT_TRUE(end().apple_library.empty());
+}
+
+TEST_F(LookUp, RecordsAnExistingSampleWhoseRealPathIsApplesAndGivesIt) {
+    readable = {"/old/kick.wav"};
+    real_folder = "/Library/Application Support/Logic";
+    errno = EDOM;
+    EXPECT_EQ(look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), 7);
+    EXPECT_EQ(errno, EDOM);
+    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+    const Result result = end();
+    EXPECT_EQ(result.apple_library, (std::vector<std::string>{"/old/kick.wav"}));
+    EXPECT_TRUE(result.relinked.empty());
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(LookUp, RecordsASampleThatComesOrGoesMeanwhileInOneList) {
+    real_folder = "/Library/Application Support/Logic";
+    look_up("/old/tom.wav", [&](const char* p) { return call(p, ENOENT); });
+    readable = {"/old/tom.wav", "/old/kick.wav"};
+    look_up("/old/tom.wav", [&](const char* p) { return call(p, ENOENT); });
+    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+    readable = {"/new/kick.wav"};
+    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+    const Result result = end();
+    EXPECT_EQ(result.unresolved, (std::vector<std::string>{"/old/tom.wav"}));
+    EXPECT_EQ(result.apple_library, (std::vector<std::string>{"/old/kick.wav"}));
+    EXPECT_TRUE(result.relinked.empty());
 }
 
 TEST_F(LookUp, counts_a_sample_as_unresolved_when_the_indexed_file_may_not_be_read) {

@@ -75,6 +75,10 @@ TEST(NameKey, of_nothing_is_nothing) {
     EXPECT_EQ(key_of(""), "");
 }
 
+TEST(NameKey, OfAViewOfNoMemoryIsNothing) {
+    EXPECT_EQ(key_of(std::string_view()), "");
+}
+
 TEST(NameKey, keeps_dotless_i_apart_from_i) {
     EXPECT_NE(key_of("\u0131.wav"), key_of("i.wav"));
     EXPECT_NE(key_of("\u0131.wav"), key_of("I.wav"));
@@ -102,16 +106,18 @@ TEST(NameKey, of_a_name_that_is_not_utf8_is_the_name_byte_for_byte) {
 
 TEST(SampleName, has_one_of_the_extensions_in_any_letter_case) {
     for (const char* extension :
-         {"wav",  "wave", "bwf",  "rf64", "w64",  "aif",  "aiff", "aifc", "caf",
-          "sd2",  "snd",  "au",   "mp3",  "mp2",  "m4a",  "m4b",  "mp4",  "aac",
-          "adts", "ac3",  "flac", "WAV",  "Aiff", "FlAC", "W64",  "AU"}) {
+         {"wav", "wave", "bwf",  "rf64", "w64",  "aif", "aiff", "aifc", "caf", "sd2",
+          "snd", "au",   "mp3",  "mp2",  "mpa",  "m4a", "m4b",  "m4r",  "mp4", "3gp",
+          "3g2", "aac",  "adts", "ac3",  "ec3",  "amr", "flac", "ogg",  "oga", "opus",
+          "sf2", "dls",  "WAV",  "Aiff", "FlAC", "W64", "AU",   "SF2",  "3GP", "OPUS"}) {
         EXPECT_TRUE(is_sample_name(std::string("Kick.") + extension)) << extension;
     }
 }
 
 TEST(SampleName, has_no_other_extension) {
-    for (const char* name : {"Kick", "Kick.", "wav", "Kick.wa", "Kick.wavs", "Kick.wavex",
-                             "Kick.exs", "Kick.aupreset", "Kick.wav.asd", "Kick.w6\x14", "", "."}) {
+    for (const char* name :
+         {"Kick", "Kick.", "wav", "Kick.wa", "Kick.wavs", "Kick.wavex", "Kick.exs", "Kick.aupreset",
+          "Kick.wav.asd", "Kick.w6\x14", "Kick.sf", "Kick.dlsx", "", "."}) {
         EXPECT_FALSE(is_sample_name(name)) << name;
     }
 }

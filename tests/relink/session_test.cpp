@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,6 +13,7 @@
 #include <cerrno>
 #include <cstddef>
 #include <fstream>
+#include <functional>
 #include <memory>
 #include <thread>
 
@@ -359,6 +361,135 @@ TEST_F(Session, accepts_look_ups_from_several_threads) {
     EXPECT_EQ(redirected, 4 * rounds * 2);
     EXPECT_EQ(result.relinked.size(), static_cast<std::size_t>(rounds));
     EXPECT_EQ(result.unresolved.size(), static_cast<std::size_t>(rounds));
+}
+
+TEST_F(Session, RecordsAnExistingSampleThatALinkLeadsToInApplesLibrary) {
+    const std::string apples = "disk/Library/Application Support/Logic/EXS Factory Samples";
+    write_file(folder / (apples + "/C3.wav"), "Apple's C3");
+    std::filesystem::create_directory(folder / "mine");
+    std::filesystem::create_symlink(folder / (apples + "/C3.wav"), folder / "mine/kick.wav");
+    std::filesystem::create_symlink(folder / apples, folder / "factory");
+    relink::begin(index);
+    const std::string first = read_file(path("mine/kick.wav"));
+    const std::string again = read_file(path("mine/kick.wav"));
+    const bool exists = std::filesystem::exists(path("factory/C3.wav"));
+    const std::string own = read_file(path("library/kick.wav"));
+    const relink::Result result = relink::end();
+    EXPECT_EQ(first, "Apple's C3");
+    EXPECT_EQ(again, "Apple's C3");
+    EXPECT_TRUE(exists);
+    EXPECT_EQ(own, "the kick");
+    EXPECT_EQ(result.apple_library, (Paths{path("mine/kick.wav"), path("factory/C3.wav")}));
+    EXPECT_TRUE(result.relinked.empty());
+    EXPECT_TRUE(result.unresolved.empty());
+}
+
+TEST_F(Session, RecordsNothingOfAnExistingSampleThatIsOpenedAsAFolder) {
+    write_file(folder / "here/kick.wav", "another kick");
+    relink::begin(index);
+    errno = 0;
+    const int result = open(path("here/kick.wav").c_str(), O_RDONLY | O_DIRECTORY);
+    const int error = errno;
+    const relink::Result recorded = relink::end();
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(error, ENOTDIR);
+    EXPECT_TRUE(recorded.relinked.empty());
+    EXPECT_TRUE(recorded.unresolved.empty());
+}
+
+TEST_F(Session, GivesTheErrorOfAnIndexedFileThatIsThere) {
+    std::array<char, 16> text{};
+    relink::begin(index);
+    errno = 0;
+    const ssize_t length = readlink(path("gone/kick.wav").c_str(), text.data(), text.size());
+    const int no_link = errno;
+    errno = 0;
+    const int folder_of_it = open(path("gone/kick.wav").c_str(), O_RDONLY | O_DIRECTORY);
+    const int no_folder = errno;
+    const relink::Result result = relink::end();
+    EXPECT_EQ(length, -1);
+    EXPECT_EQ(no_link, EINVAL);
+    EXPECT_EQ(folder_of_it, -1);
+    EXPECT_EQ(no_folder, ENOTDIR);
+    EXPECT_EQ(result.relinked, (Pairs{{path("gone/kick.wav"), path("library/kick.wav")}}));
+}
+
+/// What a user sees whom permissions bind: when the tests run as root, no user in particular.
+class SessionOfAUser : public Session {
+protected:
+    void SetUp() override {
+        Session::SetUp();
+        namespace fs = std::filesystem;
+        fs::permissions(folder.path(), fs::perms(0755));
+        for (const char* name : {"closed/kick.wav", "closed/tom.wav"}) {
+            write_file(folder / name, "behind a closed folder");
+        }
+        fs::permissions(path("closed"), fs::perms::none);
+    }
+    void TearDown() override {
+        std::filesystem::permissions(path("closed"), std::filesystem::perms(0700));
+    }
+
+    /// Expects that `holds` does in a process of the user; skips the test when there is none.
+    void expect_of_user(const std::function<bool()>& holds) const {
+        const auto run = [&] {
+            const bool is_bound = geteuid() != 0 || (setgid(65534) == 0 && setuid(65534) == 0);
+            if (!is_bound || access(folder.path().c_str(), R_OK | X_OK) != 0) {
+                return 2;
+            }
+            return holds() ? 0 : 1;
+        };
+        int code = -1;
+        const auto take_code = [&code](int status) {
+            code = WEXITSTATUS(status);
+            return WIFEXITED(status);
+        };
+        EXPECT_EXIT(_exit(run()), take_code, "");
+        if (code == 2) {
+            GTEST_SKIP() << "no other user can be taken who sees " << folder.path();
+        }
+        EXPECT_EQ(code, 0);
+    }
+};
+
+TEST_F(SessionOfAUser, LooksForASampleBehindAClosedFolder) {
+    expect_of_user([&] {
+        relink::begin(index);
+        const std::string kick = read_file(path("closed/kick.wav"));
+        const bool has_kick = std::filesystem::exists(path("closed/kick.wav"));
+        errno = 0;
+        const int tom = open(path("closed/tom.wav").c_str(), O_RDONLY);
+        const int error = errno;
+        const relink::Result result = relink::end();
+        return kick == "the kick" && has_kick && tom == -1 && error == EACCES &&
+               result.relinked == Pairs{{path("closed/kick.wav"), path("library/kick.wav")}} &&
+               result.unresolved == Paths{path("closed/tom.wav")};
+    });
+}
+
+TEST_F(SessionOfAUser, GivesTheErrorOfAnIndexedFileThatMayNotBeWritten) {
+    std::filesystem::permissions(path("library/kick.wav"), std::filesystem::perms(0444));
+    expect_of_user([&] {
+        relink::begin(index);
+        errno = 0;
+        const int result = access(path("gone/kick.wav").c_str(), W_OK);
+        const int error = errno;
+        return relink::end().relinked.size() == 1 && result == -1 && error == EACCES;
+    });
+}
+
+TEST_F(SessionOfAUser, LooksForNoOtherFileWhenTheSampleIsThereAndMayNotBeRead) {
+    write_file(folder / "here/kick.wav", "a secret");
+    std::filesystem::permissions(path("here/kick.wav"), std::filesystem::perms::none);
+    expect_of_user([&] {
+        relink::begin(index);
+        errno = 0;
+        const int file = open(path("here/kick.wav").c_str(), O_RDONLY);
+        const int error = errno;
+        const relink::Result result = relink::end();
+        return file == -1 && error == EACCES && result.relinked.empty() &&
+               result.unresolved.empty();
+    });
 }
 
 } // namespace

@@ -269,5 +269,62 @@ TEST(Walk, goes_on_when_folders_vanish_under_it) {
     EXPECT_EQ(found, 1);
 }
 
+/// A library of Apple's, moved below `folder`; its path.
+fs::path make_apple_library(const TempFolder& folder) {
+    write_file(folder / "disk/Library/Application Support/Logic/EXS Factory Samples/C3.wav", "");
+    return folder / "disk/Library/Application Support/Logic";
+}
+
+TEST(Walk, LeavesOutAFolderOfApplesLibrary) {
+    const TempFolder folder;
+    make_apple_library(folder);
+    write_file(folder / "disk/Library/Application Support/Mine/a.wav", "");
+    write_file(folder / "disk/LOGIC PRO LIBRARY.bundle/b.wav", "");
+    write_file(folder / "disk/My Logic/c.wav", "");
+    write_file(folder / "disk/Sounds/d.wav", "");
+    EXPECT_EQ(walk(folder.path()), (Paths{"disk/Library/Application Support/Mine/a.wav",
+                                          "disk/My Logic/c.wav", "disk/Sounds/d.wav"}));
+}
+
+TEST(Walk, LeavesOutTheSystemsOwnSoundBank) {
+    const TempFolder folder;
+    const std::string resources =
+        "System/Library/Components/CoreAudio.component/Contents/Resources";
+    write_file(folder / (resources + "/gs_instruments.dls"), "");
+    write_file(folder / "mine/gs_instruments.dls", "");
+    EXPECT_EQ(walk(folder.path()), Paths{"mine/gs_instruments.dls"});
+}
+
+TEST(Walk, OfARootInApplesLibraryFindsNothing) {
+    const TempFolder folder;
+    const fs::path library = make_apple_library(folder);
+    EXPECT_EQ(walk(library), Paths());
+    EXPECT_EQ(walk(library / "EXS Factory Samples"), Paths());
+}
+
+TEST(Walk, OfARootThatALinkLeadsIntoApplesLibraryFindsNothing) {
+    const TempFolder folder;
+    make_apple_library(folder);
+    fs::create_symlink("disk/Library/Application Support/Logic/EXS Factory Samples",
+                       folder / "factory");
+    fs::create_symlink("disk/Library", folder / "library");
+    write_file(folder / "disk/Library/Mine/a.wav", "");
+    EXPECT_EQ(walk(folder / "factory"), Paths());
+    EXPECT_EQ(walk(folder / "library"), Paths{"Mine/a.wav"});
+}
+
+TEST(Walk, LeavesOutWhatLinksLeadToInApplesLibrary) {
+    const TempFolder folder;
+    const fs::path library = make_apple_library(folder);
+    write_file(folder / "mine/a.wav", "");
+    fs::create_directory(folder / "root");
+    fs::create_symlink(library / "EXS Factory Samples", folder / "root/factory");
+    fs::create_symlink(library / "EXS Factory Samples/C3.wav", folder / "root/C3.wav");
+    fs::create_symlink("C3.wav", folder / "root/again.wav");
+    fs::create_symlink("../mine/a.wav", folder / "root/a.wav");
+    fs::create_symlink("../mine", folder / "root/mine");
+    EXPECT_EQ(walk(folder / "root"), (Paths{"a.wav", "mine/a.wav"}));
+}
+
 } // namespace
 } // namespace lumo::exs::relink

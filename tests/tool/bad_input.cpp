@@ -190,6 +190,30 @@ protected:
     }
 };
 
+TEST_F(Permissions, MissingForAFolderHideASampleThatIsFoundBesideTheInstrument) {
+    const std::string hidden = make_sound("closed/Kit/kick.wav");
+    const std::string found = make_sound("in/kick.wav", 50);
+    const std::string preset = make_preset("in/x.aupreset", {hidden});
+    fs::permissions(folder / "closed", fs::perms::none);
+    const json report = json::parse(run({preset}).out, nullptr, false);
+    fs::permissions(folder / "closed", fs::perms::owner_all);
+    ASSERT_TRUE(report.is_object());
+    EXPECT_EQ(report["ok"], true) << report;
+    EXPECT_EQ(report["relinked"], json::array({{{"from", hidden}, {"to", found}}}));
+    EXPECT_EQ(read_file(package / "samples/in/kick.wav"), wav_bytes(50));
+}
+
+TEST_F(Permissions, MissingForAFolderHideASampleThatIsFoundNowhere) {
+    const std::string hidden = make_sound("closed/Kit/kick.wav");
+    const std::string preset = make_preset("in/x.aupreset", {hidden});
+    fs::permissions(folder / "closed", fs::perms::none);
+    const json report = json::parse(run({preset}).out, nullptr, false);
+    fs::permissions(folder / "closed", fs::perms::owner_all);
+    ASSERT_TRUE(report.is_object());
+    EXPECT_EQ(report["error"], "a sample wasn't found: kick.wav");
+    EXPECT_EQ(report["unresolved"], json::array({hidden}));
+}
+
 TEST_F(Permissions, AreMissingForAPreset) {
     const std::string preset = make_preset("x.aupreset");
     fs::permissions(preset, fs::perms::none);

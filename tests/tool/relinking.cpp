@@ -119,4 +119,37 @@ TEST_F(Relinking, RefusesSamplesOfApplesLibrary) {
     EXPECT_FALSE(fs::exists(package));
 }
 
+TEST_F(Relinking, NeverTakesASampleOfApplesLibraryForAnother) {
+    const std::string apples = "disk/Library/Application Support/Logic/EXS Factory Samples/Piano/";
+    make_sound(apples + "C3.wav");
+    fs::create_directories(folder / "links");
+    fs::create_symlink(folder / (apples + "C3.wav"), folder / "links/C3.wav");
+    const json report =
+        import(make_preset("in/Piano.aupreset", {"/old/Piano/C3.wav"}),
+               {"--search", (folder / "disk").string(), "--search", (folder / "links").string()});
+    EXPECT_EQ(report["error"], "a sample wasn't found: C3.wav");
+    EXPECT_EQ(report["unresolved"], json::array({"/old/Piano/C3.wav"}));
+    EXPECT_EQ(report["relinked"], json::array());
+    EXPECT_FALSE(fs::exists(package));
+}
+
+TEST_F(Relinking, RefusesASampleThatALinkLeadsToInApplesLibrary) {
+    const std::string apples = "disk/Library/Application Support/Logic/EXS Factory Samples/";
+    make_sound(apples + "C3.wav");
+    fs::create_directories(folder / "mine");
+    fs::create_symlink(folder / (apples + "C3.wav"), folder / "mine/C3.wav");
+    const std::string link = (folder / "mine/C3.wav").string();
+    const json report = import(make_preset("in/Piano.aupreset", {link}));
+    EXPECT_EQ(report["error"], "it uses samples from Apple's sound library: Lumo imports only "
+                               "your own or exported instruments");
+    EXPECT_EQ(report["appleLibrary"], json::array({link}));
+    EXPECT_FALSE(fs::exists(package));
+}
+
+TEST_F(Relinking, NamesASoundBankThatIsMissing) {
+    const json report = import(make_preset("in/Piano.aupreset", {"/old/Piano.sf2", "/old/gm.DLS"}));
+    EXPECT_EQ(report["error"], "a sample wasn't found: Piano.sf2");
+    EXPECT_EQ(report["unresolved"], json::array({"/old/Piano.sf2", "/old/gm.DLS"}));
+}
+
 } // namespace

@@ -29,8 +29,10 @@ struct SampleIndex {
     /// How many entries `files` holds in all.
     std::uint64_t entries = 0;
 
-    /// Adds the sample files under `root`, which may be empty for the current folder. What cannot
-    /// be read is passed over in silence; only allocation can fail, by exception.
+    /// Adds the sample files under `root`, which may be empty for the current folder, but for those
+    /// of Apple's sound library. A root that was added before is not added again, whatever has
+    /// changed below it. What cannot be read is passed over in silence; only allocation can fail,
+    /// by exception.
     LUMO_RELINK_EXPORT void add_root(const std::string& root);
 
     /// The path of the indexed file to use in place of `recorded`, or nothing when no indexed
@@ -45,14 +47,18 @@ namespace relink {
 struct Result {
     /// Samples that were redirected: the recorded path, the indexed file used instead.
     std::vector<std::pair<std::string, std::string>> relinked;
-    /// Recorded paths of samples that are neither there nor in the index.
+    /// Recorded paths of samples that are not in the index, and neither at their place as far as
+    /// the process can see: a folder that may not be searched hides them.
     std::vector<std::string> unresolved;
-    /// Paths of samples that belong to Apple's sound library, whether they exist or not.
+    /// Paths of samples that belong to Apple's sound library, whether they exist or not, and of
+    /// existing ones that links lead into it.
     std::vector<std::string> apple_library;
 };
 
 /// Opens the session of this process against `index`, which must outlive it. Sessions do not
-/// nest; each begin is followed by one end.
+/// nest; each begin is followed by one end. While a session is open, the C library's functions that
+/// take a path lock and allocate, in every thread: a signal handler, or a child that was forked from
+/// a process with several threads, must not call them.
 LUMO_RELINK_EXPORT void begin(const SampleIndex& index);
 
 /// Closes the session and hands over what it recorded; the library keeps nothing of it. Empty when

@@ -57,8 +57,8 @@ struct Result {
 
 /// Opens the session of this process against `index`, which must outlive it. Sessions do not
 /// nest; each begin is followed by one end. While a session is open, the C library's functions that
-/// take a path lock and allocate, in every thread: a signal handler, or a child that was forked from
-/// a process with several threads, must not call them.
+/// take a path lock and allocate, in every thread: a signal handler, or a child that was forked
+/// from a process with several threads, must not call them.
 LUMO_RELINK_EXPORT void begin(const SampleIndex& index);
 
 /// Closes the session and hands over what it recorded; the library keeps nothing of it. Empty when

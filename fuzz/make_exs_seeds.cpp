@@ -17,17 +17,28 @@ std::string instrument(const ExsLayout& layout) {
                .options = 8,
                .volume = -9,
                .high_key = 51,
+               .high_velocity = 99,
+               .sample_start = 10,
+               .sample_end = 950,
                .loop_start = 20,
                .loop_end = 900,
                .loop_options = 1,
+               .coarse_tune = -18,
+               .pan = 30,
                .group = 0})
         .zone({.name = "Fl\xC3\xB6te", .options = 2, .fine_tune = 7, .low_key = 40, .sample = 1})
         .group({.volume = -3,
+                .pan = -60,
+                .options = 64,
                 .low_velocity = 20,
                 .high_key = 60,
+                .release_decay = 500,
+                .attack_offset = -25,
                 .trigger = 1,
                 .chosen_by = {2, 3, 0},
-                .controller = 4})
+                .controller = 4,
+                .low_value = 64,
+                .high_value = 127})
         .sample({.directory = "Macintosh HD:Sounds:", .name = "kick.wav"})
         .sample({.name = "a rather long name of a sample.aif"})
         .parameters({{7, -6},

@@ -3,27 +3,18 @@
 // from all of Apple's own releases load, and so do those whose type a hand spoilt.
 #include "audio_toolbox/class_info.h"
 
-#include "audio_toolbox/property_text.h"
+#include "audio_toolbox/file_references.h"
 #include "audio_toolbox/status.h"
+#include "audio_toolbox/typed_value.h"
 #include "sampler/state_dictionary.h"
 
 #include <AudioToolbox/AudioToolbox.h>
 
-#include <algorithm>
-#include <cmath>
-#include <cstdint>
 #include <optional>
 #include <utility>
-#include <vector>
 
 namespace lumo::platform {
 namespace {
-
-/// The value of `key` if it is of a type; else null. Borrowed.
-CFTypeRef value_of_type(CFDictionaryRef dictionary, const char* key, CFTypeID type) {
-    const CFTypeRef value = CFDictionaryGetValue(dictionary, state_text(key).get());
-    return value && CFGetTypeID(value) == type ? value : nullptr;
-}
 
 /// Whether a number is there and is `wanted`; of a real its whole part counts.
 bool has_number(CFDictionaryRef list, const char* key, UInt32 wanted) {
@@ -85,76 +76,6 @@ std::optional<SamplerParameters> read_parameters(CFDictionaryRef list,
         before, {CFDataGetBytePtr(data), static_cast<std::size_t>(CFDataGetLength(data))});
 }
 
-// --- file references ----------------------------------------------------------------------------
-
-/// A reference: its key, for the order, and its path.
-using Reference = std::pair<std::string, std::string>;
-
-struct References {
-    std::vector<CFTypeRef> keys; ///< borrowed
-    std::vector<Ref<CFStringRef>> paths;
-    std::vector<Reference> texts;
-
-    void add(CFTypeRef key, CFTypeRef value) {
-        if (CFGetTypeID(key) != CFStringGetTypeID() || CFGetTypeID(value) != CFStringGetTypeID()) {
-            return;
-        }
-        Ref<CFStringRef> path = posix_path(static_cast<CFStringRef>(value));
-        texts.emplace_back(to_utf8(static_cast<CFStringRef>(key)), to_utf8(path.get()));
-        keys.push_back(key);
-        paths.push_back(std::move(path));
-    }
-};
-
-References references_in(CFDictionaryRef list) {
-    References references;
-    const auto recorded = static_cast<CFDictionaryRef>(
-        value_of_type(list, "file-references", CFDictionaryGetTypeID()));
-    if (!recorded) {
-        return references;
-    }
-    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(recorded));
-    std::vector<CFTypeRef> keys(count);
-    std::vector<CFTypeRef> values(count);
-    CFDictionaryGetKeysAndValues(recorded, keys.data(), values.data());
-    for (std::size_t i = 0; i < count; ++i) {
-        references.add(keys[i], values[i]);
-    }
-    return references;
-}
-
-Ref<CFDictionaryRef> dictionary_of(References& references) {
-    std::vector<CFTypeRef> paths;
-    paths.reserve(references.paths.size());
-    for (const Ref<CFStringRef>& path : references.paths) {
-        paths.push_back(path.get());
-    }
-    return Ref<CFDictionaryRef>::adopt(
-        CFDictionaryCreate(kCFAllocatorDefault, references.keys.data(), paths.data(),
-                           static_cast<CFIndex>(paths.size()), &kCFTypeDictionaryKeyCallBacks,
-                           &kCFTypeDictionaryValueCallBacks));
-}
-
-/// The paths in ascending byte order of their keys.
-std::vector<std::string> in_order(std::vector<Reference> texts) {
-    std::sort(texts.begin(), texts.end());
-    std::vector<std::string> paths;
-    paths.reserve(texts.size());
-    for (Reference& reference : texts) {
-        paths.push_back(std::move(reference.second));
-    }
-    return paths;
-}
-
-LoadedInstrument read_instrument(CFDictionaryRef list, CFDictionaryRef instrument) {
-    References references = references_in(list);
-    LoadedInstrument loaded;
-    loaded.instrument = Ref<CFDictionaryRef>::retain(instrument);
-    loaded.references = dictionary_of(references);
-    loaded.samples = in_order(std::move(references.texts));
-    return loaded;
-}
-
 // --- writing ------------------------------------------------------------------------------------
 
 using Info = Ref<CFMutableDictionaryRef>;
@@ -163,17 +84,7 @@ void set(const Info& info, const char* key, CFTypeRef value) {
     CFDictionarySetValue(info.get(), state_text(key).get(), value);
 }
 
-/// Semitones, which are whole.
-std::int64_t whole(float value) {
-    constexpr float most = 1 << 24; // beyond it, the whole numbers of a float have gaps
-    return std::isnan(value) ? 0 : std::lround(std::clamp(value, -most, most));
-}
-
 void set_parameters(const Info& info, const SamplerParameters& parameters) {
-    set(info, "gain", state_real(parameters.gain).get());
-    set(info, "coarse tune", state_integer(whole(parameters.coarse_tune)).get());
-    set(info, "fine tune", state_real(parameters.fine_tune).get());
-    set(info, "pan", state_real(parameters.pan).get());
     const auto bytes = parameter_data(parameters);
     const auto data = Ref<CFDataRef>::adopt(
         CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
@@ -182,14 +93,11 @@ void set_parameters(const Info& info, const SamplerParameters& parameters) {
 
 /// What is the same in all states.
 void set_constants(const Info& info) {
-    constexpr int voices = 64; // of the unit; an instrument has its own number
     set(info, "AU version", state_real(1).get());
     set(info, "manufacturer", state_integer(kAudioUnitManufacturer_Apple).get());
-    set(info, "output", state_integer(0).get());
     set(info, "subtype", state_integer(kAudioUnitSubType_Sampler).get());
     set(info, "type", state_integer(kAudioUnitType_MusicDevice).get());
     set(info, "version", state_integer(0).get());
-    set(info, "voice count", state_integer(voices).get());
 }
 
 void set_loaded(const Info& info, const LoadedInstrument& loaded) {
@@ -217,8 +125,11 @@ OSStatus read_class_info(CFPropertyListRef list, SamplerState& state) {
         return memory_full;
     }
     const CFTypeRef name = value_of_type(dictionary, "name", CFStringGetTypeID());
-    state = {*parameters, Ref<CFStringRef>::retain(static_cast<CFStringRef>(name)),
-             read_instrument(dictionary, instrument)};
+    LoadedInstrument loaded;
+    loaded.instrument = Ref<CFDictionaryRef>::retain(instrument);
+    read_references(dictionary, loaded);
+    state = {*parameters, read_unit_values(dictionary),
+             Ref<CFStringRef>::retain(static_cast<CFStringRef>(name)), std::move(loaded)};
     return 0;
 }
 
@@ -227,6 +138,7 @@ Ref<CFMutableDictionaryRef> class_info(const SamplerState& state) {
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     set_constants(info);
     set_parameters(info, state.parameters);
+    set_unit_values(info.get(), state.values);
     set(info, "name", state.name ? state.name.get() : state_text("Untitled").get());
     set_loaded(info, state.loaded);
     return info;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "audio_toolbox/sampler_parameters.h"
+#include "audio_toolbox/unit_values.h"
 #include "ref.h"
 #include "sampler/exs_load.h"
 
@@ -12,6 +13,7 @@ namespace lumo::platform {
 /// What a sampler unit holds.
 struct SamplerState {
     SamplerParameters parameters;
+    UnitValues values;
     Ref<CFStringRef> name; ///< null: "Untitled"
     LoadedInstrument loaded;
 };

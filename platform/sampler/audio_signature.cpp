@@ -133,6 +133,12 @@ bool is_container(Bytes head) {
            has_text_at(head, 0, "fLaC") || has_text_at(head, 0, "OggS");
 }
 
+/// RIFF files like WAVE: the bank's kind is their form.
+bool is_bank(Bytes head) {
+    return has_text_at(head, 0, "RIFF") &&
+           (has_text_at(head, 8, "sfbk") || has_text_at(head, 8, "DLS "));
+}
+
 } // namespace
 
 std::uint64_t id3_tag_size(Bytes head) {
@@ -152,6 +158,9 @@ AudioHead audio_head(Bytes head) {
     if (is_mpeg4(head) || is_core_audio(head) || is_ac3(head) || is_adts(head) ||
         is_mpeg_audio(head)) {
         return AudioHead::audio;
+    }
+    if (is_bank(head)) {
+        return AudioHead::bank;
     }
     return is_container(head) ? AudioHead::container : AudioHead::unknown;
 }

@@ -1,4 +1,4 @@
-// Recognises audio by the first bytes of a file.
+// Recognises audio and sound banks by the first bytes of a file.
 #pragma once
 
 #include <cstddef>
@@ -17,6 +17,7 @@ std::uint64_t id3_tag_size(std::span<const std::uint8_t> head);
 enum class AudioHead {
     audio,     ///< recognised for good
     container, ///< a container whose inside decides: WAVE, AIFF, AU, FLAC, Ogg
+    bank,      ///< no audio but a sound bank: SoundFont 2 or Downloadable Sounds
     unknown
 };
 

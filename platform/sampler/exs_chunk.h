@@ -24,6 +24,10 @@ public:
     /// The bytes of header and content.
     std::size_t size() const { return bytes_.size(); }
 
+    /// Whether the chunk has these `count` bytes.
+    bool holds(std::size_t offset, std::size_t count) const {
+        return offset <= bytes_.size() && bytes_.size() - offset >= count;
+    }
     /// The fields at `offset` from the start of the chunk's header; `absent` when the chunk ends
     /// before the field does.
     std::uint8_t u8(std::size_t offset, std::uint8_t absent = 0) const;
@@ -39,10 +43,6 @@ public:
 private:
     ExsChunk(std::span<const std::uint8_t> bytes, bool big_endian)
         : bytes_(bytes), big_endian_(big_endian) {}
-
-    bool holds(std::size_t offset, std::size_t count) const {
-        return offset <= bytes_.size() && bytes_.size() - offset >= count;
-    }
 
     std::span<const std::uint8_t> bytes_;
     bool big_endian_;

@@ -4,15 +4,21 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace lumo::platform {
 namespace {
 
-/// 0 to 127 as 0 to `longest` seconds, along a fourth power.
+/// 0 to 127 as 0 to `longest` seconds, along a fourth power. The power is rounded to single
+/// precision once: the square of a float is exact in a double.
 float seconds(int value, float longest) {
-    const float part = static_cast<float>(value) / 127.0F;
-    const float power = part * part * part * part;
-    return longest * power;
+    const double part = static_cast<float>(value) / 127.0F;
+    const double square = part * part;
+    return longest * static_cast<float>(square * square);
+}
+
+float seconds_of(std::int64_t milliseconds) {
+    return static_cast<float>(milliseconds) / 1000.0F;
 }
 
 float level(int value) {
@@ -51,6 +57,18 @@ ExsEnvelope second_envelope(const ExsParameters& parameters) {
 
 std::array<ExsEnvelope, 2> exs_envelopes(const ExsParameters& parameters) {
     return {amp_envelope(parameters), second_envelope(parameters)};
+}
+
+ExsEnvelope exs_group_envelope(ExsEnvelope amp, const ExsGroup& group) {
+    amp.attack = std::max(amp.attack + seconds_of(group.attack_offset), 0.0F);
+    if (group.on_release && group.release_decay) {
+        amp.decay = seconds_of(*group.release_decay);
+    }
+    return amp;
+}
+
+float exs_pan(int percent) {
+    return static_cast<float>(percent) / 100.0F * 100.0F;
 }
 
 float exs_cutoff(const ExsParameters& parameters) {

@@ -22,29 +22,43 @@ struct ExsRange {
 struct ExsZone {
     std::string name;
     int root_key = 60;
-    int fine_tune = 0; ///< cents
-    int volume = 0;    ///< dB
+    int coarse_tune = 0; ///< semitones
+    int fine_tune = 0;   ///< cents
+    int volume = 0;      ///< dB
+    int pan = 0;         ///< percent, -100 (left) to 100
     ExsRange keys;
     ExsRange velocities;
     bool pitch_tracking = true;
     bool muted = false;
     bool loop_on = false;
-    std::int32_t sample_end = 0; ///< frames
-    std::int32_t loop_start = 0; ///< frames from the start of the sample's file
-    std::int32_t loop_end = 0;   ///< frames, the first one behind the loop
+    std::int32_t sample_start = 0; ///< frames from the start of the sample's file, as are
+    std::int32_t sample_end = 0; ///< the first one that is not played (0 or less: the file's end),
+    std::int32_t loop_start = 0; ///< the first one of the loop
+    std::int32_t loop_end = 0;   ///< and the first one behind the loop
     std::int32_t group = -1;     ///< position in ExsInstrument::groups; may be out of range
     std::int32_t sample = -1;    ///< position in ExsInstrument::samples; may be out of range
 };
 
+/// The MIDI controller that selects a group, and the values at which it does.
+struct ExsSelection {
+    int controller = 0;
+    ExsRange values;
+
+    bool operator==(const ExsSelection&) const = default;
+};
+
 /// Zones that are switched on and off together.
 struct ExsGroup {
-    std::string name;
+    std::string name = {};
     int volume = 0; ///< dB
-    ExsRange keys;
-    ExsRange velocities;
+    int pan = 0;    ///< percent, -100 (left) to 100
+    ExsRange keys = {};
+    ExsRange velocities = {};
     bool muted = false;
-    bool on_release = false;       ///< sounds when a key is let go
-    std::optional<int> controller; ///< the MIDI controller that chooses the group
+    bool on_release = false;                         ///< sounds when a key is released
+    std::optional<std::uint32_t> release_decay = {}; ///< ms; nothing: decays like the instrument
+    std::int32_t attack_offset = 0;                  ///< ms, added to the instrument's attack
+    std::optional<ExsSelection> selection = {};      ///< nothing: no controller selects the group
 };
 
 /// An audio file, where it was when the instrument was saved.

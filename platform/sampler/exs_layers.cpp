@@ -1,6 +1,6 @@
-// A group limits its zones to its own keys and velocities, and its mute is theirs. The sampler
-// numbers the zones of a layer by ascending low key, so they are sorted here, once for all layers
-// and by counting: there are 128 keys and maybe very many zones.
+// A group's mute is its zones'; its other limits are the layer's, and its zones keep their own. The
+// sampler numbers the zones of a layer by ascending low key, so they are sorted here, once for all
+// layers and by counting: there are 128 keys and maybe very many zones.
 #include "sampler/exs_layers.h"
 
 #include <algorithm>
@@ -17,10 +17,6 @@ struct GroupedZone {
     ExsPlacedZone placed;
 };
 
-ExsRange common(ExsRange a, ExsRange b) {
-    return {std::max(a.low, b.low), std::min(a.high, b.high)};
-}
-
 bool empty(ExsRange range) {
     return range.low > range.high;
 }
@@ -32,21 +28,16 @@ bool is_position(std::int32_t number, const std::vector<T>& list) {
 }
 
 std::optional<GroupedZone> place(const ExsZone& zone, const ExsInstrument& instrument) {
-    if (!is_position(zone.sample, instrument.samples)) {
+    if (!is_position(zone.sample, instrument.samples) || empty(zone.keys) ||
+        empty(zone.velocities)) {
         return std::nullopt;
     }
     const auto sample = static_cast<std::size_t>(zone.sample);
-    GroupedZone result{
-        0, {&zone, &instrument.samples[sample], sample, zone.keys, zone.velocities, !zone.muted}};
+    GroupedZone result{0, {&zone, &instrument.samples[sample], sample, !zone.muted}};
     if (is_position(zone.group, instrument.groups)) {
         const ExsGroup& group = instrument.groups[static_cast<std::size_t>(zone.group)];
         result.layer = 1 + static_cast<std::size_t>(zone.group);
-        result.placed.keys = common(zone.keys, group.keys);
-        result.placed.velocities = common(zone.velocities, group.velocities);
         result.placed.enabled = !zone.muted && !group.muted;
-    }
-    if (empty(result.placed.keys) || empty(result.placed.velocities)) {
-        return std::nullopt;
     }
     return result;
 }
@@ -54,12 +45,12 @@ std::optional<GroupedZone> place(const ExsZone& zone, const ExsInstrument& instr
 std::vector<GroupedZone> sorted_by_low_key(const std::vector<GroupedZone>& zones) {
     std::array<std::size_t, 129> first{};
     for (const GroupedZone& zone : zones) {
-        ++first[static_cast<std::size_t>(zone.placed.keys.low) + 1];
+        ++first[static_cast<std::size_t>(zone.placed.zone->keys.low) + 1];
     }
     std::partial_sum(first.begin(), first.end(), first.begin());
     std::vector<GroupedZone> sorted(zones.size());
     for (const GroupedZone& zone : zones) {
-        sorted[first[static_cast<std::size_t>(zone.placed.keys.low)]++] = zone;
+        sorted[first[static_cast<std::size_t>(zone.placed.zone->keys.low)]++] = zone;
     }
     return sorted;
 }

@@ -8,13 +8,11 @@
 
 namespace lumo::platform {
 
-/// A zone within what its group lets through.
+/// A zone that plays a sample.
 struct ExsPlacedZone {
     const ExsZone* zone;
     const ExsSample* sample;
     std::size_t sample_number; ///< position in ExsInstrument::samples
-    ExsRange keys;
-    ExsRange velocities;
     bool enabled;
 };
 
@@ -26,7 +24,8 @@ struct ExsLayer {
 
 /// The layers of an instrument: that of the zones without a group first, then one for each group
 /// that has zones, in the order of the groups; always at least one. Zones without a sample and
-/// zones wholly outside their group are in none. They point into `instrument`. Linear time.
+/// those whose own range of keys or velocities is empty are in none. They point into `instrument`.
+/// Linear time.
 std::vector<ExsLayer> exs_layers(const ExsInstrument& instrument);
 
 /// The positions of the samples that some zone of the layers plays, in ascending order.

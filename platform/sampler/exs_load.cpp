@@ -7,7 +7,7 @@
 #include "sampler/exs_reader.h"
 #include "sampler/exs_state.h"
 #include "sampler/exs_text.h"
-#include "sampler/sample_file.h"
+#include "sampler/exs_zone_state.h"
 #include "sampler/state_dictionary.h"
 
 #include <AudioToolbox/AudioToolbox.h>
@@ -98,7 +98,7 @@ OSStatus load_exs_bytes(std::span<const std::uint8_t> bytes, const std::string& 
     }
     result.references = references(*instrument, used);
     for (const std::size_t number : used) {
-        result.samples.push_back(instrument->samples[number].path);
+        result.samples.push_back({.path = instrument->samples[number].path});
     }
     loaded = std::move(result);
     return 0;

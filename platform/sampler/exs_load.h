@@ -2,6 +2,7 @@
 #pragma once
 
 #include "ref.h"
+#include "sampler/sample_file.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -16,10 +17,10 @@ namespace lumo::platform {
 struct LoadedInstrument {
     /// The state's "Instrument".
     Ref<CFDictionaryRef> instrument;
-    /// The state's "file-references": from "Sample:" and a number to a path.
+    /// The state's "file-references": from "Sample:" or "Bank:" and a number to a path.
     Ref<CFDictionaryRef> references;
-    /// The paths of the samples, in the order to open them in.
-    std::vector<std::string> samples;
+    /// The samples and sound banks, in the order to open them in.
+    std::vector<SampleReference> samples;
 };
 
 /// Reads the EXS24 instrument in the file at `path` into `loaded`; opens none of its samples.

@@ -22,19 +22,27 @@ int midi(std::uint8_t value) {
     return std::min<int>(value, 127);
 }
 
+/// Beyond full left or right is full left or right.
+int pan(std::int8_t percent) {
+    return std::clamp<int>(percent, -100, 100);
+}
+
 ExsZone read_zone(const ExsChunk& chunk) {
     enum : unsigned { pitch_tracking_off = 2, velocity_range_on = 8, mute = 16 };
     const unsigned options = chunk.u8(84);
     ExsZone zone{
         .name = chunk.name(),
         .root_key = midi(chunk.u8(85, 60)),
+        .coarse_tune = chunk.s8(164),
         .fine_tune = chunk.s8(86),
         .volume = chunk.s8(88),
+        .pan = pan(chunk.s8(87)),
         .keys = {midi(chunk.u8(90)), midi(chunk.u8(91, 127))},
         .velocities = {},
         .pitch_tracking = (options & pitch_tracking_off) == 0,
         .muted = (options & mute) != 0,
         .loop_on = (chunk.u8(117) & 1) != 0,
+        .sample_start = chunk.s32(96),
         .sample_end = chunk.s32(100),
         .loop_start = chunk.s32(104),
         .loop_end = chunk.s32(108),
@@ -47,27 +55,38 @@ ExsZone read_zone(const ExsChunk& chunk) {
     return zone;
 }
 
-/// A group has three places for what chooses it.
-bool chosen_by_controller(const ExsChunk& chunk) {
+/// A group has three places for a condition that selects it, and room for one controller.
+std::optional<ExsSelection> read_selection(const ExsChunk& chunk) {
     constexpr std::uint8_t by_controller = 3;
-    return chunk.u8(168) == by_controller || chunk.u8(176) == by_controller ||
-           chunk.u8(177) == by_controller;
+    for (const std::size_t condition : {168U, 176U, 177U}) {
+        if (chunk.u8(condition) == by_controller) {
+            return ExsSelection{.controller = midi(chunk.u8(169)),
+                                .values = {midi(chunk.u8(170)), midi(chunk.u8(171, 127))}};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::uint32_t> read_release_decay(const ExsChunk& chunk, bool is_on) {
+    constexpr std::size_t offset = 100;
+    return is_on && chunk.holds(offset, 4) ? std::optional(chunk.u32(offset)) : std::nullopt;
 }
 
 ExsGroup read_group(const ExsChunk& chunk) {
-    ExsGroup group{
+    enum : unsigned { mute = 16, release_decay_on = 64 };
+    const unsigned options = chunk.u8(87);
+    return {
         .name = chunk.name(),
         .volume = chunk.s8(84),
+        .pan = pan(chunk.s8(85)),
         .keys = {midi(chunk.u8(172)), midi(chunk.u8(173, 127))},
         .velocities = {midi(chunk.u8(89)), midi(chunk.u8(90, 127))},
-        .muted = (chunk.u8(87) & 16) != 0,
+        .muted = (options & mute) != 0,
         .on_release = (chunk.u8(157) & 1) != 0,
-        .controller = {},
+        .release_decay = read_release_decay(chunk, (options & release_decay_on) != 0),
+        .attack_offset = chunk.s32(140),
+        .selection = read_selection(chunk),
     };
-    if (chosen_by_controller(chunk)) {
-        group.controller = midi(chunk.u8(169));
-    }
-    return group;
 }
 
 /// The chunk's own name comes last: old systems cut it down to 31 characters.

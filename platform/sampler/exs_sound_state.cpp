@@ -1,5 +1,5 @@
-// Envelopes, filter, LFOs and connections as dictionaries. Amplifier and oscillator are nothing but
-// switched on.
+// Filter, LFOs and connections as dictionaries. Amplifier and oscillator are nothing but switched
+// on.
 #include "sampler/exs_sound_state.h"
 
 #include "sampler/exs_formulas.h"
@@ -9,44 +9,6 @@ namespace {
 
 StateValue enabled_part(const StateKeys& keys) {
     return StateDictionary().integer(keys.id, 0).boolean(keys.enabled, true).make();
-}
-
-// --- envelopes -----------------------------------------------------------------------------------
-
-StateValue timed_stage(const StateKeys& keys, int stage, int curve, float seconds) {
-    return StateDictionary()
-        .integer(keys.curve, curve)
-        .integer(keys.stage, stage)
-        .real(keys.time, seconds)
-        .make();
-}
-
-StateValue envelope_state(const StateKeys& keys, int id, const ExsEnvelope& envelope) {
-    constexpr int straight = 20;
-    constexpr int rounded = 22;
-    constexpr float shutdown_seconds = 0.005F;
-    const std::vector<StateValue> stages{
-        timed_stage(keys, 0, straight, 0),
-        timed_stage(keys, 1, id == 0 ? rounded : straight, envelope.attack),
-        timed_stage(keys, 2, straight, 0),
-        timed_stage(keys, 3, straight, envelope.decay),
-        StateDictionary().real(keys.level, envelope.sustain).integer(keys.stage, 4).make(),
-        timed_stage(keys, 5, straight, envelope.release),
-        timed_stage(keys, 6, straight, shutdown_seconds),
-    };
-    return StateDictionary()
-        .integer(keys.id, id)
-        .boolean(keys.enabled, true)
-        .set(keys.stages, state_array(stages))
-        .make();
-}
-
-StateValue envelopes_state(const StateKeys& keys, const ExsParameters& parameters) {
-    std::vector<StateValue> envelopes;
-    for (const ExsEnvelope& envelope : exs_envelopes(parameters)) {
-        envelopes.push_back(envelope_state(keys, static_cast<int>(envelopes.size()), envelope));
-    }
-    return state_array(envelopes);
 }
 
 // --- filter and LFOs -----------------------------------------------------------------------------
@@ -113,7 +75,7 @@ ExsSoundState exs_sound_state(const StateKeys& keys, const ExsParameters& parame
     return {
         .amplifier = enabled_part(keys),
         .oscillator = enabled_part(keys),
-        .envelopes = envelopes_state(keys, parameters),
+        .envelopes = ExsEnvelopesState(keys, parameters),
         .filters = filter_state(keys, parameters),
         .layer_lfos = layer_lfos_state(keys, parameters),
         .instrument_lfos = instrument_lfos_state(keys, parameters),

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "sampler/exs_connections.h"
+#include "sampler/exs_envelope_state.h"
 #include "sampler/state_dictionary.h"
 
 #include <cstdint>
@@ -9,11 +10,11 @@
 
 namespace lumo::platform {
 
-/// Parts of a state, ready to stand in every layer, but for the connections.
+/// Parts of a state, ready to stand in every layer, but for the connections and the envelopes.
 struct ExsSoundState {
     StateValue amplifier;
     StateValue oscillator;
-    StateValue envelopes;
+    ExsEnvelopesState envelopes;
     StateValue filters;
     StateValue layer_lfos;
     StateValue instrument_lfos;             ///< of the instrument, not of its layers

@@ -6,15 +6,10 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
 namespace lumo::platform {
-
-/// The number under which the sampler knows the sample at this position among the instrument's;
-/// numbers start afresh with each instrument.
-std::int64_t exs_waveform(std::size_t sample_number);
 
 /// What AUSampler has under "Instrument" once it has loaded `instrument`, laid out in `layers`,
 /// from a file named `file_name` (extension and all). Nothing when there are more layers than it

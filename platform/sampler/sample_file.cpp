@@ -1,4 +1,4 @@
-// Whether a file is a sample that could be played.
+// Whether a file is a sample that could be played, or a sound bank.
 //
 // The file is opened once, by the C library's `open` under the path as recorded, so that a library
 // which redirects that call sees every sample. What the first bytes do not decide libsndfile does,
@@ -129,13 +129,20 @@ void skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
     }
 }
 
-OSStatus judge(int fd, off_t size) {
+bool is_of_kind(SampleKind kind, SampleReader& reader) {
+    const AudioHead head = audio_head(reader.head);
+    if (kind == SampleKind::bank) {
+        return head == AudioHead::bank;
+    }
+    return head == AudioHead::audio ||
+           (head == AudioHead::container && is_audio_to_libsndfile(reader));
+}
+
+OSStatus judge(int fd, off_t size, SampleKind kind) {
     std::array<std::uint8_t, audio_head_size> buffer; // not zeroed: filled as far as used
     SampleReader reader{fd, 0, size};
     skip_tags(reader, buffer);
-    const AudioHead kind = audio_head(reader.head);
-    if (kind == AudioHead::audio ||
-        (kind == AudioHead::container && is_audio_to_libsndfile(reader))) {
+    if (is_of_kind(kind, reader)) {
         return 0;
     }
     return reader.error != 0 ? status_of_file_error(reader.error) : not_an_audio_file;
@@ -161,7 +168,7 @@ OSStatus status_of_file_error(int error) {
     }
 }
 
-OSStatus open_sample(const std::string& path) {
+OSStatus open_sample(const std::string& path, SampleKind kind) {
     if (path.find('\0') != std::string::npos) {
         return file_not_found; // no file has such a name; cut off it would be another's
     }
@@ -175,15 +182,15 @@ OSStatus open_sample(const std::string& path) {
     if (::fstat(fd.get(), &status) != 0) {
         return status_of_file_error(errno);
     }
-    return S_ISREG(status.st_mode) ? judge(fd.get(), status.st_size) : not_an_audio_file;
+    return S_ISREG(status.st_mode) ? judge(fd.get(), status.st_size, kind) : not_an_audio_file;
 }
 
-OSStatus open_samples(std::span<const std::string> paths) {
+OSStatus open_samples(std::span<const SampleReference> samples) {
     OSStatus first = 0;
-    std::unordered_set<std::string_view> seen;
-    for (const std::string& path : paths) {
-        if (seen.insert(path).second) {
-            const OSStatus status = open_sample(path);
+    std::array<std::unordered_set<std::string_view>, 2> seen; // by kind
+    for (const SampleReference& sample : samples) {
+        if (seen.at(static_cast<std::size_t>(sample.kind)).insert(sample.path).second) {
+            const OSStatus status = open_sample(sample.path, sample.kind);
             first = first != 0 ? first : status;
         }
     }

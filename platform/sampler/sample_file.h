@@ -1,4 +1,4 @@
-// Opens the audio files that an instrument refers to.
+// Opens the audio files and sound banks that an instrument refers to.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -18,13 +18,27 @@ constexpr OSStatus not_an_audio_file = 0x7479703F; ///< 'typ?'
 /// The status of a file that could not be opened or read, from the errno that told so.
 OSStatus status_of_file_error(int error);
 
-/// Opens the file at `path` through the C library's `open`, looks at its header and closes it.
-/// Returns 0 when it is a regular file with audio in it, else what is wrong with it. Never waits
-/// for a pipe or a device; bounded in time and memory whatever the file holds.
-OSStatus open_sample(const std::string& path);
+/// What the file of a sample has to be.
+enum class SampleKind {
+    audio,
+    bank, ///< a sound bank: SoundFont 2 or Downloadable Sounds
+};
 
-/// Opens every one of these samples, in this order and one that stands there twice once, also after
-/// one has failed. Returns 0 or the first status that was not 0.
-OSStatus open_samples(std::span<const std::string> paths);
+/// A file that an instrument refers to.
+struct SampleReference {
+    std::string path;
+    SampleKind kind = SampleKind::audio;
+
+    bool operator==(const SampleReference&) const = default;
+};
+
+/// Opens the file at `path` through the C library's `open`, looks at its header and closes it.
+/// Returns 0 when it is a regular file of this kind, else what is wrong with it. Never waits for a
+/// pipe or a device; bounded in time and memory whatever the file holds.
+OSStatus open_sample(const std::string& path, SampleKind kind = SampleKind::audio);
+
+/// Opens every one of these samples in this order, also after one has failed. What is listed twice
+/// with the same kind is opened once. Returns 0 or the first status that was not 0.
+OSStatus open_samples(std::span<const SampleReference> samples);
 
 } // namespace lumo::platform

@@ -30,6 +30,7 @@ StateValue state_array(const std::vector<StateValue>& values);
 /// The keys of the dictionaries, each made once for a whole state.
 struct StateKeys {
     StateValue amplifier = state_text("Amplifier");
+    StateValue coarse_tune = state_text("coarse tune");
     StateValue connections = state_text("Connections");
     StateValue control = state_text("control");
     StateValue curve = state_text("curve");
@@ -57,12 +58,17 @@ struct StateKeys {
     StateValue min_velocity = state_text("min vel");
     StateValue name = state_text("name");
     StateValue oscillator = state_text("Oscillator");
+    StateValue pan = state_text("pan");
     StateValue pitch_tracking = state_text("pitch tracking");
     StateValue rate = state_text("rate");
     StateValue resonance = state_text("resonance");
     StateValue root_key = state_text("root key");
+    StateValue sample_end = state_text("sample end");
+    StateValue sample_start = state_text("sample start");
     StateValue scale = state_text("scale");
     StateValue selecting_controller = state_text("sel ctrlr");
+    StateValue selecting_max = state_text("sel ctrlr max val");
+    StateValue selecting_min = state_text("sel ctrlr min val");
     StateValue source = state_text("source");
     StateValue stage = state_text("stage");
     StateValue stages = state_text("Stages");
@@ -77,7 +83,7 @@ struct StateKeys {
 /// Gathers up to `most` entries with different keys, then makes the dictionary of exactly these.
 class StateDictionary {
 public:
-    static constexpr std::size_t most = 16;
+    static constexpr std::size_t most = 24;
 
     /// Adds an entry. The key is borrowed until `make`. Throws std::out_of_range beyond `most`.
     StateDictionary& set(const StateValue& key, StateValue value);

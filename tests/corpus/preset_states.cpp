@@ -1,4 +1,6 @@
-// States that the real sampler saved, through the embedded one and back.
+// States that the real sampler saved, through the embedded one and back; and those that the
+// embedded one makes of real instruments.
+#include "platform/round_trip.h"
 #include "platform/sampler_host.h"
 #include "support/temp_folder.h"
 
@@ -52,6 +54,32 @@ TEST(RealPresets, ReadBackAsTheyWereSaved) {
         }
     }
     EXPECT_GE(compared, 9);
+}
+
+/// The state of an instrument or a preset with no sample opened. False when it is refused.
+bool load(const fs::path& path, platform::SamplerState& state) {
+    if (path.extension() == ".exs") {
+        return platform::load_exs(path, state.loaded) == 0;
+    }
+    const auto preset =
+        path.extension() == ".aupreset" ? read_preset(path) : Ref<CFPropertyListRef>();
+    return preset && platform::read_class_info(preset.get(), state) == 0;
+}
+
+TEST(RealInstruments, HaveStatesThatAreTheSameAfterBeingWrittenAndLoadedAgain) {
+    if (!fs::exists(corpus)) {
+        GTEST_SKIP() << "the corpus is not here";
+    }
+    int compared = 0;
+    for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
+        platform::SamplerState state;
+        if (load(entry.path(), state)) {
+            SCOPED_TRACE(entry.path());
+            expect_round_trip(state);
+            ++compared;
+        }
+    }
+    EXPECT_GE(compared, 19);
 }
 
 } // namespace

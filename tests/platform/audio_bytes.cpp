@@ -89,4 +89,9 @@ std::string id3_tag(std::size_t size) {
     return tag + std::string(size, '\0');
 }
 
+std::string bank_bytes(std::string_view form) {
+    return "RIFF" + little_endian(16, 4) + std::string(form) + "LIST" + little_endian(4, 4) +
+           "INFO";
+}
+
 } // namespace lumo::test

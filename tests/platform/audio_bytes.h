@@ -30,5 +30,7 @@ std::string mpeg4_head(std::string_view brand);
 std::string core_audio_head(std::string_view codec);
 /// An ID3v2.4 tag with `size` bytes of nothing in it.
 std::string id3_tag(std::size_t size);
+/// A RIFF file of `form`, four letters, with one empty list: "sfbk" and "DLS " are sound banks.
+std::string bank_bytes(std::string_view form);
 
 } // namespace lumo::test

@@ -173,7 +173,8 @@ TEST_F(ClassInfo, ReadBackLoadsAgainAndReadsBackTheSame) {
         state_with("<key>name</key><string>Name</string><key>Instrument</key><dict><key>a</"
                    "key><real>0.5</real>"
                    "</dict><key>data</key>"
-                   "<data>AAAAAAAAAAAAAAAEAAADhMDAAAAAAAOFQAAAAAAAA4ZBuAAAAAADh76AAAA=</data>");
+                   "<data>AAAAAAAAAAAAAAAEAAADhMDAAAAAAAOFQAAAAAAAA4ZBuAAAAAADh76AAAA=</data>"
+                   "<key>gain</key><real>-8</real><key>voice count</key><integer>9</integer>");
     const Sampler other;
     ASSERT_EQ(other.set(first.get()), 0);
     EXPECT_TRUE(CFEqual(first.get(), other.state().get()));
@@ -191,24 +192,96 @@ TEST_F(ClassInfo, OutlivesTheListItCameFromAndTheUnit) {
 
 // --- parameters ---------------------------------------------------------------------------------
 
-TEST_F(ClassInfo, TakesTheParametersFromItsData) {
-    const Ref<CFDictionaryRef> state =
-        state_with("<key>data</key>"
-                   "<data>AAAAAAAAAAAAAAAEAAADhMDAAAAAAAOFQAAAAAAAA4ZBuAAAAAADh76AAAA=</data>");
-    EXPECT_EQ(number_at(state.get(), "gain"), -6.0);
-    EXPECT_EQ(number_at(state.get(), "coarse tune"), 2.0);
-    EXPECT_EQ(number_at(state.get(), "fine tune"), 23.0);
-    EXPECT_EQ(number_at(state.get(), "pan"), -0.25);
+/// Gain -6, coarse tune 2, fine tune 23, pan -0.25.
+constexpr std::string_view other_data =
+    "<key>data</key><data>AAAAAAAAAAAAAAAEAAADhMDAAAAAAAOFQAAAAAAAA4ZBuAAAAAADh76AAAA=</data>";
+
+TEST_F(ClassInfo, KeepsTheParametersInItsData) {
+    const Ref<CFDictionaryRef> state = state_with(other_data);
+    EXPECT_TRUE(
+        CFEqual(value(state.get(), "data"),
+                value(static_cast<CFDictionaryRef>(class_info_with(other_data).get()), "data")));
+}
+
+/// Whether the unit has this data, that of no parameter changed.
+bool has_default_data(const Ref<CFDictionaryRef>& state) {
+    const Sampler fresh;
+    return CFEqual(value(state.get(), "data"), value(fresh.state().get(), "data"));
 }
 
 TEST_F(ClassInfo, PassesOverDataThatIsNone) {
-    EXPECT_EQ(number_at(state_with("<key>data</key><string>x</string>").get(), "gain"), 0.0);
-    EXPECT_EQ(number_at(state_with("<key>data</key><data>AA==</data>").get(), "gain"), 0.0);
+    EXPECT_TRUE(has_default_data(state_with("<key>data</key><string>x</string>")));
+    EXPECT_TRUE(has_default_data(state_with("<key>data</key><data>AA==</data>")));
 }
 
 TEST_F(ClassInfo, WithDataOfAnUnknownScopeIsRefused) {
     EXPECT_EQ(sampler.set(class_info_with("<key>data</key><data>AAAACQAAAAAAAAAA</data>")),
               kAudioUnitErr_InvalidScope);
+}
+
+// --- the unit's own values ----------------------------------------------------------------------
+
+constexpr std::string_view other_values =
+    "<key>gain</key><real>-8</real><key>coarse tune</key><integer>-3</integer>"
+    "<key>fine tune</key><real>12.5</real><key>pan</key><real>-1</real>"
+    "<key>output</key><integer>2</integer><key>voice count</key><integer>32</integer>";
+
+void expect_other_values(CFDictionaryRef state) {
+    EXPECT_EQ(number_at(state, "gain"), -8.0);
+    EXPECT_EQ(number_at(state, "coarse tune"), -3.0);
+    EXPECT_EQ(number_at(state, "fine tune"), 12.5);
+    EXPECT_EQ(number_at(state, "pan"), -1.0);
+    EXPECT_EQ(number_at(state, "output"), 2.0);
+    EXPECT_EQ(number_at(state, "voice count"), 32.0);
+}
+
+void expect_default_values(CFDictionaryRef state) {
+    for (const char* key : {"gain", "coarse tune", "fine tune", "pan", "output"}) {
+        EXPECT_EQ(number_at(state, key), 0.0) << key;
+    }
+    EXPECT_EQ(number_at(state, "voice count"), 64.0);
+}
+
+TEST_F(ClassInfo, KeepsTheUnitsOwnValuesApartFromItsData) {
+    const Ref<CFDictionaryRef> state = state_with(other_values);
+    expect_other_values(state.get());
+    EXPECT_TRUE(has_default_data(state));
+    const Ref<CFDictionaryRef> both =
+        state_with(std::string(other_values) + std::string(other_data));
+    expect_other_values(both.get());
+    EXPECT_FALSE(has_default_data(both));
+    expect_default_values(state_with(other_data).get());
+}
+
+TEST_F(ClassInfo, HasTheUnitsOwnValuesAtTheirDefaultsWithoutThem) {
+    state_with(other_values);
+    expect_default_values(state_with("").get());
+}
+
+TEST_F(ClassInfo, HasTheUnitsOwnValuesAtTheirDefaultsWhereTheyAreNoNumbers) {
+    expect_default_values(
+        state_with("<key>gain</key><string>-8</string><key>coarse tune</key><true/>"
+                   "<key>fine tune</key><data>AA==</data><key>pan</key><array/>"
+                   "<key>output</key><dict/><key>voice count</key><string/>")
+            .get());
+}
+
+TEST_F(ClassInfo, HasTheUnitsOwnValuesInTheSamplersTypes) {
+    const Ref<CFDictionaryRef> state =
+        state_with("<key>gain</key><integer>-8</integer><key>coarse tune</key><real>-3.75</real>"
+                   "<key>fine tune</key><real>0.1</real><key>voice count</key><real>32</real>");
+    EXPECT_TRUE(CFNumberIsFloatType(static_cast<CFNumberRef>(value(state.get(), "gain"))));
+    EXPECT_EQ(number_at(state.get(), "gain"), -8.0);
+    EXPECT_FALSE(CFNumberIsFloatType(static_cast<CFNumberRef>(value(state.get(), "coarse tune"))));
+    EXPECT_EQ(number_at(state.get(), "coarse tune"), -3.0);
+    EXPECT_EQ(number_at(state.get(), "fine tune"), 0.1F);
+    EXPECT_FALSE(CFNumberIsFloatType(static_cast<CFNumberRef>(value(state.get(), "voice count"))));
+}
+
+TEST_F(ClassInfo, ThatIsRefusedLeavesTheUnitsOwnValues) {
+    state_with(other_values);
+    EXPECT_EQ(set("<dict><key>gain</key><real>3</real></dict>"), refused);
+    expect_other_values(sampler.state().get());
 }
 
 // --- file references ----------------------------------------------------------------------------

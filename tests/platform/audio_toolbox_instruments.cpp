@@ -131,13 +131,14 @@ TEST_F(ExsInstruments, OpenTheSamplesThatSoundInTheOrderOfTheirChunks) {
                        .zone({.sample = 3})
                        .zone({.sample = -1})
                        .zone({.low_key = 60, .group = 0, .sample = 1})
+                       .zone({.low_key = 60, .high_key = 59, .sample = 2})
                        .group({.high_key = 59})
                        .sample({.directory = "/recorded", .name = "z.wav"})
                        .sample({.directory = "/recorded", .name = "outside.wav"})
                        .sample({.directory = "/recorded", .name = "unused.wav"})
                        .sample({.directory = "/recorded", .name = "a.wav"})),
               not_found);
-    EXPECT_EQ(asked_for, (Paths{"/recorded/z.wav", "/recorded/a.wav"}));
+    EXPECT_EQ(asked_for, (Paths{"/recorded/z.wav", "/recorded/outside.wav", "/recorded/a.wav"}));
 }
 
 TEST_F(ExsInstruments, FailWithTheStatusOfTheFirstSampleThatFailed) {

@@ -140,6 +140,42 @@ TEST_F(PresetSamples, NamedByWhatNoFileSystemHasAreNotFound) {
     EXPECT_EQ(asked_for, Paths{});
 }
 
+TEST_F(PresetSamples, MayBeSoundBanksUnderTheKeyOfOne) {
+    write_file(folder / "gm.sf2", bank_bytes("sfbk"));
+    write_file(folder / "gs.dls", bank_bytes("DLS "));
+    EXPECT_EQ(load(entry("Bank:0", folder / "gm.sf2") + entry("Bank:1", folder / "gs.dls")), 0);
+    EXPECT_EQ(reference("Bank:0"), (folder / "gm.sf2").string());
+    EXPECT_EQ(load(entry("Sample:1", folder / "gm.sf2")), not_audio);
+    EXPECT_EQ(load(entry("Sample:1", folder / "gs.dls")), not_audio);
+}
+
+TEST_F(PresetSamples, UnderTheKeyOfASoundBankAreNoOtherFiles) {
+    write_audio(folder / "kick.wav", wav);
+    EXPECT_EQ(load(entry("Bank:0", folder / "kick.wav")), not_audio);
+    EXPECT_EQ(load(entry("bank:0", folder / "kick.wav")), 0);
+}
+
+TEST_F(PresetSamples, AreOpenedTogetherWithSoundBanksInTheOrderOfAllKeys) {
+    EXPECT_EQ(load(entry("Sample:1", "/recorded/b") + entry("Bank:10", "/recorded/gm.sf2") +
+                   entry("A", "/recorded/a")),
+              not_found);
+    EXPECT_EQ(asked_for, (Paths{"/recorded/a", "/recorded/gm.sf2", "/recorded/b"}));
+}
+
+TEST_F(PresetSamples, WithSoundBanksKeepTheInstrumentsListOfThem) {
+    const std::string instrument =
+        "<key>Instrument</key><dict><key>Banks</key><dict><key>gm.sf2</key><array>"
+        "<integer>268435456</integer><integer>268435457</integer></array></dict>"
+        "<key>Layers</key><array/></dict>";
+    write_file(folder / "gm.sf2", bank_bytes("sfbk"));
+    const auto info = class_info_with(instrument + "<key>file-references</key><dict>" +
+                                      entry("Bank:0", folder / "gm.sf2") + "</dict>");
+    ASSERT_EQ(sampler.set(info), 0);
+    const Ref<CFDictionaryRef> state = sampler.state();
+    EXPECT_TRUE(CFEqual(value(state.get(), "Instrument"),
+                        value(static_cast<CFDictionaryRef>(info.get()), "Instrument")));
+}
+
 TEST_F(PresetSamples, ThatAreFoldersPipesOrDevicesAreNotAudio) {
     EXPECT_EQ(load(entry("1", folder.path())), not_audio);
     EXPECT_EQ(load(entry("1", "/dev/zero")), not_audio);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <initializer_list>
 #include <utility>
@@ -48,6 +49,44 @@ TEST(ExsFormulas, SecondEnvelopesTimesAreOfTheWayAboveAndBelowItsSustain) {
     EXPECT_EQ(second.sustain, 0.32283464074134827F);
     EXPECT_EQ(second.release, 2.2593352794647217F);
     EXPECT_EQ(exs_envelopes(with({{76, 127}}))[1].attack, 10);
+}
+
+TEST(ExsFormulas, FourthPowerOfATimeIsRoundedOnce) {
+    // Rounded after each multiplication it would be 0.80409073829650879.
+    EXPECT_EQ(exs_envelopes(with({{80, 49}, {79, 35}}))[1].release, 0.80409079790115356F);
+    EXPECT_EQ(exs_envelopes(with({{78, 49}, {79, 92}}))[1].decay, 0.80409079790115356F);
+}
+
+TEST(ExsFormulas, GroupsAttackIsTheInstrumentsAndItsOffsetInMilliseconds) {
+    const ExsEnvelope amp = exs_envelopes(with({{82, 39}}))[0];
+    EXPECT_EQ(exs_group_envelope(amp, {.attack_offset = 25}).attack, 0.11392902582883835F);
+    EXPECT_EQ(exs_group_envelope(amp, {.attack_offset = 20}).attack, 0.10892902314662933F);
+    EXPECT_EQ(exs_group_envelope({}, {.attack_offset = 1}).attack, 0.001F);
+    EXPECT_EQ(exs_group_envelope(amp, {}), amp);
+}
+
+TEST(ExsFormulas, AttackOffsetBelowNothingEndsThere) {
+    const ExsEnvelope amp = exs_envelopes(with({{82, 39}}))[0];
+    EXPECT_EQ(exs_group_envelope(amp, {.attack_offset = -100}).attack, 0);
+    EXPECT_FALSE(std::signbit(exs_group_envelope({}, {.attack_offset = -1}).attack));
+}
+
+TEST(ExsFormulas, DecayOfAReleaseGroupIsItsOwnInMilliseconds) {
+    const ExsEnvelope amp = exs_envelopes(with({{84, 127}}))[0];
+    EXPECT_EQ(exs_group_envelope(amp, {.on_release = true, .release_decay = 500}).decay, 0.5F);
+    EXPECT_EQ(exs_group_envelope(amp, {.on_release = true, .release_decay = 9999}).decay,
+              9.99899959564209F);
+    EXPECT_EQ(exs_group_envelope(amp, {.on_release = true, .release_decay = 0}).decay, 0);
+    EXPECT_EQ(exs_group_envelope(amp, {.on_release = true}).decay, 40);
+    EXPECT_EQ(exs_group_envelope(amp, {.release_decay = 500}).decay, 40);
+}
+
+TEST(ExsFormulas, PanIsInPercentWithTheRoundingOfAPartOfOne) {
+    EXPECT_EQ(exs_pan(30), 30.00000190734863F);
+    EXPECT_EQ(exs_pan(60), 60.00000381469727F);
+    EXPECT_EQ(exs_pan(55), 55.0F);
+    EXPECT_EQ(exs_pan(-30), -30.00000190734863F);
+    EXPECT_EQ(exs_pan(100), 100.0F);
 }
 
 TEST(ExsFormulas, SecondEnvelopeAtFullSustainHasNoDecay) {

@@ -73,20 +73,7 @@ TEST(ExsLayers, ZonesWithoutASampleAreInNoLayer) {
     EXPECT_EQ(layers[0].zones[0].zone, &instrument.zones[3]);
 }
 
-TEST(ExsLayers, GroupLimitsTheKeysAndVelocitiesOfItsZones) {
-    ExsInstrument instrument = with_groups(1);
-    instrument.groups[0].keys = {40, 60};
-    instrument.groups[0].velocities = {10, 100};
-    instrument.zones = {zone(0, {30, 50}, {1, 20}), zone(0, {45, 70}, {90, 127})};
-    const auto layers = exs_layers(instrument);
-    ASSERT_EQ(layers[0].zones.size(), 2U);
-    EXPECT_EQ(layers[0].zones[0].keys, (ExsRange{40, 50}));
-    EXPECT_EQ(layers[0].zones[0].velocities, (ExsRange{10, 20}));
-    EXPECT_EQ(layers[0].zones[1].keys, (ExsRange{45, 60}));
-    EXPECT_EQ(layers[0].zones[1].velocities, (ExsRange{90, 100}));
-}
-
-TEST(ExsLayers, ZoneWhollyOutsideItsGroupIsDropped) {
+TEST(ExsLayers, ZonesOutsideTheirGroupStayWhole) {
     ExsInstrument instrument = with_groups(1);
     instrument.groups[0].keys = {40, 60};
     instrument.groups[0].velocities = {10, 100};
@@ -94,17 +81,11 @@ TEST(ExsLayers, ZoneWhollyOutsideItsGroupIsDropped) {
                         zone(0, {60, 61}, {100, 127})};
     const auto layers = exs_layers(instrument);
     ASSERT_EQ(layers.size(), 1U);
-    ASSERT_EQ(layers[0].zones.size(), 1U);
-    EXPECT_EQ(layers[0].zones[0].zone, &instrument.zones[3]);
-}
-
-TEST(ExsLayers, GroupWhoseZonesAreAllDroppedHasNoLayer) {
-    ExsInstrument instrument = with_groups(2);
-    instrument.groups[0].keys = {0, 10};
-    instrument.zones = {zone(0, {60, 60}), zone(1)};
-    const auto layers = exs_layers(instrument);
-    ASSERT_EQ(layers.size(), 1U);
-    EXPECT_EQ(layers[0].group, &instrument.groups[1]);
+    ASSERT_EQ(layers[0].zones.size(), 4U);
+    EXPECT_EQ(layers[0].zones[0].zone, &instrument.zones[0]);
+    EXPECT_EQ(layers[0].zones[1].zone, &instrument.zones[2]);
+    EXPECT_EQ(layers[0].zones[2].zone, &instrument.zones[3]);
+    EXPECT_EQ(layers[0].zones[3].zone, &instrument.zones[1]);
 }
 
 TEST(ExsLayers, ZoneThatNoKeyReachesIsDropped) {
@@ -141,13 +122,14 @@ TEST(ExsLayers, UsedSamplesAreThoseOfPlacedZonesInTheOrderOfTheirChunks) {
     ExsInstrument instrument = with_groups(1);
     instrument.samples.resize(5);
     instrument.groups[0].keys = {0, 10};
-    instrument.zones = {zone(-1), zone(-1), zone(-1), zone(0, {60, 60})};
+    instrument.zones = {zone(-1), zone(-1), zone(-1), zone(0, {60, 60}), zone(-1, {60, 59})};
     instrument.zones[0].sample = 4;
     instrument.zones[1].sample = 1;
     instrument.zones[2].sample = 4;
-    instrument.zones[3].sample = 2; // outside its group
+    instrument.zones[3].sample = 3; // outside its group
+    instrument.zones[4].sample = 2; // has no key
     EXPECT_EQ(exs_used_samples(instrument, exs_layers(instrument)),
-              (std::vector<std::size_t>{1, 4}));
+              (std::vector<std::size_t>{1, 3, 4}));
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // What holds for every instrument that can be read, over instruments made at random and over files
 // with bytes changed at random. The random numbers are the same in every run.
-#include "audio_toolbox/class_info.h"
-#include "sampler/exs_load.h"
+#include "platform/round_trip.h"
 #include "support/exs_builder.h"
 
 #include <gtest/gtest.h>
@@ -47,24 +46,32 @@ std::string instrument(Random& random) {
                       .high_key = random.up_to(255),
                       .low_velocity = random.up_to(140),
                       .high_velocity = random.up_to(255),
+                      .sample_start = random.word(1000),
                       .sample_end = random.word(2000),
                       .loop_start = random.word(2000),
                       .loop_end = random.word(2000),
                       .loop_options = random.up_to(7),
+                      .coarse_tune = random.between(-24, 24),
+                      .pan = random.up_to(255),
                       .group = random.word(4),
                       .sample = random.word(4)});
     }
     for (int i = random.up_to(4); i > 0; --i) {
         builder.group({.name = random.name(),
                        .volume = random.between(-96, 24),
+                       .pan = random.up_to(255),
                        .options = random.up_to(255),
                        .low_velocity = random.up_to(60),
                        .high_velocity = random.between(30, 255),
                        .low_key = random.up_to(60),
                        .high_key = random.between(30, 255),
+                       .release_decay = random.word(10000),
+                       .attack_offset = random.word(500),
                        .trigger = random.up_to(1),
                        .chosen_by = {random.up_to(7), random.up_to(7), random.up_to(7)},
-                       .controller = random.up_to(255)});
+                       .controller = random.up_to(255),
+                       .low_value = random.up_to(255),
+                       .high_value = random.up_to(255)});
     }
     for (int i = random.up_to(4); i > 0; --i) {
         builder.sample({.directory = random.name(),
@@ -78,14 +85,6 @@ std::string instrument(Random& random) {
     return builder.parameters(first).bytes();
 }
 
-Ref<CFPropertyListRef> written_and_read(CFPropertyListRef list) {
-    const auto data = Ref<CFDataRef>::adopt(CFPropertyListCreateData(
-        kCFAllocatorDefault, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
-    return data ? Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
-                      kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr))
-                : Ref<CFPropertyListRef>();
-}
-
 void expect_a_state_that_loads(const std::string& bytes, int& loads) {
     SamplerState state;
     if (load_exs_bytes({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
@@ -93,14 +92,7 @@ void expect_a_state_that_loads(const std::string& bytes, int& loads) {
         return;
     }
     ++loads;
-    const auto info = class_info(state);
-    const auto read = written_and_read(info.get());
-    ASSERT_TRUE(read);
-    EXPECT_TRUE(CFEqual(read.get(), info.get()));
-    SamplerState next;
-    ASSERT_EQ(read_class_info(read.get(), next), 0);
-    EXPECT_TRUE(CFEqual(class_info(next).get(), info.get()));
-    EXPECT_EQ(next.loaded.samples, state.loaded.samples);
+    test::expect_round_trip(state);
 }
 
 TEST(ExsProperties, StateOfAnyInstrumentIsWrittenReadAndLoadedAgain) {

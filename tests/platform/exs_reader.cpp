@@ -32,22 +32,30 @@ std::string one_of_each(const ExsLayout& layout) {
                .high_key = 59,
                .low_velocity = 3,
                .high_velocity = 100,
+               .sample_start = 3000,
                .sample_end = 70000,
                .loop_start = 66000,
                .loop_end = 69000,
                .loop_options = 1,
+               .coarse_tune = -18,
+               .pan = -23,
                .group = 0,
                .sample = 0})
         .group({.name = "Soft",
                 .volume = -3,
-                .options = 16,
+                .pan = 31,
+                .options = 16 | 64,
                 .low_velocity = 1,
                 .high_velocity = 90,
                 .low_key = 36,
                 .high_key = 96,
+                .release_decay = 70000,
+                .attack_offset = -70000,
                 .trigger = 1,
                 .chosen_by = {3, 0, 0},
-                .controller = 4})
+                .controller = 4,
+                .low_value = 20,
+                .high_value = 63})
         .sample({.directory = "/Users/ada/Sounds", .name = "saw.wav", .frames = 70001})
         .parameters({{7, -6}, {90, -48}, {30, 434}})
         .bytes();
@@ -62,13 +70,16 @@ TEST_P(ExsLayouts, ZoneIsReadWhole) {
     const ExsZone& zone = instrument->zones[0];
     EXPECT_EQ(zone.name, "Zone #1");
     EXPECT_EQ(zone.root_key, 57);
+    EXPECT_EQ(zone.coarse_tune, -18);
     EXPECT_EQ(zone.fine_tune, -12);
     EXPECT_EQ(zone.volume, -9);
+    EXPECT_EQ(zone.pan, -23);
     EXPECT_EQ(zone.keys, (ExsRange{48, 59}));
     EXPECT_EQ(zone.velocities, (ExsRange{3, 100}));
     EXPECT_FALSE(zone.pitch_tracking);
     EXPECT_FALSE(zone.muted);
     EXPECT_TRUE(zone.loop_on);
+    EXPECT_EQ(zone.sample_start, 3000);
     EXPECT_EQ(zone.sample_end, 70000);
     EXPECT_EQ(zone.loop_start, 66000);
     EXPECT_EQ(zone.loop_end, 69000);
@@ -83,11 +94,14 @@ TEST_P(ExsLayouts, GroupIsReadAsFarAsItsChunkReaches) {
     const ExsGroup& group = instrument->groups[0];
     EXPECT_EQ(group.name, "Soft");
     EXPECT_EQ(group.volume, -3);
+    EXPECT_EQ(group.pan, 31);
     EXPECT_TRUE(group.muted);
     EXPECT_EQ(group.velocities, (ExsRange{1, 90}));
     EXPECT_EQ(group.keys, (ExsRange{36, 96}));
     EXPECT_TRUE(group.on_release);
-    EXPECT_EQ(group.controller, 4);
+    EXPECT_EQ(group.release_decay, 70000U);
+    EXPECT_EQ(group.attack_offset, -70000);
+    EXPECT_EQ(group.selection, (ExsSelection{4, {20, 63}}));
 }
 
 TEST_P(ExsLayouts, SampleIsReadWhole) {
@@ -198,17 +212,25 @@ TEST(ExsReader, FieldsBeyondAChunksEndHaveTheirDefaults) {
     EXPECT_FALSE(zone.loop_on);
     EXPECT_EQ(zone.fine_tune, 0);
     EXPECT_EQ(zone.volume, 0);
-    EXPECT_EQ(zone.sample_end, 0);
     EXPECT_EQ(zone.loop_start, 0);
     EXPECT_EQ(zone.loop_end, 0);
+    EXPECT_EQ(zone.coarse_tune, 0);
+    EXPECT_EQ(zone.pan, 0);
+    EXPECT_EQ(zone.sample_start, 0);
+    EXPECT_EQ(zone.sample_end, 0);
     EXPECT_EQ(zone.group, -1);
     EXPECT_EQ(zone.sample, -1);
     const ExsGroup& group = instrument->groups.at(0);
     EXPECT_EQ(group.name, "group");
     EXPECT_EQ(group.keys, ExsRange{});
     EXPECT_EQ(group.velocities, ExsRange{});
+    EXPECT_FALSE(group.muted);
+    EXPECT_EQ(group.volume, 0);
+    EXPECT_EQ(group.pan, 0);
     EXPECT_FALSE(group.on_release);
-    EXPECT_FALSE(group.controller);
+    EXPECT_FALSE(group.release_decay);
+    EXPECT_EQ(group.attack_offset, 0);
+    EXPECT_FALSE(group.selection);
     EXPECT_EQ(instrument->samples.at(0).path, "kick.wav");
     EXPECT_EQ(instrument->samples.at(0).frames, 0U);
 }
@@ -219,6 +241,69 @@ TEST(ExsReader, FieldCutByItsChunksEndHasItsDefault) {
     ASSERT_TRUE(instrument);
     EXPECT_EQ(instrument->zones.at(0).group, 0);
     EXPECT_EQ(instrument->zones.at(0).sample, -1);
+}
+
+TEST(ExsReader, GroupCutWithinAFieldHasTheDefaultsFromThereOn) {
+    constexpr std::size_t header = 84;
+    for (const char* magic : {"TBOS", "SOBT"}) {
+        const std::string whole = ExsBuilder({.magic = magic, .group = 132})
+                                      .group({.options = 64,
+                                              .release_decay = 0x01010101,
+                                              .attack_offset = 0x01010101,
+                                              .chosen_by = {3, 0, 0},
+                                              .high_value = 9})
+                                      .chunks();
+        const auto cut_at = [&](std::size_t end) {
+            const std::string content = whole.substr(header, end - header);
+            return read(ExsBuilder({.magic = magic}).chunk(2, content).bytes())->groups.at(0);
+        };
+        EXPECT_EQ(cut_at(103).release_decay, std::nullopt) << magic;
+        EXPECT_EQ(cut_at(104).release_decay, 0x01010101U) << magic;
+        EXPECT_EQ(cut_at(143).attack_offset, 0) << magic;
+        EXPECT_EQ(cut_at(144).attack_offset, 0x01010101) << magic;
+        EXPECT_EQ(cut_at(168).selection, std::nullopt) << magic;
+        EXPECT_EQ(cut_at(171).selection, (ExsSelection{0, {0, 127}})) << magic;
+        EXPECT_EQ(cut_at(172).selection, (ExsSelection{0, {0, 9}})) << magic;
+    }
+}
+
+TEST(ExsReader, ZoneCutWithinItsCropHasTheDefaultsFromThereOn) {
+    constexpr std::size_t header = 84;
+    for (const char* magic : {"TBOS", "SOBT"}) {
+        const std::string whole =
+            ExsBuilder({.magic = magic})
+                .zone({.sample_start = 0x01010101, .sample_end = 0x02020202, .coarse_tune = 5})
+                .chunks();
+        const auto cut_at = [&](std::size_t end) {
+            const std::string content = whole.substr(header, end - header);
+            return read(ExsBuilder({.magic = magic}).chunk(1, content).bytes())->zones.at(0);
+        };
+        EXPECT_EQ(cut_at(99).sample_start, 0) << magic;
+        EXPECT_EQ(cut_at(100).sample_start, 0x01010101) << magic;
+        EXPECT_EQ(cut_at(103).sample_end, 0) << magic;
+        EXPECT_EQ(cut_at(104).sample_end, 0x02020202) << magic;
+        EXPECT_EQ(cut_at(164).coarse_tune, 0) << magic;
+        EXPECT_EQ(cut_at(165).coarse_tune, 5) << magic;
+    }
+}
+
+TEST(ExsReader, ReleaseDecayCountsOnlyWithItsOption) {
+    const auto instrument = read(ExsBuilder()
+                                     .group({.release_decay = 500})
+                                     .group({.options = 64, .release_decay = 500})
+                                     .bytes());
+    ASSERT_TRUE(instrument);
+    EXPECT_EQ(instrument->groups.at(0).release_decay, std::nullopt);
+    EXPECT_EQ(instrument->groups.at(1).release_decay, 500U);
+}
+
+TEST(ExsReader, PanBeyondFullLeftOrRightIsThat) {
+    const auto instrument =
+        read(ExsBuilder().zone({.pan = -128}).zone({.pan = 127}).group({.pan = -101}).bytes());
+    ASSERT_TRUE(instrument);
+    EXPECT_EQ(instrument->zones.at(0).pan, -100);
+    EXPECT_EQ(instrument->zones.at(1).pan, 100);
+    EXPECT_EQ(instrument->groups.at(0).pan, -100);
 }
 
 TEST(ExsReader, VelocityRangeCountsOnlyWithItsOption) {
@@ -265,10 +350,10 @@ TEST(ExsReader, AnyOfTheThreeConditionsCanBeTheController) {
                                      .group({.chosen_by = {1, 2, 4}, .controller = 4})
                                      .bytes());
     ASSERT_TRUE(instrument);
-    EXPECT_EQ(instrument->groups.at(0).controller, 1);
-    EXPECT_EQ(instrument->groups.at(1).controller, 2);
-    EXPECT_EQ(instrument->groups.at(2).controller, 3);
-    EXPECT_EQ(instrument->groups.at(3).controller, std::nullopt);
+    EXPECT_EQ(instrument->groups.at(0).selection, (ExsSelection{1, {}}));
+    EXPECT_EQ(instrument->groups.at(1).selection, (ExsSelection{2, {}}));
+    EXPECT_EQ(instrument->groups.at(2).selection, (ExsSelection{3, {}}));
+    EXPECT_EQ(instrument->groups.at(3).selection, std::nullopt);
 }
 
 TEST(ExsReader, FileNameOutranksTheChunksOwnShortenedName) {

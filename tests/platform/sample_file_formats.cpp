@@ -108,6 +108,30 @@ TEST_F(SampleFile, IsAudioBehindATag) {
     EXPECT_EQ(open_bytes(id3_tag(5000) + read_file(path)), 0);
 }
 
+TEST_F(SampleFile, IsASoundBankOnlyWhereThatIsWanted) {
+    for (const char* form : {"sfbk", "DLS "}) {
+        write_file(path, bank_bytes(form));
+        EXPECT_EQ(open_sample(path, SampleKind::bank), 0) << form;
+        EXPECT_EQ(open_sample(path, SampleKind::audio), not_audio) << form;
+    }
+}
+
+TEST_F(SampleFile, IsNoSoundBankWithoutTheFormOfOne) {
+    const std::string banks[] = {bank_bytes("WAVE"),
+                                 bank_bytes("dls "),
+                                 "RIFF",
+                                 "",
+                                 bank_bytes("sfbk").substr(0, 11),
+                                 "RIFX" + bank_bytes("sfbk").substr(4)};
+    for (const std::string& bytes : banks) {
+        write_file(path, bytes);
+        EXPECT_EQ(open_sample(path, SampleKind::bank), not_audio) << bytes;
+    }
+    write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    EXPECT_EQ(open_sample(path, SampleKind::bank), not_audio);
+    EXPECT_EQ(open_sample(folder / "absent.sf2", SampleKind::bank), not_found);
+}
+
 TEST_F(SampleFile, IsFoundThroughLinks) {
     write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     fs::create_symlink("kick.wav", folder / "link.wav");

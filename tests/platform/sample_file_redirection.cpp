@@ -16,6 +16,16 @@ namespace {
 using namespace lumo::test;
 
 using Paths = std::vector<std::string>;
+using Samples = std::vector<SampleReference>;
+
+/// Audio files at these paths.
+Samples samples(const Paths& paths) {
+    Samples references;
+    for (const std::string& path : paths) {
+        references.push_back({.path = path});
+    }
+    return references;
+}
 
 constexpr OSStatus not_found = -43;
 constexpr OSStatus not_audio = 1954115647;
@@ -47,14 +57,22 @@ TEST_F(SampleRedirection, AsksOnceForEachSample) {
 TEST_F(SampleRedirection, AsksForEverySampleInOrderAlsoAfterAFailure) {
     const Paths paths{"/recorded/b.wav", "/recorded/a.wav", folder / "text", "/recorded/c.wav"};
     write_file(folder / "text", "no audio");
-    EXPECT_EQ(open_samples(paths), not_found);
+    EXPECT_EQ(open_samples(samples(paths)), not_found);
     EXPECT_EQ(asked_for, (Paths{"/recorded/b.wav", "/recorded/a.wav", "/recorded/c.wav"}));
 }
 
 TEST_F(SampleRedirection, AsksOnceForASampleThatIsNamedTwice) {
-    EXPECT_EQ(open_samples(Paths{"/recorded/b.wav", "/recorded/a.wav", "/recorded/b.wav"}),
+    EXPECT_EQ(open_samples(samples({"/recorded/b.wav", "/recorded/a.wav", "/recorded/b.wav"})),
               not_found);
     EXPECT_EQ(asked_for, (Paths{"/recorded/b.wav", "/recorded/a.wav"}));
+}
+
+TEST_F(SampleRedirection, JudgesAFileThatIsNamedAsTwoKindsAsEach) {
+    write_file(folder / "gm", bank_bytes("sfbk"));
+    const std::string path = folder / "gm";
+    const SampleReference as_bank{path, SampleKind::bank};
+    EXPECT_EQ(open_samples(Samples{as_bank, as_bank}), 0);
+    EXPECT_EQ(open_samples(Samples{as_bank, {path, SampleKind::audio}}), not_audio);
 }
 
 TEST_F(SampleRedirection, IsDecidedByTheFirstFailure) {
@@ -62,10 +80,10 @@ TEST_F(SampleRedirection, IsDecidedByTheFirstFailure) {
     write_audio(folder / "kick.wav", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     const std::string text = folder / "text";
     const std::string kick = folder / "kick.wav";
-    EXPECT_EQ(open_samples(Paths{}), 0);
-    EXPECT_EQ(open_samples(Paths{kick, kick}), 0);
-    EXPECT_EQ(open_samples(Paths{kick, text, "/recorded/a.wav"}), not_audio);
-    EXPECT_EQ(open_samples(Paths{"/recorded/a.wav", text, kick}), not_found);
+    EXPECT_EQ(open_samples({}), 0);
+    EXPECT_EQ(open_samples(samples({kick, kick})), 0);
+    EXPECT_EQ(open_samples(samples({kick, text, "/recorded/a.wav"})), not_audio);
+    EXPECT_EQ(open_samples(samples({"/recorded/a.wav", text, kick})), not_found);
 }
 
 } // namespace

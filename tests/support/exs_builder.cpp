@@ -74,7 +74,7 @@ ExsBuilder& ExsBuilder::zone(const ExsZoneFields& fields) {
     content.byte(87, fields.pan).byte(88, fields.volume);
     content.byte(90, fields.low_key).byte(91, fields.high_key);
     content.byte(93, fields.low_velocity).byte(94, fields.high_velocity);
-    content.word(100, fields.sample_end);
+    content.word(96, fields.sample_start).word(100, fields.sample_end);
     content.word(104, fields.loop_start).word(108, fields.loop_end);
     content.byte(117, fields.loop_options).byte(164, fields.coarse_tune);
     content.word(172, fields.group).word(176, fields.sample);
@@ -85,8 +85,10 @@ ExsBuilder& ExsBuilder::group(const ExsGroupFields& fields) {
     Content content(*this, layout_.group);
     content.byte(84, fields.volume).byte(85, fields.pan).byte(87, fields.options);
     content.byte(89, fields.low_velocity).byte(90, fields.high_velocity);
+    content.word(100, fields.release_decay).word(140, fields.attack_offset);
     content.byte(157, fields.trigger).word(164, -1);
-    content.byte(168, fields.chosen_by[0]).byte(169, fields.controller).byte(171, 127);
+    content.byte(168, fields.chosen_by[0]).byte(169, fields.controller);
+    content.byte(170, fields.low_value).byte(171, fields.high_value);
     content.byte(172, fields.low_key).byte(173, fields.high_key);
     content.byte(176, fields.chosen_by[1]).byte(177, fields.chosen_by[2]);
     return chunk(2, content.bytes(), fields.name);

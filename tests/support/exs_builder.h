@@ -50,6 +50,7 @@ struct ExsZoneFields {
     int high_key = 127;
     int low_velocity = 0;
     int high_velocity = 127;
+    std::int32_t sample_start = 0;
     std::int32_t sample_end = 1000;
     std::int32_t loop_start = 0;
     std::int32_t loop_end = 1000;
@@ -65,14 +66,18 @@ struct ExsGroupFields {
     std::string name = "Group 1";
     int volume = 0;
     int pan = 0;
-    int options = 0; ///< 16: mute
+    int options = 0; ///< 16: mute, 64: release decay on
     int low_velocity = 0;
     int high_velocity = 127;
     int low_key = 0;
     int high_key = 127;
+    std::int64_t release_decay = 0;        ///< ms
+    std::int32_t attack_offset = 0;        ///< ms
     int trigger = 0;                       ///< 1: on release
     std::array<int, 3> chosen_by{0, 0, 0}; ///< 3: by the controller
     int controller = 0;
+    int low_value = 0; ///< of the controller
+    int high_value = 127;
 };
 
 /// What a sample's chunk is given.

@@ -1,0 +1,87 @@
+// A reference's key tells its kind: "Bank:" and a number is a sound bank, every other one a sample
+// ("Sample:" and a number as the sampler writes it, anything in presets made by hand).
+#include "audio_toolbox/file_references.h"
+
+#include "audio_toolbox/property_text.h"
+#include "audio_toolbox/typed_value.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace lumo::platform {
+namespace {
+
+/// A reference: its key, for the order, and its path.
+using Reference = std::pair<std::string, std::string>;
+
+struct References {
+    std::vector<CFTypeRef> keys; ///< borrowed
+    std::vector<Ref<CFStringRef>> paths;
+    std::vector<Reference> texts;
+
+    void add(CFTypeRef key, CFTypeRef value) {
+        if (CFGetTypeID(key) != CFStringGetTypeID() || CFGetTypeID(value) != CFStringGetTypeID()) {
+            return;
+        }
+        Ref<CFStringRef> path = posix_path(static_cast<CFStringRef>(value));
+        texts.emplace_back(to_utf8(static_cast<CFStringRef>(key)), to_utf8(path.get()));
+        keys.push_back(key);
+        paths.push_back(std::move(path));
+    }
+};
+
+References references_in(CFDictionaryRef list) {
+    References references;
+    const auto recorded = static_cast<CFDictionaryRef>(
+        value_of_type(list, "file-references", CFDictionaryGetTypeID()));
+    if (!recorded) {
+        return references;
+    }
+    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(recorded));
+    std::vector<CFTypeRef> keys(count);
+    std::vector<CFTypeRef> values(count);
+    CFDictionaryGetKeysAndValues(recorded, keys.data(), values.data());
+    for (std::size_t i = 0; i < count; ++i) {
+        references.add(keys[i], values[i]);
+    }
+    return references;
+}
+
+Ref<CFDictionaryRef> dictionary_of(References& references) {
+    std::vector<CFTypeRef> paths;
+    paths.reserve(references.paths.size());
+    for (const Ref<CFStringRef>& path : references.paths) {
+        paths.push_back(path.get());
+    }
+    return Ref<CFDictionaryRef>::adopt(
+        CFDictionaryCreate(kCFAllocatorDefault, references.keys.data(), paths.data(),
+                           static_cast<CFIndex>(paths.size()), &kCFTypeDictionaryKeyCallBacks,
+                           &kCFTypeDictionaryValueCallBacks));
+}
+
+SampleKind kind_of(const std::string& key) {
+    return key.starts_with("Bank:") ? SampleKind::bank : SampleKind::audio;
+}
+
+std::vector<SampleReference> in_order(std::vector<Reference> texts) {
+    std::sort(texts.begin(), texts.end());
+    std::vector<SampleReference> files;
+    files.reserve(texts.size());
+    for (Reference& reference : texts) {
+        files.push_back({std::move(reference.second), kind_of(reference.first)});
+    }
+    return files;
+}
+
+} // namespace
+
+void read_references(CFDictionaryRef list, LoadedInstrument& loaded) {
+    References references = references_in(list);
+    loaded.references = dictionary_of(references);
+    loaded.samples = in_order(std::move(references.texts));
+}
+
+} // namespace lumo::platform

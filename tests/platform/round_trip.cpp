@@ -1,0 +1,31 @@
+#include "platform/round_trip.h"
+
+#include <gtest/gtest.h>
+
+namespace lumo::test {
+namespace {
+
+using platform::Ref;
+
+Ref<CFPropertyListRef> written_and_read(CFPropertyListRef list) {
+    const auto data = Ref<CFDataRef>::adopt(CFPropertyListCreateData(
+        kCFAllocatorDefault, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+    return data ? Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
+                      kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr))
+                : Ref<CFPropertyListRef>();
+}
+
+} // namespace
+
+void expect_round_trip(const platform::SamplerState& state) {
+    const auto info = platform::class_info(state);
+    const auto read = written_and_read(info.get());
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(CFEqual(read.get(), info.get()));
+    platform::SamplerState next;
+    ASSERT_EQ(platform::read_class_info(read.get(), next), 0);
+    EXPECT_TRUE(CFEqual(platform::class_info(next).get(), info.get()));
+    EXPECT_EQ(next.loaded.samples, state.loaded.samples);
+}
+
+} // namespace lumo::test

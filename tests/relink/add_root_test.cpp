@@ -41,7 +41,7 @@ Paths walk(const fs::path& root) {
 
 TEST(SampleIndexType, is_a_plain_value_of_map_and_count) {
     const SampleIndex index;
-    EXPECT_EQ(index.files.bucket_count(), 1u); // libstdc++ keeps its one bucket inside the map
+    EXPECT_LE(index.files.bucket_count(), 1u); // libstdc++'s map holds one in itself, libc++'s none
     EXPECT_EQ(index.files.max_load_factor(), 1.0f);
     EXPECT_EQ(index.entries, 0u);
     static_assert(std::is_nothrow_move_assignable_v<SampleIndex>);

@@ -1,0 +1,70 @@
+// The platform library's calls of libSystem. On a Mac those of the frameworks go through the
+// interpose sections, so the linker sends the platform library's open here (--wrap), and it goes on
+// as a Mac's would: to the simulated function, or what a loaded library has put in front of it.
+//
+// How the real sampler looks for a sample and opens it is not known. LUMO_SAMPLER_OPENS names the
+// function with which it opens here, LUMO_SAMPLER_LOOKS one with which it looks before that.
+#include "frameworks/calls.h"
+#include "loader/image.h"
+#include "system/flags.h"
+#include "system/system.h"
+
+#include <fcntl.h>
+
+#include <cstdarg>
+#include <cstdlib>
+#include <string>
+
+extern "C" int __real_open(const char*, int, ...);
+
+namespace lumo::macos {
+namespace {
+
+std::string setting(const char* name, const char* otherwise) {
+    const char* value = std::getenv(name);
+    return value && *value ? value : otherwise;
+}
+
+} // namespace
+
+void call_early() {
+    char room[256];
+    const char* absent = "/nowhere/early.wav";
+    const int results[] = {open_with("open", absent, 0, 0),
+                           open_with("open$NOCANCEL", absent, 0, 0),
+                           open_with("fopen", absent, 0, 0),
+                           system_call<int(const char*, void*)>("_stat" INODE64)(absent, room),
+                           system_call<int(const char*, void*)>("_lstat" INODE64)(absent, room),
+                           system_call<int(const char*, int)>("_access")(absent, 0)};
+    for (const int result : results) {
+        if (result != -1 || mac_errno() != 2) {
+            give_up("an early call of an absent file did not fail as it should");
+        }
+    }
+    mac_errno() = 0;
+}
+
+} // namespace lumo::macos
+
+using namespace lumo::macos;
+
+extern "C" int __wrap_open(const char* path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const int mode = va_arg(arguments, int);
+    va_end(arguments);
+    if ((flags & O_TMPFILE) == O_TMPFILE) { // there is no such thing on a Mac
+        return __real_open(path, flags, mode);
+    }
+    const bool reads = (flags & (O_ACCMODE | O_CREAT)) == O_RDONLY;
+    if (reads && !look_with(setting("LUMO_SAMPLER_LOOKS", ""), path)) {
+        errno = linux_error(mac_errno());
+        return -1;
+    }
+    const int file = open_with(reads ? setting("LUMO_SAMPLER_OPENS", "open") : "open", path,
+                               mac_open_flags(flags), mode);
+    if (file < 0) {
+        errno = linux_error(mac_errno());
+    }
+    return file;
+}

@@ -1,0 +1,67 @@
+// A Mach-O program or library in memory, and all of them together.
+#pragma once
+
+#include "loader/mach_o.h"
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumo::macos {
+
+struct Export {
+    void* address;
+    bool is_weak;
+};
+
+struct Image {
+    std::string path;
+    char* base = nullptr; ///< where the header is, and what offsets count from
+    std::vector<const SegmentCommand*> segments;
+    std::vector<const Section*> sections;
+    std::vector<std::string> library_names; ///< in the order that fixups number them in
+    std::vector<Image*> libraries;          ///< the same; null for one that this program simulates
+    std::vector<std::string> run_paths;
+    std::map<std::string, Export, std::less<>> exports;
+    std::vector<Tuple> tuples;
+    const DataCommand* fixups = nullptr;
+    const DataCommand* exports_trie = nullptr;
+    std::uint64_t entry = 0;
+    std::uint64_t preferred = 0; ///< the address that the file was linked for
+    bool is_bound = false, is_initialised = false;
+
+    const MachHeader& header() const { return *reinterpret_cast<const MachHeader*>(base); }
+    char* at(std::uint64_t address) const { return base + (address - preferred); }
+    char* link_data(std::uint32_t file_offset) const;
+    const Section* section(std::string_view name) const;
+};
+
+/// Loads the program and what it needs. `system_root` is put before the path of a library in
+/// /usr/lib that exists there. Ends the process by give_up when that fails.
+Image& load_program(const std::string& path, const std::string& system_root);
+
+/// The exported name of an image; a leading underscore belongs to it.
+void* find_export(const Image& image, std::string_view name);
+
+/// What a call of `function` from the system's own libraries reaches: the replacement of a loaded
+/// library's interpose section, or the function itself.
+void* interposed(void* function);
+
+/// Runs the initialisers, libraries first.
+void initialise(Image& image, int argc, char** argv, char** environment, char** apple);
+
+/// Registers what the image's unwind sections say with the unwinder of this system.
+void register_unwind_information(const Image& image);
+
+/// The address of a variable of the calling thread, for the first word of its descriptor.
+extern "C" void* lumo_thread_variable(ThreadVariable* variable);
+
+/// The function or variable that simulates a name of libSystem or a framework, null for none.
+void* find_system(std::string_view name);
+
+/// Ends the process with status 99 and says why on standard error.
+[[noreturn]] void give_up(const std::string& what);
+
+} // namespace lumo::macos

@@ -1,0 +1,63 @@
+// What the files of the loader call of one another.
+#pragma once
+
+#include "loader/image.h"
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumo::macos {
+
+/// The size of a page of a Mac for this processor.
+
+#if defined(__aarch64__)
+constexpr std::size_t page = 16384;
+#else
+constexpr std::size_t page = 4096;
+#endif
+
+/// The value of a plain type at an address in a file or an image.
+template <class Type>
+const Type& as(const void* bytes) {
+    return *static_cast<const Type*>(bytes);
+}
+
+/// All images in the order in which they were mapped, the program first.
+const std::vector<Image*>& loaded_images();
+
+/// Maps the program and, after it, each library that is a file. See load_program for `root`.
+Image& map_program(const std::string& path, const std::string& root);
+
+/// Puts an image's segments into memory, writable, where they belong in relation to each other, and
+/// reads its load commands. `file` is the part for this processor and is not needed afterwards.
+void map_segments(Image& image, std::span<const char> file);
+
+/// The part of the file, plain or universal, that is for this processor.
+std::span<const char> part_for_this_processor(std::span<const char> file, const std::string& path);
+
+/// Gives the image's segments the access that they ask for.
+void protect(const Image& image);
+
+/// Reads the names that an image exports.
+void read_exports(Image& image);
+
+/// Where an import is found that names a library by `ordinal`; null when it is nowhere.
+void* find_import(const Image& image, int ordinal, std::string_view name);
+
+/// A new function that ends the process with `name`, which has to stay, when it is called.
+void* missing_function(const char* name);
+
+/// Writes the addresses that an image's chained fixups stand for; once for each image.
+void bind(Image& image);
+
+/// Reads the interpose sections of all libraries, which binds those that have one, and remembers
+/// the replacements.
+void read_all_tuples();
+
+/// Prepares the descriptors of an image's thread-local variables.
+void prepare_thread_variables(Image& image);
+
+} // namespace lumo::macos

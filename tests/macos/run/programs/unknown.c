@@ -1,0 +1,19 @@
+// A C program for a Mac that asks for what macos-run does not know, as its argument says: a flag, or
+// a function. "folder" makes a folder, which a test lets fail.
+#include <fcntl.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+
+int main(int argc, char** argv) {
+    const char* what = argc > 1 ? argv[1] : "";
+    if (strcmp(what, "flag") == 0) {
+        open("/", O_RDONLY | O_EXLOCK);
+    } else if (strcmp(what, "folder") == 0) {
+        mkdir("/nowhere/folder", 0700);
+    } else if (strcmp(what, "function") == 0) {
+        double loads[3];
+        getloadavg(loads, 3);
+    }
+    return 0;
+}

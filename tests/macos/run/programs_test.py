@@ -1,0 +1,92 @@
+#!/usr/bin/env python3
+"""Small Mac programs under macos-run: what it does for C, C++ and each processor's conventions.
+
+usage: programs_test.py RUNNER ARCHITECTURE BUILD_ROOT LLVM
+"""
+
+import errno
+import os
+import platform
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+PROGRAMS = Path(__file__).resolve().parent / "programs"
+
+
+class Programs(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
+
+    def compile(self, source, *options):
+        """Compiles a program; what is printed by the compiler fails the test."""
+        target = ["-target", f"{ARCHITECTURE}-apple-macos13.0", "-isysroot", ROOT]
+        words = [f"{LLVM}/bin/clang", *target, PROGRAMS / source, *options]
+        if source.endswith(".cpp"):
+            words[0] = f"{LLVM}/bin/clang++"
+            words += ["-std=c++20", "-stdlib++-isystem", f"{ROOT}/usr/include/c++/v1"]
+        made = subprocess.run(words, stderr=subprocess.PIPE, text=True, check=False)
+        self.assertEqual((made.returncode, made.stderr), (0, ""))
+
+    def build(self, source, *options):
+        program = self.folder / "program"
+        self.compile(source, "-fuse-ld=lld", "-o", program, *options)
+        return program
+
+    def run_program(self, program, *arguments):
+        return subprocess.run([RUNNER, program, *arguments], capture_output=True, text=True,
+                              check=False)
+
+    def test_constants_and_layouts_are_those_of_the_macs_headers(self):
+        self.compile("layout.c", "-fsyntax-only")
+
+    def test_a_c_program_runs(self):
+        result = self.run_program(self.build("hello.c"), "one", "two")
+        self.assertEqual((result.returncode, result.stderr), (7, ""))
+        self.assertEqual(result.stdout.splitlines(), [
+            "hello from program, 3 arguments, environment and apple",
+            "stat: 0, size good",
+            "mode 100000",
+            "open: -1 errno 2 No such file or directory",
+            "long: -1, ENAMETOOLONG is 63"])
+
+    def check_passes(self, source):
+        for level in (0, 1, 2):
+            with self.subTest(optimised=level):
+                program = self.build(source, f"-O{level}", "-framework", "CoreFoundation")
+                result = self.run_program(program)
+                self.assertEqual((result.stdout, result.stderr), ("all passed\n", ""))
+                self.assertEqual(result.returncode, 0)
+
+    def test_exceptions_streams_files_and_threads_work(self):
+        self.check_passes("cpp.cpp")
+
+    def test_what_the_systems_pass_differently_arrives(self):
+        self.check_passes("abi.cpp")
+
+    def check_gives_up(self, word, message, *before):
+        words = [*before, RUNNER, self.build("unknown.c"), word]
+        result = subprocess.run(words, capture_output=True, text=True, check=False)
+        self.assertEqual((result.stderr, result.returncode), (f"macos-run: {message}\n", 99))
+
+    def test_an_unknown_flag_is_named(self):
+        self.check_gives_up("flag", "unknown here: O_ flags 32")
+
+    def test_an_unknown_error_number_is_named(self):
+        if ARCHITECTURE != platform.machine():
+            self.skipTest("a call of an emulated program cannot be made to fail")
+        self.check_gives_up("folder", f"unknown here: error number {errno.ENOKEY}", "strace", "-qq",
+                            "-o", os.devnull, "-e", "inject=mkdir:error=ENOKEY")
+
+    def test_a_function_that_is_not_simulated_is_named(self):
+        self.check_gives_up("function",
+                            "a function that is not simulated was called: _getloadavg")
+
+
+if __name__ == "__main__":
+    RUNNER, ARCHITECTURE, ROOT, LLVM = sys.argv[1:5]
+    unittest.main(argv=sys.argv[:1], verbosity=2)

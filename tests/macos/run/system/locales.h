@@ -1,0 +1,32 @@
+// Locales: a null one is the C locale, -1 the current one, in both systems' own sense.
+#pragma once
+
+#include <locale.h>
+
+namespace lumo::macos {
+
+/// The C locale; lives as long as the process.
+locale_t c_locale();
+
+/// Uses a locale in this thread while it lives.
+class LocaleScope {
+public:
+    explicit LocaleScope(locale_t locale) : before_(::uselocale(locale ? locale : c_locale())) {}
+    ~LocaleScope() { ::uselocale(before_); }
+    LocaleScope(const LocaleScope&) = delete;
+    LocaleScope& operator=(const LocaleScope&) = delete;
+
+private:
+    locale_t before_;
+};
+
+/// NAME_l(arguments..., locale) by NAME(arguments...) while the locale is in use.
+template <auto function, class Result, class... Arguments>
+auto in_locale(Result (*)(Arguments...)) {
+    return +[](Arguments... arguments, locale_t locale) -> Result {
+        const LocaleScope scope(locale);
+        return function(arguments...);
+    };
+}
+
+} // namespace lumo::macos

@@ -1,0 +1,131 @@
+// Processes. A Mac program that is started runs under this program, as the kernel would run it.
+#include "loader/image.h"
+#include "system/system.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace lumo::macos {
+namespace {
+
+bool is_mac_program(const char* path) {
+    std::uint32_t magic = 0;
+    const int file = ::openat(AT_FDCWD, path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    const bool is_read = file >= 0 && ::read(file, &magic, sizeof magic) == sizeof magic;
+    if (file >= 0) {
+        ::close(file);
+    }
+    return is_read && (magic == magic_64 || magic == magic_fat);
+}
+
+/// What runs a Mac program: this one, or the script beside it that has an emulator run it.
+char* runner() {
+    static char self[4096];
+    const ssize_t length = ::readlink("/proc/self/exe", self, sizeof self - 1);
+    self[length > 0 ? length : 0] = 0;
+    if (char* const emulated = std::strstr(self, ".emulated"); emulated && !emulated[9]) {
+        *emulated = 0;
+    }
+    return self;
+}
+
+/// The words of a command with this program before each that is a Mac program: the command itself,
+/// and one that is an argument of a program of this system.
+std::vector<char*> with_this_program(char* const* words) {
+    std::vector<char*> all;
+    for (; *words; ++words) {
+        if (std::strchr(*words, '/') && is_mac_program(*words)) {
+            all.push_back(runner());
+        }
+        all.push_back(*words);
+    }
+    all.push_back(nullptr);
+    return all;
+}
+
+int mac_execv(const char* path, char* const* arguments) {
+    const std::vector<char*> all = with_this_program(arguments);
+    return done(::execv(is_mac_program(path) ? runner() : path, all.data()));
+}
+
+int mac_execvp(const char* name, char* const* arguments) {
+    const std::vector<char*> all = with_this_program(arguments);
+    return std::strchr(name, '/') ? mac_execv(name, arguments) : done(::execvp(name, all.data()));
+}
+
+int mac_fork() {
+    return done(::fork());
+}
+
+int mac_waitpid(int process, int* status, int options) {
+    return done(::waitpid(process, status, options)); // WNOHANG and WUNTRACED are the same
+}
+
+int mac_kill(int process, int signal) {
+    const bool is_same = signal < 16 && signal != SIGBUS && signal != 10 && signal != 12;
+    if (!is_same) {
+        unknown("signal", signal);
+    }
+    return done(::kill(process, signal));
+}
+
+int mac_setuid(uid_t user) {
+    return done(::setuid(user));
+}
+
+int mac_setgid(gid_t group) {
+    return done(::setgid(group));
+}
+
+// GoogleTest counts the threads of its own process.
+unsigned mac_task = 1;
+
+int mac_task_threads(unsigned, void** list, unsigned* count) {
+    *list = nullptr;
+    *count = 1;
+    return 0;
+}
+
+int mac_vm_deallocate(unsigned, std::uintptr_t, std::uintptr_t) {
+    return 0;
+}
+
+// libc++ looks for what reports a crash; there is nothing.
+void* mac_dlopen(const char*, int) {
+    return nullptr;
+}
+
+void* mac_dlsym(void*, const char*) {
+    return nullptr;
+}
+
+const Name names[] = {
+    row("_dlopen", mac_dlopen),
+    row("_dlsym", mac_dlsym),
+    row("_execv", mac_execv),
+    row("_execvp", mac_execvp),
+    row("_fork", mac_fork),
+    row("_waitpid", mac_waitpid),
+    row("_kill", mac_kill),
+    row("_setuid", mac_setuid),
+    row("_setgid", mac_setgid),
+    row("_mach_task_self_", &mac_task),
+    row("_task_threads", mac_task_threads),
+    row("_vm_deallocate", mac_vm_deallocate),
+};
+
+} // namespace
+
+std::span<const Name> process_names() {
+    return names;
+}
+
+} // namespace lumo::macos

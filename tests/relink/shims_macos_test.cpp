@@ -347,7 +347,7 @@ TEST_F(TheShimsOf, OpendirRecordsTheSampleAndOpensNoFileAsAFolder) {
     const int error = errno;
     const relink::Result result = relink::end();
     EXPECT_EQ(opened, nullptr);
-    EXPECT_EQ(error, ENOENT);
+    EXPECT_EQ(error, ENOTDIR);
     ASSERT_EQ(result.relinked.size(), 1u);
     EXPECT_EQ(result.relinked[0].first, gone);
 }

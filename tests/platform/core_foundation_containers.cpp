@@ -223,18 +223,6 @@ TEST(Objects, OfDifferentTypesAreNeverEqual) {
     EXPECT_NE(CFGetTypeID(kCFBooleanTrue), CFNumberGetTypeID());
 }
 
-TEST(Objects, NestedDeeplyAreReleased) {
-    auto outer = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
-    for (int i = 0; i < 100000; ++i) {
-        auto around = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
-        CFArrayAppendValue(around.get(), outer.get());
-        outer = std::move(around);
-    }
-    EXPECT_EQ(CFArrayGetCount(outer.get()), 1);
-    outer.reset();
-    EXPECT_EQ(outer, nullptr);
-}
-
 TEST(Objects, MayBeRetainedAndReadFromManyThreads) {
     const auto shared = numbered(30);
     std::vector<int> sums(4);
@@ -258,12 +246,6 @@ TEST(ObjectsDeathTest, ThatAreNullCannotBeRetainedOrReleased) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(CFRelease(nullptr), "");
     EXPECT_DEATH(CFRetain(nullptr), "");
-}
-
-TEST(ObjectsDeathTest, ArraysEndAtTheirCount) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto array = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
-    EXPECT_DEATH(CFArrayGetValueAtIndex(array.get(), 0), "");
 }
 
 } // namespace

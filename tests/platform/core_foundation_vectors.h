@@ -18,6 +18,10 @@
 
 namespace lumo::test {
 
+/// Whether the project's own CoreFoundation is tested. It promises things that Apple's does not, in
+/// place of some recorded results; of any other library the recorded result is wanted.
+inline constexpr bool is_own_core_foundation = LUMO_OWN_COREFOUNDATION != 0;
+
 /// The deleter of Holder.
 struct Release {
     void operator()(const void* object) const { CFRelease(object); }

@@ -249,7 +249,10 @@ std::string read_with_format(std::string_view bytes) {
     if (!list) {
         return refusal(error);
     }
-    return (format == kCFPropertyListXMLFormat_v1_0 ? "xml " : "binary ") + described(list.get());
+    const char* name = format == kCFPropertyListXMLFormat_v1_0      ? "xml "
+                       : format == kCFPropertyListBinaryFormat_v1_0 ? "binary "
+                                                                    : "openstep ";
+    return name + described(list.get());
 }
 
 Holder<CFPropertyListRef> read_list(std::string_view bytes) {

@@ -17,7 +17,7 @@ std::string described(const Json& record);
 
 /// What reading `bytes` gives, described, or "refused: domain code".
 std::string read_and_describe(std::string_view bytes);
-/// The same, with the format that was recognised in front: "xml " or "binary ".
+/// The same, with the format that was recognised in front: "xml ", "binary " or "openstep ".
 std::string read_with_format(std::string_view bytes);
 
 /// A property list read from `bytes`, which must be one.

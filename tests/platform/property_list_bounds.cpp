@@ -1,0 +1,160 @@
+// What the project's own CoreFoundation promises beyond Apple's: no sharing of values makes a file
+// or the time it takes grow without bound, and no depth stops the process. These tests are no part
+// of a build with another CoreFoundation.
+#include "platform/binary_list_builder.h"
+#include "platform/property_list_text.h"
+
+#include <string>
+#include <utility>
+
+namespace lumo::test {
+namespace {
+
+const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
+
+std::string repeated(const std::string& part, std::size_t times) {
+    std::string whole;
+    for (std::size_t i = 0; i < times; ++i) {
+        whole += part;
+    }
+    return whole;
+}
+
+/// The number of objects in a binary property list.
+unsigned count_of(const std::string& bytes) {
+    return static_cast<unsigned char>(bytes.at(bytes.size() - 17)) +
+           256u * static_cast<unsigned char>(bytes.at(bytes.size() - 18));
+}
+
+/// The first key of the dictionary that is an array's item `index`.
+CFTypeRef key_in(CFPropertyListRef array, CFIndex index) {
+    const void* key = nullptr;
+    const void* dictionary = CFArrayGetValueAtIndex(static_cast<CFArrayRef>(array), index);
+    CFDictionaryGetKeysAndValues(static_cast<CFDictionaryRef>(dictionary), &key, nullptr);
+    return key;
+}
+
+/// An array of so many arrays of 40,000 references each, which all end in the same bytes.
+BinaryList overlapping_arrays(std::size_t count) {
+    const std::string head = "\xAF\x11\x9C\x40"; // as references: 44817 and 40000, which are leaves
+    BinaryList list{.objects = {}, .offset_width = 4, .ref_width = 2};
+    list.objects.push_back("\xAF\x11" + big_endian(count, 2));
+    for (std::size_t i = 1; i <= count; ++i) {
+        list.objects[0] += big_endian(i, 2);
+        list.objects.push_back(head);
+    }
+    list.objects.back() += repeated(big_endian(44999, 2), 40000);
+    list.objects.resize(45000, "\x09");
+    return list;
+}
+
+/// Each array holds the next one twice.
+BinaryList doubling(std::size_t levels) {
+    BinaryList list;
+    for (std::size_t i = 1; i <= levels; ++i) {
+        list.objects.push_back("\xA2" + big_endian(i, 1) + big_endian(i, 1));
+    }
+    list.objects.push_back("\x09");
+    return list;
+}
+
+} // namespace
+
+TEST(PropertyListBounds, AnyDepthIsWritten) {
+    Holder<CFTypeRef> list = array_of({});
+    for (int i = 1; i < 100000; ++i) {
+        list = array_of({list.get()});
+    }
+    const std::string bytes = written(list.get());
+    EXPECT_EQ(bytes.substr(8, 4), "\xA1" + big_endian(1, 3));
+    EXPECT_EQ(bytes.size(), 8 + 99999 * 4 + 1 + 100000 * 3 + 32);
+}
+
+TEST(PropertyListBounds, SharingIsNotWrittenOut) {
+    Holder<CFTypeRef> list = array_of({});
+    for (int i = 0; i < 200; ++i) {
+        list = array_of({list.get(), list.get()});
+    }
+    EXPECT_EQ(count_of(written(list.get())), 201u);
+}
+
+TEST(PropertyListBounds, SharedPartsCountForTheDepthToo) {
+    // Each array holds all the deeper ones, the deepest first, so that none is ever read twice.
+    BinaryList list;
+    for (std::size_t i = 0; i < 200; ++i) {
+        std::string array = "\xAF\x10" + big_endian(199 - i, 1);
+        for (std::size_t j = 199; j > i; --j) {
+            array += big_endian(j, 1);
+        }
+        list.objects.push_back(array);
+    }
+    CFErrorRef error = nullptr;
+    const std::string bytes = list.bytes();
+    const auto data = hold(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                        static_cast<CFIndex>(bytes.size())));
+    EXPECT_TRUE(hold(CFPropertyListCreateWithData(nullptr, data.get(), 0, nullptr, &error)));
+
+    list = nested_arrays(600);
+    std::string all = "\xAF\x11" + big_endian(600, 2);
+    for (std::size_t i = 600; i > 0; --i) {
+        all += big_endian(i, 4);
+    }
+    list.objects.insert(list.objects.begin(), all);
+    for (std::size_t i = 1; i < 600; ++i) {
+        list.objects[i] = "\xA1" + big_endian(i + 1, 4);
+    }
+    EXPECT_EQ(read_and_describe(list.bytes()), refused);
+}
+
+TEST(PropertyListBounds, EqualKeysOfABinaryFileAreOneObject) {
+    const BinaryList file{.objects = {"\xA4\x01\x02\x03\x04", "\xD1\x05\x09", "\xD1\x06\x09",
+                                      "\xD1\x07\x09", "\xD1\x08\x09", "\x52kk",
+                                      std::string{"\x62\0k\0k", 5}, "\x42kk", "\x42kk", "\x09"}};
+    const auto list = read_list(file.bytes());
+    ASSERT_EQ(described(list.get()),
+              R"([{"kk": true}, {"kk": true}, {<6b6b>: true}, {<6b6b>: true}])");
+    EXPECT_EQ(key_in(list.get(), 0), key_in(list.get(), 1));
+    EXPECT_EQ(key_in(list.get(), 2), key_in(list.get(), 3));
+}
+
+TEST(PropertyListBounds, OverlappingContainersDoNotMultiply) {
+    EXPECT_NE(read_and_describe(overlapping_arrays(1).bytes()), refused);
+    EXPECT_EQ(read_and_describe(overlapping_arrays(2000).bytes()), refused);
+}
+
+TEST(PropertyListBounds, ThereAreNotManyMoreObjectsThanBytes) {
+    const auto all_in_one_place = [](std::size_t count) {
+        BinaryList list{.objects = {}, .offset_width = 1, .ref_width = 3};
+        list.objects.resize(count - 1); // these begin where the last one does
+        list.objects.push_back("\x09");
+        return read_and_describe(list.bytes());
+    };
+    EXPECT_EQ(all_in_one_place(65000), "true");
+    EXPECT_EQ(all_in_one_place(66000), refused);
+}
+
+TEST(PropertyListBounds, SharedContainersAreMadeOnce) {
+    const auto list = read_list(doubling(100).bytes());
+    const auto* array = static_cast<CFArrayRef>(list.get());
+    EXPECT_EQ(CFArrayGetValueAtIndex(array, 0), CFArrayGetValueAtIndex(array, 1));
+}
+
+TEST(PropertyListBounds, AnyDepthOfPlistElementsIsRead) {
+    const std::string open = repeated("<plist>", 100000);
+    EXPECT_EQ(read_and_describe(open + "<true/>" + repeated("</plist>", 100000)), "true");
+    EXPECT_EQ(read_and_describe(open), refused);
+}
+
+TEST(PropertyListBounds, ContainersOfAnyDepthAreReleased) {
+    auto outer = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    for (int i = 0; i < 100000; ++i) {
+        auto around = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+        CFArrayAppendValue(around.get(), outer.get());
+        outer = std::move(around);
+    }
+    EXPECT_EQ(CFArrayGetCount(outer.get()), 1);
+    outer.reset();
+    EXPECT_EQ(outer, nullptr);
+}
+
+} // namespace lumo::test

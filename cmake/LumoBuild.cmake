@@ -16,6 +16,11 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release)
 endif()
 
+if(LUMO_LIBCXX) # by GoogleTest as well, so for all that is built here
+  add_compile_options(-stdlib=libc++)
+  add_link_options(-stdlib=libc++)
+endif()
+
 # Warnings and sanitizers, linked by every target of ours and by nobody else.
 add_library(lumo_build_flags INTERFACE)
 target_compile_options(lumo_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion

@@ -101,7 +101,7 @@ bool is_in_home_library(const Components& path) {
     return std::any_of(volumes().begin(), volumes().end(), [&](const Components& volume) {
         const std::size_t first = volume.size();
         if (path.size() < first + 3 ||
-            !std::equal(volume.begin(), volume.end(), path.begin(), path.begin() + first,
+            !std::equal(volume.begin(), volume.end(), path.begin(),
                         [](auto wanted, auto name) { return is_same_name(name, wanted); }) ||
             !is_same_name(path[first + 2], "Library")) {
             return false;

@@ -42,7 +42,7 @@ private:
         if constexpr (std::is_pointer_v<Result>) {
             return nullptr;
         } else {
-            return -1;
+            return static_cast<Result>(-1);
         }
     }
 

@@ -4,6 +4,7 @@
 #include "property_list/xml_values.h"
 
 #include "base/utf8.h"
+#include "property_list/decimal.h"
 
 #include <strings.h>
 
@@ -97,31 +98,6 @@ bool is_decimal(std::string_view text) {
     return text.empty();
 }
 
-/// The value of a decimal that no double holds: zero when its first digit that counts stands behind
-/// the point once the exponent is applied, else infinity.
-double beyond_double(std::string_view decimal) {
-    const std::size_t mark = decimal.find_first_of("eE");
-    const std::string_view mantissa = decimal.substr(0, mark);
-    const std::size_t first = mantissa.find_first_of("123456789");
-    const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
-    if (first == mantissa.npos) {
-        return 0;
-    }
-    bool negative = false;
-    double exponent = 0;
-    if (mark != decimal.npos) {
-        std::string_view digits = decimal.substr(mark + 1);
-        negative = digits[0] == '-';
-        skip_one_of(digits, "+-");
-        for (const char c : digits) {
-            exponent = exponent * 10 + (c - '0');
-        }
-    }
-    const double place = static_cast<double>(point) - static_cast<double>(first);
-    return place + (negative ? -exponent : exponent) > 0 ? std::numeric_limits<double>::infinity()
-                                                         : 0;
-}
-
 /// Days from 2001-01-01 to the first of March of `year`, in the Gregorian calendar on both sides.
 std::int64_t days_to_march(std::int64_t year) {
     const auto floor_div = [](std::int64_t a, std::int64_t b) {
@@ -206,8 +182,8 @@ std::optional<double> parse_real(std::string_view text) {
         value = std::numeric_limits<double>::infinity();
     } else if (!is_decimal(text)) {
         return std::nullopt;
-    } else if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc{}) {
-        value = beyond_double(text);
+    } else {
+        value = nearest_double(text);
     }
     return negative ? -value : value;
 }

@@ -117,6 +117,17 @@ TEST(PropertyListReal, BeyondTheRangeIsInfinityOrZero) {
     EXPECT_EQ(parse_real("0." + std::string(330, '0') + "1e331"), 1.0);
 }
 
+TEST(PropertyListReal, IsTheNearestDouble) {
+    EXPECT_EQ(parse_real("0.1"), 0x1.999999999999ap-4);
+    EXPECT_EQ(parse_real("9007199254740993"), 9007199254740992.0);
+    EXPECT_EQ(parse_real("9007199254740993.0000000000000000000000001"), 9007199254740994.0);
+    EXPECT_EQ(parse_real("1.7976931348623158e308"), std::numeric_limits<double>::max());
+    EXPECT_EQ(parse_real("1.7976931348623159e308"), infinity);
+    EXPECT_EQ(parse_real("2.2250738585072011e-308"), 0x0.fffffffffffffp-1022);
+    EXPECT_EQ(parse_real("2.4703282292062328e-324"), std::numeric_limits<double>::denorm_min());
+    EXPECT_EQ(parse_real("2.4703282292062327e-324"), 0.0);
+}
+
 TEST(PropertyListReal, RefusesOtherNotations) {
     for (const char* text :
          {"", ".", "1.5 ", "1,5", "0x1p3", "1e", "- 1", "+-1", "1.5f", "1.2.3"}) {

@@ -267,8 +267,8 @@ TEST_F(SampleFile, HasTheStatusOfTheErrorThatItMet) {
     };
     write_audio(path, SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     for (const auto& [error, status] : statuses) {
-        EXPECT_EQ(in_child([&, error = error, status = status] {
-                      return refuse({{SYS_openat, error}}) && open_sample(path) == status;
+        EXPECT_EQ(in_child([&, met = error, expected = status] {
+                      return refuse({{SYS_openat, met}}) && open_sample(path) == expected;
                   }),
                   1)
             << error;

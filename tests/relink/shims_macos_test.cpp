@@ -293,6 +293,45 @@ TEST_P(TheShimOf, IsUsedByManyThreads) {
 INSTANTIATE_TEST_SUITE_P(Function, TheShimOf, testing::ValuesIn(shims()),
                          [](const auto& test) { return test.param.name; });
 
+/// A function that gives the status of a file, and the kind of file that it sees in a link to one.
+struct StatusShim {
+    const char* name;
+    mode_t kind;
+    std::function<int(Path, struct stat*)> call;
+};
+
+void PrintTo(const StatusShim& shim, std::ostream* out) {
+    *out << shim.name;
+}
+
+class TheStatusShimOf : public testing::TestWithParam<StatusShim> {};
+
+TEST_P(TheStatusShimOf, SeesALinkAsItsFunctionDoes) {
+    const test::TempFolder folder;
+    test::write_file(folder / "kick.wav", bytes);
+    fs::create_directory(folder / "links");
+    fs::create_symlink(folder / "kick.wav", folder / "links/snare.wav");
+    SampleIndex index;
+    index.add_root((folder / "links").string());
+    struct stat status {};
+    relink::begin(index);
+    EXPECT_EQ(GetParam().call((folder / "gone/snare.wav").c_str(), &status), 0);
+    relink::end();
+    EXPECT_EQ(status.st_mode & S_IFMT, GetParam().kind);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Function, TheStatusShimOf,
+    testing::Values(
+        StatusShim{"stat", S_IFREG, [](Path p, auto* s) { return stat(p, s); }},
+        StatusShim{"stat64", S_IFREG, [](Path p, auto* s) { return stat_64(p, s); }},
+        StatusShim{"lstat", S_IFLNK, [](Path p, auto* s) { return lstat(p, s); }},
+        StatusShim{"lstat64", S_IFLNK, [](Path p, auto* s) { return lstat_64(p, s); }},
+        StatusShim{"fstatat", S_IFREG, [](Path p, auto* s) { return fstatat(AT_FDCWD, p, s, 0); }},
+        StatusShim{"fstatat_of_the_link", S_IFLNK,
+                   [](Path p, auto* s) { return fstatat(AT_FDCWD, p, s, AT_SYMLINK_NOFOLLOW); }}),
+    [](const auto& test) { return test.param.name; });
+
 class TheShimsOf : public TheShimOf {};
 
 TEST_F(TheShimsOf, OpenPassTheModeOn) {
@@ -338,6 +377,18 @@ TEST_F(TheShimsOf, ReadlinkGivesTheTextOfAnIndexedLink) {
     EXPECT_GT(length, 0);
     EXPECT_EQ(std::string(text.data()), (folder / "library/kick.wav").string());
     EXPECT_EQ(result.relinked.size(), 1u);
+}
+
+// The library resolves the link itself, with calls that arrive at its own shims.
+TEST_F(TheShimsOf, AllLeaveALinkThatIsThere) {
+    const test::TempFolder links;
+    fs::create_symlink(folder / "library/kick.wav", links / "snare.wav");
+    relink::begin(index);
+    for (const Shim& shim : shims()) {
+        EXPECT_NO_THROW(shim.has_sample((links / "snare.wav").c_str())) << shim.name;
+    }
+    const relink::Result result = relink::end();
+    EXPECT_TRUE(result.relinked.empty() && result.unresolved.empty());
 }
 
 TEST_F(TheShimsOf, OpendirRecordsTheSampleAndOpensNoFileAsAFolder) {

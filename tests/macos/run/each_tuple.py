@@ -45,7 +45,7 @@ def is_test_of(function, test):
     name = test.split("/")[-1]
     if "TheShimsOf." in name:
         return re.match(r"[A-Z][a-z]*", name.split(".")[1])[0].lower() == function
-    return name == function or name == f"{function}_with_a_folder"
+    return name in (function, f"{function}_with_a_folder", f"{function}_of_the_link")
 
 
 def main():

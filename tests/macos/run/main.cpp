@@ -54,6 +54,7 @@ int main(int argc, char** argv, char** environment) {
     std::string path = std::string("executable_path=") + argv[1];
     char* apple[] = {path.data(), nullptr};
     call_early();
+    allow_thread_variables();
     initialise(program, argc - 1, argv + 1, environment, apple);
     using Main = int(int, char**, char**, char**);
     auto* start = reinterpret_cast<Main*>(program.base + program.entry);

@@ -27,7 +27,7 @@ struct Entry<name> {
 };
 
 const Name names[] = {
-#define NAME(name) {"_" #name, Entry<&name>::address()},
+#define NAME(name) {"_" #name, Entry<&(name)>::address()},
 #include "framework_names.inc"
 #undef NAME
 };

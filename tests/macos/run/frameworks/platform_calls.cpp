@@ -15,7 +15,11 @@
 #include <cstdlib>
 #include <string>
 
+// The linker's names for the real function and the one that it puts in front.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" int __real_open(const char*, int, ...);
+extern "C" int __wrap_open(const char*, int, ...);
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace lumo::macos {
 namespace {
@@ -25,22 +29,30 @@ std::string setting(const char* name, const char* otherwise) {
     return value && *value ? value : otherwise;
 }
 
+/// Makes an early call, for an absent file, if the system has the function.
+template <class Call>
+void expect_absence(const char* function, Call call) {
+    constexpr int no_such_file = 2;
+    if (find_system(std::string("_") + function) && (call() != -1 || mac_errno() != no_such_file)) {
+        give_up("an early call of an absent file did not fail as it should");
+    }
+}
+
 } // namespace
 
 void call_early() {
-    char room[256];
+    alignas(8) char room[4096];
     const char* absent = "/nowhere/early.wav";
-    const int results[] = {open_with("open", absent, 0, 0),
-                           open_with("open$NOCANCEL", absent, 0, 0),
-                           open_with("fopen", absent, 0, 0),
-                           system_call<int(const char*, void*)>("_stat" INODE64)(absent, room),
-                           system_call<int(const char*, void*)>("_lstat" INODE64)(absent, room),
-                           system_call<int(const char*, int)>("_access")(absent, 0)};
-    for (const int result : results) {
-        if (result != -1 || mac_errno() != 2) {
-            give_up("an early call of an absent file did not fail as it should");
-        }
+    for (const char* how : {"open", "open$NOCANCEL", "fopen"}) {
+        expect_absence(how, [&] { return open_with(how, absent, 0, 0); });
     }
+    for (const char* how : {"stat" INODE64, "lstat" INODE64}) {
+        expect_absence(how, [&] {
+            return system_call<int(const char*, void*)>(std::string("_") + how)(absent, room);
+        });
+    }
+    expect_absence("access",
+                   [&] { return system_call<int(const char*, int)>("_access")(absent, 0); });
     mac_errno() = 0;
 }
 
@@ -48,6 +60,7 @@ void call_early() {
 
 using namespace lumo::macos;
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" int __wrap_open(const char* path, int flags, ...) {
     va_list arguments;
     va_start(arguments, flags);

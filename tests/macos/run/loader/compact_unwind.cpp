@@ -43,7 +43,7 @@ private:
         const auto* words = at<std::uint32_t>(index.page + page.entries);
         for (std::uint32_t i = 0; i < page.entry_count; ++i) {
             if (page.kind == 2) {
-                add(words[2 * i], words[2 * i + 1]);
+                add(words[std::size_t{2} * i], words[std::size_t{2} * i + 1]);
                 continue;
             }
             const std::uint32_t number = words[i] >> 24, common = head_.common_encoding_count;

@@ -2,7 +2,6 @@
 #include "loader/parts.h"
 
 #include <cstdint>
-#include <utility>
 
 namespace lumo::macos {
 namespace {
@@ -17,7 +16,8 @@ std::uint64_t uleb(const unsigned char*& at) {
     }
 }
 
-void read_node(Image& image, const unsigned char* trie, std::uint64_t node, std::string name) {
+void read_node(Image& image, const unsigned char* trie, std::uint64_t node,
+               const std::string& name) {
     const unsigned char* at = trie + node;
     const std::uint64_t size = uleb(at);
     const unsigned char* children = at + size;
@@ -29,9 +29,9 @@ void read_node(Image& image, const unsigned char* trie, std::uint64_t node, std:
         image.exports[name] = {image.base + uleb(at), (flags & export_weak) != 0};
     }
     for (int count = *children++; count > 0; --count) {
-        std::string longer = name + reinterpret_cast<const char*>(children);
+        const std::string longer = name + reinterpret_cast<const char*>(children);
         children += longer.size() - name.size() + 1;
-        read_node(image, trie, uleb(children), std::move(longer));
+        read_node(image, trie, uleb(children), longer);
     }
 }
 

@@ -57,14 +57,14 @@ void fix_chain(Image& image, char* at, std::uint16_t format, const std::vector<c
     for (;;) {
         const auto word = as<std::uint64_t>(at);
         const std::uint64_t next = word >> 51 & 0xfff;
-        char* value = nullptr;
+        std::uint64_t value = 0;
         if (word >> 63) {
             char* import = imports.at(word & 0xffffff);
-            value = import ? import + (word >> 24 & 0xff) : nullptr;
+            value = import ? reinterpret_cast<std::uint64_t>(import + (word >> 24 & 0xff)) : 0;
         } else {
             const std::uint64_t target = word & 0xfffffffff, high = word >> 36 & 0xff;
-            value = format == 2 ? image.at(target) : image.base + target;
-            value = reinterpret_cast<char*>(reinterpret_cast<std::uint64_t>(value) | high << 56);
+            char* address = format == 2 ? image.at(target) : image.base + target;
+            value = reinterpret_cast<std::uint64_t>(address) | high << 56;
         }
         std::memcpy(at, &value, sizeof value);
         if (next == 0) {
@@ -86,7 +86,7 @@ void bind(Image& image) {
     const std::vector<char*> imports = resolve_imports(image, data, head);
     const char* starts = data + head.starts_offset;
     for (std::uint32_t i = 0; i < as<std::uint32_t>(starts); ++i) {
-        const auto offset = as<std::uint32_t>(starts + 4 + 4 * i);
+        const auto offset = as<std::uint32_t>(starts + 4 + std::size_t{4} * i);
         if (offset == 0) {
             continue;
         }

@@ -58,6 +58,9 @@ void register_unwind_information(const Image& image);
 /// The address of a variable of the calling thread, for the first word of its descriptor.
 extern "C" void* lumo_thread_variable(ThreadVariable* variable);
 
+/// From here on programs may use thread-local variables; libSystem's initialiser makes them ready.
+void allow_thread_variables();
+
 /// The function or variable that simulates a name of libSystem or a framework, null for none.
 void* find_system(std::string_view name);
 

@@ -42,6 +42,12 @@ bool exists(const std::string& path) {
 /// The file of a library; empty for one that this program simulates.
 
 std::string find_library(const Image& program, const std::string& root, const std::string& name) {
+    if (const char* folder = std::getenv("DYLD_LIBRARY_PATH")) { // one folder
+        std::string path = folder + name.substr(name.rfind('/'));
+        if (exists(path)) {
+            return path;
+        }
+    }
     if (!name.starts_with("@rpath/")) {
         return exists(root + name) ? root + name : "";
     }
@@ -55,7 +61,7 @@ std::string find_library(const Image& program, const std::string& root, const st
                     run_path.replace(0, prefix.size(), folder_of(start));
                 }
             }
-            const std::string path = run_path + name.substr(std::strlen("@rpath"));
+            std::string path = run_path + name.substr(std::strlen("@rpath"));
             if (exists(path)) {
                 return path;
             }

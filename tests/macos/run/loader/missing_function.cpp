@@ -36,11 +36,12 @@ void* missing_function(const char* name) {
     std::memcpy(at + 24, &function, 8);
     __builtin___clear_cache(at, at + size);
 #else
-    std::memcpy(at, "\x48\xbf", 2); // mov rdi, name
+    constexpr unsigned char code[] = {0x48, 0xbf, 0, 0, 0, 0, 0, 0, 0, 0, // mov rdi, name
+                                      0x48, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, // mov rax, function
+                                      0xff, 0xe0};                        // jmp rax
+    std::memcpy(at, code, sizeof code);
     std::memcpy(at + 2, &name, 8);
-    std::memcpy(at + 10, "\x48\xb8", 2); // mov rax, function
     std::memcpy(at + 12, &function, 8);
-    std::memcpy(at + 20, "\xff\xe0", 2); // jmp rax
 #endif
     left -= size;
     return std::exchange(at, at + size);

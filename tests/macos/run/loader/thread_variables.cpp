@@ -12,6 +12,8 @@
 namespace lumo::macos {
 namespace {
 
+bool are_allowed = false;
+
 /// One copy; a thread's copies are a list.
 struct Block {
     const Image* image;
@@ -46,6 +48,9 @@ void free_blocks(void* first) {
 
 /// The calling thread's copy of the image's thread-local part, called by lumo_thread_variable.
 extern "C" char* lumo_thread_block(const Image* image) {
+    if (!are_allowed) {
+        give_up("a thread-local variable was used before libSystem is initialised");
+    }
     static const pthread_key_t key = [] {
         pthread_key_t made = 0;
         ::pthread_key_create(&made, free_blocks);
@@ -60,6 +65,10 @@ extern "C" char* lumo_thread_block(const Image* image) {
     blocks = new Block{image, make_block(*image), blocks};
     ::pthread_setspecific(key, blocks);
     return blocks->bytes;
+}
+
+void allow_thread_variables() {
+    are_allowed = true;
 }
 
 void prepare_thread_variables(Image& image) {

@@ -7,6 +7,7 @@
 #include <map>
 #include <string_view>
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is libgcc's
 extern "C" void __register_frame_table(void* lists);
 
 namespace lumo::macos {
@@ -27,7 +28,7 @@ std::size_t write_common(FrameWriter& out, std::uint64_t personality) {
     out.byte(0);
     out.uleb(1);    // code alignment
     out.byte(0x78); // data alignment, -8
-    out.uleb(dwarf_return);
+    out.uleb(static_cast<std::uint64_t>(dwarf_return));
     out.uleb(personality ? 11 : 1);
     if (personality) {
         out.byte(0);

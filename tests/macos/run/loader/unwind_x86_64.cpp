@@ -7,7 +7,7 @@
 namespace lumo::macos {
 namespace {
 
-constexpr std::uint32_t mode_frame = 0x01000000, mode_fixed = 0x02000000, mode_large = 0x03000000;
+constexpr std::uint32_t mode_frame = 0x01000000, mode_large = 0x03000000;
 constexpr int dwarf_rbp = 6, dwarf_rsp = 7, dwarf_rip = 16;
 /// The registers that functions keep, as compact encodings number them from 1 on.
 constexpr std::array<int, 7> dwarf_number = {-1, 3, 12, 13, 14, 15, dwarf_rbp};
@@ -16,7 +16,7 @@ constexpr std::array<int, 7> dwarf_number = {-1, 3, 12, 13, 14, 15, dwarf_rbp};
 void write_frame_rules(FrameWriter& out, std::uint32_t encoding) {
     out.frame(dwarf_rbp, 16);
     out.saved(dwarf_rbp, 16);
-    const std::uint64_t lowest = 8 * (encoding >> 16 & 0xff);
+    const std::uint64_t lowest = std::uint64_t{8} * (encoding >> 16 & 0xff);
     for (std::uint64_t i = 0; i < 5; ++i) {
         if (const auto saved = encoding >> 3 * i & 7; saved != 0) {
             out.saved(dwarf_number.at(saved), 16 + lowest - 8 * i);
@@ -43,16 +43,17 @@ std::vector<int> saved_registers(std::uint32_t count, std::uint32_t permutation)
 /// A function without a frame pointer; where its frame is large the size stands in its code.
 void write_frameless_rules(FrameWriter& out, const UnwindRecord& record) {
     const std::uint32_t encoding = record.encoding;
-    std::uint64_t size = 8 * (encoding >> 16 & 0xff);
+    std::uint64_t size = std::uint64_t{8} * (encoding >> 16 & 0xff);
     if ((encoding & unwind_mode_mask) == mode_large) {
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the function's code, at its address in memory
+        const auto* code = reinterpret_cast<const char*>(record.start);
         std::uint32_t subtracted = 0;
-        std::memcpy(&subtracted,
-                    reinterpret_cast<const char*>(record.start + (encoding >> 16 & 0xff)), 4);
-        size = subtracted + 8 * (encoding >> 13 & 7);
+        std::memcpy(&subtracted, code + (encoding >> 16 & 0xff), sizeof subtracted);
+        size = subtracted + std::uint64_t{8} * (encoding >> 13 & 7);
     }
     out.frame(dwarf_rsp, size);
     const std::uint32_t count = encoding >> 10 & 7;
-    std::uint64_t below = 8 + 8 * count;
+    std::uint64_t below = 8 + std::uint64_t{8} * count;
     for (const int saved : saved_registers(count, encoding & 0x3ff)) {
         out.saved(dwarf_number.at(static_cast<std::size_t>(saved)), below);
         below -= 8;

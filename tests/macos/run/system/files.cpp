@@ -1,4 +1,5 @@
 // The other functions of files and folders, most of which differ in errno only.
+#include "loader/image.h"
 #include "system/flags.h"
 #include "system/system.h"
 #include "system/variadic.h"
@@ -17,12 +18,21 @@
 namespace lumo::macos {
 namespace {
 
+/// The Mac's realpath is the C library's and looks the path up with lstat, which another library
+/// may have put something in front of.
+char* resolve(const char* path, char* resolved) {
+    using Lstat = int(const char*, void*);
+    alignas(8) char status[256];
+    auto* const lstat = reinterpret_cast<Lstat*>(interposed(find_system("_lstat" INODE64)));
+    return lstat(path, status) < 0 ? nullptr : done(::realpath(path, resolved));
+}
+
 char* mac_realpath(const char* path, char* resolved) {
-    return done(::realpath(path, resolved));
+    return resolve(path, resolved);
 }
 
 char* mac_realpath_extended(const char* path, char* resolved) {
-    return done(::realpath(path, resolved));
+    return resolve(path, resolved);
 }
 
 int mac_fcntl(int file, int command, ...) {

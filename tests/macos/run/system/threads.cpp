@@ -10,9 +10,11 @@
 #include <atomic>
 #include <cstdint>
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the names are glibc's
 extern "C" int __cxa_thread_atexit_impl(void (*)(void*), void*, void*);
 extern "C" int __cxa_atexit(void (*)(void*), void*, void*);
 extern "C" char __dso_handle; // glibc crashes without one
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace lumo::macos {
 namespace {

@@ -89,7 +89,9 @@ void prepare_variables(int argc, char** argv) {
     mac_stderr = stderr;
     program_argc = argc;
     program_argv = argv;
-    std::memcpy(&stack_guard, reinterpret_cast<const void*>(::getauxval(AT_RANDOM)),
+    std::memcpy(&stack_guard,
+                reinterpret_cast<const void*>( // NOLINT(performance-no-int-to-ptr): it is one
+                    ::getauxval(AT_RANDOM)),
                 sizeof stack_guard);
 }
 

@@ -1,0 +1,143 @@
+"""Mutation testing: changes one place of the code, and sees whether a test notices.
+
+usage: script/mutate [FOLDER] [--count N] [--seed N]
+
+Every change is made in a copy of the project, below build/mutate. Of each, the test programs that
+are made of the changed source are built and run, until one fails. A change that none notices is
+printed with its place; CONTRIBUTING.md says what to do about it.
+"""
+
+import argparse
+import collections
+import random
+import sys
+from pathlib import Path
+
+import changes
+import workbench
+
+# Each of these has the same share of the changes.
+SHARES = (("exs",), ("relink",), ("platform", "base"), ("tools",))
+
+
+class Draw:
+    """Draws changes: from each share in turn, of each kind as often, as long as there are any."""
+
+    def __init__(self, tree, sources, shares, seed):
+        self._random = random.Random(seed)
+        self._left = [self._changes_below(tree, sources, folders) for folders in shares]
+
+    @staticmethod
+    def _changes_below(tree, sources, folders):
+        by_kind = collections.defaultdict(list)
+        for name in sorted(sources):
+            if any(Path(name).is_relative_to(folder) for folder in folders):
+                for change in changes.changes_of((tree / name).read_text()):
+                    by_kind[change.kind].append((name, change))
+        return by_kind
+
+    def __iter__(self):
+        while any(self._left):
+            for by_kind in self._left:
+                if by_kind:
+                    yield self._one_of(by_kind)
+
+    def _one_of(self, by_kind):
+        kind = self._random.choice(sorted(by_kind))
+        places = by_kind[kind]
+        drawn = places.pop(self._random.randrange(len(places)))
+        if not places:
+            del by_kind[kind]
+        return drawn
+
+
+class Trial:
+    """Makes changes and counts what became of them."""
+
+    def __init__(self, bench):
+        self.counts = collections.Counter()
+        self._bench = bench
+        self._noticed_by = collections.Counter()  # (folder of the source, program)
+
+    def judge(self, name, change):
+        """What notices the change, "" when nothing does; None when it does not compile."""
+        path = self._bench.tree / name
+        source = path.read_text()
+        try:
+            path.write_text(change.apply(source))
+            verdict = self._verdict(name)
+        finally:
+            path.write_text(source)
+        self.counts["did not compile" if verdict is None else
+                    "noticed" if verdict else "survived"] += 1
+        return verdict
+
+    def _verdict(self, name):
+        for program in self._nearest_first(name):
+            if not self._bench.is_built(program):
+                return None
+            failure = self._bench.failure_of(program)
+            if failure:
+                self._noticed_by[Path(name).parent, program.name] += 1
+                return f"{program.name} {failure}"
+        return ""
+
+    def _nearest_first(self, name):
+        """The programs made of this source: first those that noticed most in its folder, then the
+        quick ones."""
+        able = [program for program in self._bench.programs if name in program.sources]
+        return sorted(able, key=lambda program: (-self._noticed_by[Path(name).parent, program.name],
+                                                 program.wall))
+
+
+def run(project, shares, count, seed, out=sys.stdout, progress=sys.stderr):
+    """Tries `count` changes of the project below the given folders. Returns the counts."""
+    def say(text):
+        print(text, file=progress, flush=True)
+
+    bench = workbench.Workbench(project, project / "build" / "mutate")
+    bench.prepare(say)
+    sources = set().union(*(program.sources for program in bench.programs))
+    trial = Trial(bench)
+    try:
+        for number, (name, change) in zip(range(1, count + 1),
+                                          Draw(bench.tree, sources, shares, seed)):
+            source = (bench.tree / name).read_text()
+            place = f"{name}:{change.line(source)}: {change.describe(source)}"
+            verdict = trial.judge(name, change)
+            say(f"[{number}/{count}] {place} | " +
+                ("does not compile" if verdict is None else verdict or "SURVIVED"))
+            if verdict == "":
+                print(f"survived: {place}", file=out, flush=True)
+    except KeyboardInterrupt:
+        say("stopped")
+    print(", ".join(f"{trial.counts[what]} {what}"
+                    for what in ("noticed", "survived", "did not compile")), file=out)
+    return trial.counts
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="script/mutate", description="Changes one place of the "
+                                     "code at a time and prints the changes that no test notices.")
+    parser.add_argument("folder", nargs="?", metavar="FOLDER",
+                        help="change only what is below it (default: exs, relink, platform with "
+                        "base, and tools in equal parts)")
+    parser.add_argument("--count", type=int, default=40, help="how many changes (default: 40)")
+    parser.add_argument("--seed", type=int, default=1,
+                        help="another one draws other changes (default: 1)")
+    options = parser.parse_args()
+    project = Path(__file__).resolve().parents[2]
+    shares = SHARES
+    if options.folder:
+        folder = (project / options.folder).resolve()
+        if not folder.is_dir() or not folder.is_relative_to(project):
+            parser.error(f"{options.folder} is no folder of the project")
+        shares = ((str(folder.relative_to(project)),),)
+    try:
+        run(project, shares, options.count, options.seed)
+    except workbench.Unusable as error:
+        sys.exit(f"script/mutate: {error}")
+
+
+if __name__ == "__main__":
+    main()

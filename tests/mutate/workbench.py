@@ -1,0 +1,205 @@
+"""A copy of the project that may be broken: its sources, its build, its test programs, and what
+each of them is made of."""
+
+import dataclasses
+import json
+import os
+import resource
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+from pathlib import Path
+
+# A test that needs so many times what it needs without a change, and that much more, hangs. The
+# processor's time is counted, so a busy machine makes no difference; the other limit is for a test
+# that waits for what never comes.
+HANG_FACTOR = 10
+HANG_CPU_SECONDS = 5
+HANG_SECONDS = 120
+LARGEST_MEMORY = 8 << 30
+LARGEST_FILE = 4 << 30
+
+# Tests with this label run the tool thousands of times: too long for every change.
+LEFT_OUT = "faults"
+
+
+class Unusable(Exception):
+    """The project as it is cannot be built or does not pass its tests."""
+
+
+@dataclasses.dataclass
+class Program:
+    """Tests that are run by one command."""
+    name: str
+    command: list
+    environment: dict
+    targets: list           # what must be built for it, below the build folder
+    sources: set = dataclasses.field(default_factory=set)  # what those are made of
+    cpu: float = 0.0        # seconds without a change
+    wall: float = 0.0
+
+
+class Workbench:
+    """The copy of a project, in a folder of its own that the next run finds again."""
+
+    def __init__(self, project, folder):
+        self.tree = folder / "tree"
+        self.build_folder = self.tree / "build" / "dev"
+        self._copy(project)
+        self.programs = []
+
+    def _copy(self, project):
+        """Brings the copy up to date with the project's files, those not committed too; what is
+        the same stays as it is, so that only what has changed is built."""
+        listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others",
+                                 "--exclude-standard"], cwd=project, check=True,
+                                capture_output=True).stdout.decode().split("\0")
+        wanted = {name for name in listed if name and (project / name).is_file()}
+        for name in wanted:
+            source, copy = project / name, self.tree / name
+            if not copy.is_file() or copy.read_bytes() != source.read_bytes():
+                copy.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy(source, copy)
+        for path in self.tree.rglob("*"):
+            name = path.relative_to(self.tree)
+            if path.is_file() and name.parts[0] != "build" and str(name) not in wanted:
+                path.unlink()
+
+    def prepare(self, say):
+        """Builds everything and runs all tests once. Raises Unusable when one fails."""
+        say("building the copy")
+        # A program is not asked for its tests when it is linked: it may hang by then.
+        options = ["-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
+        if shutil.which("ccache"):
+            options.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
+        self._must(["cmake", "--preset", "dev", "-S", self.tree, *options])
+        self._must(["cmake", "--build", self.build_folder])
+        self.programs = self._find_programs()
+        for number, program in enumerate(self.programs, 1):
+            say(f"running the tests without a change: {number} of {len(self.programs)}, "
+                f"{program.name}")
+            failure, program.cpu, program.wall = self._run(program, None)
+            if failure:
+                raise Unusable(f"{program.name} fails without a change: {failure}")
+
+    def _must(self, command):
+        done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                              stderr=subprocess.STDOUT, check=False)
+        if done.returncode != 0:
+            raise Unusable(done.stdout.decode(errors="replace")[-3000:])
+        return done.stdout.decode(errors="replace")
+
+    def _find_programs(self):
+        """All programs of CTest's list; the tests of one GoogleTest program are run as one."""
+        listed = json.loads(self._must(["ctest", "--test-dir", self.build_folder,
+                                        "--show-only=json-v1"]))
+        objects = self._objects()
+        programs = {}
+        for test in listed["tests"]:
+            command = test["command"]
+            properties = {item["name"]: item["value"] for item in test["properties"]}
+            is_whole = any(word.startswith("--gtest_filter=") for word in command)
+            name = Path(command[0]).name if is_whole else test["name"]
+            if name in programs or LEFT_OUT in properties.get("LABELS", []):
+                continue
+            if is_whole:
+                command = [command[0], "--gtest_fail_fast", "--gtest_brief=1"]
+            environment = dict(item.split("=", 1) for item in properties.get("ENVIRONMENT", []))
+            targets = self._built_files([*command, *environment.values()])
+            program = Program(name, command, environment, targets)
+            for target in targets:
+                program.sources |= self._sources_of(target, objects)
+            programs[name] = program
+        return list(programs.values())
+
+    def _built_files(self, words):
+        """Those of the words that are files which the build makes."""
+        known = set(self._ninja("-t", "targets", "all").replace(": ", "\n").split("\n"))
+        below = [os.path.relpath(word, self.build_folder) for word in words
+                 if word.startswith(str(self.build_folder))]
+        return [path for path in below if path in known]
+
+    def _objects(self):
+        """What each object file was compiled from, as the compiler told."""
+        objects, sources = {}, None
+        for line in self._ninja("-t", "deps").split("\n"):
+            if line.startswith("    "):
+                path = Path(os.path.normpath(self.build_folder / line.strip()))
+                if path.is_relative_to(self.tree):
+                    sources.add(str(path.relative_to(self.tree)))
+            elif ": #deps" in line:
+                sources = objects.setdefault(line.split(": #deps")[0], set())
+        return objects
+
+    def _sources_of(self, target, objects):
+        inputs = self._ninja("-t", "inputs", target).split("\n")
+        return set().union(*(objects.get(path, set()) for path in [target, *inputs]))
+
+    def _ninja(self, *words):
+        return self._must(["ninja", "-C", self.build_folder, *words])
+
+    def is_built(self, program):
+        """Builds what a program needs; false when that does not compile."""
+        done = subprocess.run(["cmake", "--build", self.build_folder, "--target",
+                               *(program.targets or ["all"])], stdin=subprocess.DEVNULL,
+                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
+        return done.returncode == 0
+
+    def failure_of(self, program):
+        """Why the program's tests failed; "" when they passed."""
+        return self._run(program, HANG_CPU_SECONDS + HANG_FACTOR * program.cpu)[0]
+
+    def _run(self, program, cpu_limit):
+        """Why it failed, and its seconds of the processor's time and of the clock's."""
+        clock_limit = HANG_SECONDS + HANG_FACTOR * program.wall if cpu_limit else None
+        with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as folder:
+            environment = {**os.environ, **program.environment, "TMPDIR": folder, "HOME": folder}
+            before, began = resource.getrusage(resource.RUSAGE_CHILDREN), time.monotonic()
+            child = subprocess.Popen([*mounts_of_its_own(), *program.command], cwd=folder,
+                                     env=environment, stdin=subprocess.DEVNULL,
+                                     stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                                     start_new_session=True,
+                                     preexec_fn=lambda: set_limits(cpu_limit))
+            try:
+                failure = meaning_of(child.wait(clock_limit))
+            except subprocess.TimeoutExpired:
+                failure = "hangs"
+            finally:
+                end_session(child)
+            after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        cpu = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+        return failure, cpu, time.monotonic() - began
+
+
+def mounts_of_its_own():
+    """In front of a command: what it mounts is gone with it, where that is permitted."""
+    permitted = os.geteuid() == 0 and shutil.which("unshare")
+    return ["unshare", "--mount", "--"] if permitted else []
+
+
+def set_limits(cpu_limit):
+    """The bounds of a test that may do anything."""
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+    resource.setrlimit(resource.RLIMIT_AS, (LARGEST_MEMORY, LARGEST_MEMORY))
+    resource.setrlimit(resource.RLIMIT_FSIZE, (LARGEST_FILE, LARGEST_FILE))
+    if cpu_limit:
+        seconds = int(cpu_limit) + 1
+        resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))
+
+
+def end_session(child):
+    """Ends a program and what it started."""
+    try:
+        os.killpg(child.pid, signal.SIGKILL)
+    except ProcessLookupError:
+        pass
+    child.wait()
+
+
+def meaning_of(status):
+    """What the status of a program that has ended says; "" for success."""
+    if status in (-signal.SIGXCPU, -signal.SIGKILL):
+        return "hangs"
+    return "" if status == 0 else "fails" if status > 0 else f"ends by {signal.Signals(-status).name}"

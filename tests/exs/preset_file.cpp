@@ -1,9 +1,9 @@
 // Reading the bytes of a preset, wherever they come from.
 #include "preset_file.h"
 
+#include "support/descriptors.h"
 #include "support/temp_folder.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -60,13 +60,6 @@ TEST(PresetFile, MayBeAPipe) {
     std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << bytes; });
     EXPECT_EQ(read(pipe), bytes);
     writer.join();
-}
-
-/// The number that the next file to be opened gets.
-int next_descriptor() {
-    const int descriptor = open("/dev/null", O_RDONLY);
-    close(descriptor);
-    return descriptor;
 }
 
 TEST(PresetFile, IsNotLeftOpen) {

@@ -5,6 +5,7 @@
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -113,6 +114,20 @@ TEST(WritePlist, OfWhatCannotBeSerialisedTouchesNothing) {
     EXPECT_FALSE(write_plist(dictionary({{"url", url}}).get(), folder / "new"));
     EXPECT_EQ(read_file(folder / "state"), "as it was");
     EXPECT_FALSE(std::filesystem::exists(folder / "new"));
+}
+
+TEST(WritePlist, LeavesItsFileToWhomTheUmaskSays) {
+    const TempFolder folder;
+    const auto mode_with = [&](mode_t mask) {
+        const mode_t before = umask(mask);
+        EXPECT_TRUE(write_plist(dictionary({}).get(), folder / "state"));
+        umask(before);
+        const auto mode = std::filesystem::status(folder / "state").permissions();
+        std::filesystem::remove(folder / "state");
+        return static_cast<unsigned>(mode);
+    };
+    EXPECT_EQ(mode_with(0), 0666u);
+    EXPECT_EQ(mode_with(027), 0640u);
 }
 
 TEST(WritePlist, SeesThatTheDiskIsFull) {

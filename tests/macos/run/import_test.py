@@ -165,5 +165,5 @@ class Systems(ImportTest):
 
 
 if __name__ == "__main__":
-    RUNNER, MAC_TOOL, LINUX_TOOL = sys.argv[1:4]
+    RUNNER, MAC_TOOL, LINUX_TOOL = (os.path.abspath(path) for path in sys.argv[1:4])
     unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -115,5 +115,5 @@ class Mutants(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    RUNNER, BUILD = sys.argv[1:3]
+    RUNNER, BUILD = (os.path.abspath(path) for path in sys.argv[1:3])
     unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -3,6 +3,7 @@
 #include "frameworks/mutable_string.h"
 
 #include "core_foundation/string.h"
+#include "system/system.h"
 
 #include <utf8proc.h>
 
@@ -74,14 +75,14 @@ CFStringRef CFStringCreateMutableCopy(CFAllocatorRef, CFIndex, CFStringRef strin
 
 void CFStringNormalize(CFStringRef string, long form) {
     if (form != 2) { // kCFStringNormalizationFormC
-        std::abort();
+        lumo::macos::unknown("form of CFStringNormalize", form);
     }
     map(string, UTF8PROC_COMPOSE);
 }
 
 void CFStringFold(CFStringRef string, unsigned long flags, const void*) {
     if (flags != 1) { // kCFCompareCaseInsensitive
-        std::abort();
+        lumo::macos::unknown("flags of CFStringFold", static_cast<long>(flags));
     }
     map(string, UTF8PROC_CASEFOLD);
 }

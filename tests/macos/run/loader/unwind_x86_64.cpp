@@ -40,7 +40,7 @@ std::vector<int> saved_registers(std::uint32_t count, std::uint32_t permutation)
     return saved;
 }
 
-/// A function without a frame pointer; where its frame is large the size stands in its code.
+/// A function without a frame pointer; where its frame is large, the size is in its code.
 void write_frameless_rules(FrameWriter& out, const UnwindRecord& record) {
     const std::uint32_t encoding = record.encoding;
     std::uint64_t size = std::uint64_t{8} * (encoding >> 16 & 0xff);

@@ -43,7 +43,7 @@ struct Tracks {
 
 [[gnu::noinline]] int thrower(int depth) {
     Tracks here;
-    volatile char room[100000]; // a large frame: its size stands in the code
+    volatile char room[100000]; // a large frame: its size is in the code
     room[static_cast<unsigned>(depth) % sizeof room] = 1;
     if (depth == 0) {
         throw std::runtime_error("from below");

@@ -38,38 +38,61 @@ int mac_accessx_np(const AccessDescriptor* paths, size_t, int* errors, uid_t) {
     return 0;
 }
 
+/// What is asked of getattrlist.
+struct AttributeList {
+    std::uint16_t count, reserved;
+    std::uint32_t common, volume, folder, file, fork;
+};
+
 /// Gives no attributes, only whether the file is there.
-int mac_getattrlist(const char* path, void*, void* attributes, size_t size, unsigned long options) {
+int give_no_attributes(int folder, const char* path, const AttributeList& wanted, void* attributes,
+                       size_t size, unsigned long options) {
+    if (const auto any =
+            wanted.common | wanted.volume | wanted.folder | wanted.file | wanted.fork) {
+        unknown("attributes of getattrlist", static_cast<long>(any));
+    }
+    if ((options & ~1ul) != 0) {
+        unknown("options of getattrlist", static_cast<long>(options));
+    }
     struct stat s {};
-    const int result = options & 1 ? ::lstat(path, &s) : ::stat(path, &s);
+    const int result = ::fstatat(folder, path, &s, options == 1 ? AT_SYMLINK_NOFOLLOW : 0);
     if (result == 0 && size >= 4) {
         std::memcpy(attributes, "\4\0\0\0", 4);
     }
     return done(result);
 }
 
-int mac_getattrlistat(int folder, const char* path, void*, void* attributes, size_t size,
-                      unsigned long options) {
-    struct stat s {};
-    const int result =
-        ::fstatat(folder_of(folder), path, &s, options & 1 ? AT_SYMLINK_NOFOLLOW : 0);
-    if (result == 0 && size >= 4) {
-        std::memcpy(attributes, "\4\0\0\0", 4);
-    }
-    return done(result);
+int mac_getattrlist(const char* path, const AttributeList* wanted, void* attributes, size_t size,
+                    unsigned long options) {
+    return give_no_attributes(AT_FDCWD, path, *wanted, attributes, size, options);
 }
 
-ssize_t mac_getxattr(const char* path, const char* name, void* value, size_t size, std::uint32_t,
-                     int) {
+int mac_getattrlistat(int folder, const char* path, const AttributeList* wanted, void* attributes,
+                      size_t size, unsigned long options) {
+    return give_no_attributes(folder_of(folder), path, *wanted, attributes, size, options);
+}
+
+/// Ends the process when an option of an attribute function is set.
+void expect_no_options(std::uint32_t position, int options) {
+    if (position != 0 || options != 0) {
+        unknown("options of an attribute function", options);
+    }
+}
+
+ssize_t mac_getxattr(const char* path, const char* name, void* value, size_t size,
+                     std::uint32_t position, int options) {
+    expect_no_options(position, options);
     return done(::getxattr(path, (std::string("user.") + name).c_str(), value, size));
 }
 
-int mac_setxattr(const char* path, const char* name, const void* value, size_t size, std::uint32_t,
-                 int) {
+int mac_setxattr(const char* path, const char* name, const void* value, size_t size,
+                 std::uint32_t position, int options) {
+    expect_no_options(position, options);
     return done(::setxattr(path, (std::string("user.") + name).c_str(), value, size, 0));
 }
 
-ssize_t mac_listxattr(const char* path, char* names, size_t size, int) {
+ssize_t mac_listxattr(const char* path, char* names, size_t size, int options) {
+    expect_no_options(0, options);
     std::array<char, 65536> all{};
     const ssize_t length = ::listxattr(path, all.data(), all.size());
     ssize_t at = 0;

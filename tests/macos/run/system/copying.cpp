@@ -46,7 +46,10 @@ int mac_fcopyfile(int from, int to, void*, unsigned flags) {
 
 /// A system call on a Mac, so it looks up its paths by itself, where copyfile goes through the
 /// interpose sections.
-int mac_clonefile(const char* from, const char* to, std::uint32_t) {
+int mac_clonefile(const char* from, const char* to, std::uint32_t flags) {
+    if (flags != 0) {
+        unknown("flags of clonefile", flags);
+    }
     const int source = ::openat(AT_FDCWD, from, O_RDONLY | O_CLOEXEC);
     const int copy =
         source < 0 ? -1 : ::openat(AT_FDCWD, to, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);

@@ -21,6 +21,9 @@ namespace {
 locale_t mac_newlocale(int mask, const char* name, locale_t base) {
     constexpr int bits[] = {LC_COLLATE_MASK,  LC_CTYPE_MASK,   LC_MESSAGES_MASK,
                             LC_MONETARY_MASK, LC_NUMERIC_MASK, LC_TIME_MASK};
+    if (mask >> 6 != 0) {
+        unknown("mask of newlocale", mask);
+    }
     int here = 0;
     for (int i = 0; i < 6; ++i) {
         here |= mask >> i & 1 ? bits[i] : 0;
@@ -35,7 +38,10 @@ void mac_freelocale(locale_t locale) {
 char* mac_setlocale(int category, const char* name) {
     constexpr int categories[] = {LC_ALL,     LC_COLLATE, LC_CTYPE,   LC_MONETARY,
                                   LC_NUMERIC, LC_TIME,    LC_MESSAGES};
-    return category >= 0 && category < 7 ? ::setlocale(categories[category], name) : nullptr;
+    if (category < 0 || category >= 7) {
+        unknown("category of setlocale", category);
+    }
+    return ::setlocale(categories[category], name);
 }
 
 struct MacNumbers { // struct lconv, whose fields are in another order from here on

@@ -54,6 +54,9 @@ using Condition = Made<pthread_cond_t>;
 int mac_mutex_init(Mutex* mutex, const MacAttributes* attributes) {
     mutex->signature = mutex_made;
     mutex->here = nullptr;
+    if (attributes && attributes->kind != 0 && attributes->kind != 2) {
+        unknown("kind of mutex", attributes->kind);
+    }
     if (attributes && attributes->kind == 2) { // PTHREAD_MUTEX_RECURSIVE
         pthread_mutexattr_t here;
         ::pthread_mutexattr_init(&here);

@@ -1,6 +1,7 @@
 # What every target of the project shares: the language, warnings, sanitizers, hidden
 # visibility, and one folder for the tool and the library beside it.
 include_guard()
+include(CheckPIESupported)
 include(GNUInstallDirs)
 
 set(CMAKE_CXX_STANDARD 20)
@@ -12,6 +13,7 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+check_pie_supported(LANGUAGES CXX) # so that executables are linked with -pie
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release)
 endif()
@@ -21,13 +23,21 @@ if(LUMO_LIBCXX) # by GoogleTest as well, so for all that is built here
   add_link_options(-stdlib=libc++)
 endif()
 
-# Warnings and sanitizers, linked by every target of ours and by nobody else.
+# Warnings, hardening and sanitizers, linked by every target of ours and by no other.
 add_library(lumo_build_flags INTERFACE)
 target_compile_options(lumo_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   -Wnon-virtual-dtor -Woverloaded-virtual $<$<BOOL:${LUMO_WERROR}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   # g++ 12 warns of overlapping copies inside its own std::string (its bug 105651).
   target_compile_options(lumo_build_flags INTERFACE -Wno-restrict)
+endif()
+# A release is the same bytes whatever folder the sources and the build are in.
+target_compile_options(lumo_build_flags INTERFACE 
+  $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
+if(NOT APPLE AND NOT LUMO_SANITIZE)
+  target_compile_options(lumo_build_flags INTERFACE -fstack-protector-strong
+    $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
+  target_link_options(lumo_build_flags INTERFACE LINKER:-z,relro LINKER:-z,now)
 endif()
 if(LUMO_SANITIZE)
   target_compile_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE}

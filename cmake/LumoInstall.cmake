@@ -3,21 +3,24 @@
 # that uses the library itself:
 #   find_package(lumo-relink REQUIRED)
 #   target_link_libraries(program PRIVATE lumo::relink)
-# Every path is relative to the prefix, so that an installed tree can be moved.
+# The folders are GNUInstallDirs': lib may be lib64 or a folder of Debian's multiarch. With paths
+# relative to the prefix, as they are by default, an installed tree can be moved.
 include_guard()
 include(CMakePackageConfigHelpers)
 
-set(lumo_tool_folder lib/lumo-exs-import)
-set(lumo_package_folder lib/cmake/lumo-relink)
+set(lumo_tool_folder ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME})
+set(lumo_package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/lumo-relink)
 
 install(TARGETS lumo-exs-import RUNTIME DESTINATION ${lumo_tool_folder})
 install(TARGETS lumo_relink EXPORT lumo-relink LIBRARY DESTINATION ${lumo_tool_folder})
-install(DIRECTORY relink/include/ DESTINATION include)
+install(DIRECTORY relink/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
+file(RELATIVE_PATH from_bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/installed-link)
-file(CREATE_LINK ../${lumo_tool_folder}/lumo-exs-import
+file(CREATE_LINK ${from_bin_to_lib}/${PROJECT_NAME}/lumo-exs-import
      ${PROJECT_BINARY_DIR}/installed-link/lumo-exs-import SYMBOLIC)
-install(FILES ${PROJECT_BINARY_DIR}/installed-link/lumo-exs-import DESTINATION bin)
+install(FILES ${PROJECT_BINARY_DIR}/installed-link/lumo-exs-import
+        DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 install(EXPORT lumo-relink NAMESPACE lumo:: FILE lumo-relink-config.cmake
         DESTINATION ${lumo_package_folder})
@@ -27,11 +30,9 @@ install(FILES ${PROJECT_BINARY_DIR}/lumo-relink-config-version.cmake
         DESTINATION ${lumo_package_folder})
 
 configure_file(packaging/lumo-exs-import.1.in ${PROJECT_BINARY_DIR}/lumo-exs-import.1 @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/lumo-exs-import.1 DESTINATION share/man/man1)
+install(FILES ${PROJECT_BINARY_DIR}/lumo-exs-import.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES packaging/completion/lumo-exs-import.bash
-        DESTINATION share/bash-completion/completions RENAME lumo-exs-import)
-install(FILES packaging/completion/_lumo-exs-import DESTINATION share/zsh/site-functions)
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME lumo-exs-import)
+install(FILES packaging/completion/_lumo-exs-import DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
 install(FILES CHANGELOG.md packaging/copyright docs/report-line.md docs/report-line.schema.json
-        DESTINATION share/doc/lumo-exs-import)
-
-include(LumoPackage)
+        DESTINATION ${CMAKE_INSTALL_DOCDIR})

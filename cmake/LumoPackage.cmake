@@ -5,6 +5,7 @@ include_guard()
 set(CPACK_PACKAGE_NAME ${PROJECT_NAME})
 set(CPACK_PACKAGE_VENDOR "the authors of ${PROJECT_NAME}")
 set(CPACK_PACKAGE_CONTACT "the authors of ${PROJECT_NAME} <nobody@localhost>")
+set(CPACK_LUMO_TOOL_FOLDER ${lumo_tool_folder})
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/finish-package.cmake)
 set(CPACK_VERBATIM_VARIABLES ON)
 

@@ -11,7 +11,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
   file(RENAME ${share}/zsh/site-functions ${share}/zsh/vendor-completions)
 elseif(CPACK_LUMO_UNIVERSAL_FILES)
   foreach(name lumo-exs-import liblumo-relink.dylib)
-    file(INSTALL ${CPACK_LUMO_UNIVERSAL_FILES}/${name} DESTINATION ${tree}/lib/lumo-exs-import
+    file(INSTALL ${CPACK_LUMO_UNIVERSAL_FILES}/${name} DESTINATION ${tree}/${CPACK_LUMO_TOOL_FOLDER}
          USE_SOURCE_PERMISSIONS)
   endforeach()
 endif()

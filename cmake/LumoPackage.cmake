@@ -1,5 +1,6 @@
-# Packages of an installation, made by `cmake --build build/release --target package`: a .deb on
-# Linux, a .tar.gz for a Mac, whose folder can be put anywhere. Name and version are the project's.
+# Packages of an installation, made by the target `package`: a .deb on Linux (preset `deb`, which has
+# Debian's folders), a .tar.gz for a Mac, whose folder can be put anywhere. Name and version are the
+# project's.
 include_guard()
 
 set(CPACK_PACKAGE_NAME ${PROJECT_NAME})
@@ -19,8 +20,7 @@ if(APPLE)
 else()
   set(CPACK_GENERATOR DEB)
   set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
-  set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ
-      GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+  set(CPACK_LUMO_LINTIAN_OVERRIDES ${PROJECT_SOURCE_DIR}/packaging/lintian-overrides)
   set(CPACK_STRIP_FILES ON)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEBIAN_PACKAGE_SECTION sound)

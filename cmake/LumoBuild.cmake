@@ -31,14 +31,14 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
   # g++ 12 warns of overlapping copies inside its own std::string (its bug 105651).
   target_compile_options(lumo_build_flags INTERFACE -Wno-restrict)
 endif()
-# A release is the same bytes whatever folder the sources and the build are in.
-target_compile_options(lumo_build_flags INTERFACE 
-  $<$<CONFIG:Release>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>)
-if(NOT APPLE AND NOT LUMO_SANITIZE)
-  target_compile_options(lumo_build_flags INTERFACE -fstack-protector-strong
-    $<$<CONFIG:Release>:-U_FORTIFY_SOURCE> $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
-  target_link_options(lumo_build_flags INTERFACE LINKER:-z,relro LINKER:-z,now)
+# A release is hardened, and the same bytes whatever folder the sources and the build are in.
+set(release_options -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+if(NOT APPLE)
+  list(APPEND release_options -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
+  target_link_options(lumo_build_flags INTERFACE
+    $<$<CONFIG:Release>:LINKER:-z,relro> $<$<CONFIG:Release>:LINKER:-z,now>)
 endif()
+target_compile_options(lumo_build_flags INTERFACE "$<$<CONFIG:Release>:${release_options}>")
 if(LUMO_SANITIZE)
   target_compile_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE}
     -fno-sanitize-recover=all -fno-omit-frame-pointer -g1)

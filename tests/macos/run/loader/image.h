@@ -11,11 +11,13 @@
 
 namespace lumo::macos {
 
+/// What an image offers under a name.
 struct Export {
     void* address;
     bool is_weak;
 };
 
+/// One file in memory. Its commands and names point into that memory, which is never freed.
 struct Image {
     std::string path;
     char* base = nullptr; ///< where the header is, and what offsets count from

@@ -8,6 +8,7 @@
 
 namespace lumo::macos {
 
+/// A name as Mach-O has it, with its underscore, and the function or variable that it means here.
 struct Name {
     const char* name;
     void* function;
@@ -51,6 +52,7 @@ std::span<const Name> file_names();
 std::span<const Name> folder_names();
 std::span<const Name> framework_names();
 std::span<const Name> locale_names();
+std::span<const Name> mutex_names();
 std::span<const Name> opening_names();
 std::span<const Name> printing_names();
 std::span<const Name> process_names();

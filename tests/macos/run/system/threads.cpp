@@ -1,13 +1,9 @@
-// Threads: what a Mac program keeps in its own memory has other sizes and starting values than
-// here, so it holds a pointer to this system's, made at first use.
+// Threads, what belongs to each, and what is called when they or the process end.
 #include "system/system.h"
 
-#include <linux/futex.h>
 #include <pthread.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cstdint>
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the names are glibc's
@@ -18,120 +14,6 @@ extern "C" char __dso_handle; // glibc crashes without one
 
 namespace lumo::macos {
 namespace {
-
-/// A mutex or condition of a Mac program: a signature and room, of which a pointer is used.
-template <class Here>
-struct Made {
-    long signature;
-    std::atomic<Here*> here;
-
-    Here* get() {
-        Here* existing = here.load(std::memory_order_acquire);
-        if (existing) {
-            return existing;
-        }
-        Here* made = new Here{};
-        if (here.compare_exchange_strong(existing, made)) {
-            return made;
-        }
-        delete made;
-        return existing;
-    }
-};
-
-constexpr long once_done = 0x4f4e4345;
-constexpr long mutex_made = 0x32aaaba7;
-constexpr long mutex_destroyed = 0;
-
-struct MacAttributes {
-    long signature;
-    int kind;
-};
-
-using Mutex = Made<pthread_mutex_t>;
-using Condition = Made<pthread_cond_t>;
-
-int mac_mutex_init(Mutex* mutex, const MacAttributes* attributes) {
-    mutex->signature = mutex_made;
-    mutex->here = nullptr;
-    if (attributes && attributes->kind != 0 && attributes->kind != 2) {
-        unknown("kind of mutex", attributes->kind);
-    }
-    if (attributes && attributes->kind == 2) { // PTHREAD_MUTEX_RECURSIVE
-        pthread_mutexattr_t here;
-        ::pthread_mutexattr_init(&here);
-        ::pthread_mutexattr_settype(&here, PTHREAD_MUTEX_RECURSIVE);
-        ::pthread_mutex_init(mutex->get(), &here);
-    }
-    return 0;
-}
-
-int mac_mutex_destroy(Mutex* mutex) {
-    delete mutex->here.exchange(nullptr);
-    mutex->signature = mutex_destroyed;
-    return 0;
-}
-
-int mac_mutex_lock(Mutex* mutex) {
-    if (mutex->signature == mutex_destroyed) {
-        return EINVAL;
-    }
-    return error_result(::pthread_mutex_lock(mutex->get()));
-}
-
-int mac_mutex_trylock(Mutex* mutex) {
-    return error_result(::pthread_mutex_trylock(mutex->get()));
-}
-
-int mac_mutex_unlock(Mutex* mutex) {
-    return error_result(::pthread_mutex_unlock(mutex->get()));
-}
-
-int mac_attributes_init(MacAttributes* attributes) {
-    attributes->kind = 0;
-    return 0;
-}
-
-int mac_attributes_destroy(MacAttributes*) {
-    return 0;
-}
-
-int mac_attributes_settype(MacAttributes* attributes, int kind) {
-    attributes->kind = kind;
-    return 0;
-}
-
-int mac_cond_wait(Condition* condition, Mutex* mutex) {
-    return error_result(::pthread_cond_wait(condition->get(), mutex->get()));
-}
-
-int mac_cond_timedwait(Condition* condition, Mutex* mutex, const timespec* until) {
-    return error_result(::pthread_cond_timedwait(condition->get(), mutex->get(), until));
-}
-
-int mac_cond_signal(Condition* condition) {
-    return error_result(::pthread_cond_signal(condition->get()));
-}
-
-int mac_cond_broadcast(Condition* condition) {
-    return error_result(::pthread_cond_broadcast(condition->get()));
-}
-
-int mac_cond_destroy(Condition* condition) {
-    delete condition->here.exchange(nullptr);
-    return 0;
-}
-
-int mac_once(long* once, void (*function)()) {
-    static pthread_mutex_t mutex = PTHREAD_RECURSIVE_MUTEX_INITIALIZER_NP;
-    ::pthread_mutex_lock(&mutex);
-    if (*once != once_done) {
-        function();
-        *once = once_done;
-    }
-    ::pthread_mutex_unlock(&mutex);
-    return 0;
-}
 
 int mac_create(pthread_t* thread, const void* attributes, void* (*run)(void*), void* argument) {
     if (attributes) {
@@ -175,18 +57,6 @@ int mac_setspecific(unsigned long key, const void* value) {
     return error_result(::pthread_setspecific(static_cast<pthread_key_t>(key), value));
 }
 
-int mac_ulock_wait(std::uint32_t, void* place, std::uint64_t value, std::uint32_t microseconds) {
-    timespec time{microseconds / 1000000, microseconds % 1000000 * 1000L};
-    return done(static_cast<int>(::syscall(SYS_futex, place, FUTEX_WAIT_PRIVATE, value,
-                                           microseconds ? &time : nullptr, nullptr, 0)));
-}
-
-int mac_ulock_wake(std::uint32_t operation, void* place, std::uint64_t) {
-    const int count = operation & 0x100 ? 0x7fffffff : 1; // ULF_WAKE_ALL
-    return done(static_cast<int>(
-        ::syscall(SYS_futex, place, FUTEX_WAKE_PRIVATE, count, nullptr, nullptr, 0)));
-}
-
 int mac_at_exit(void (*function)(void*), void* argument, void*) {
     return ::__cxa_atexit(function, argument, &__dso_handle);
 }
@@ -196,32 +66,11 @@ void mac_at_thread_exit(void (*function)(void*), void* object) {
 }
 
 const Name names[] = {
-    row("_pthread_mutex_init", mac_mutex_init),
-    row("_pthread_mutex_destroy", mac_mutex_destroy),
-    row("_pthread_mutex_lock", mac_mutex_lock),
-    row("_pthread_mutex_trylock", mac_mutex_trylock),
-    row("_pthread_mutex_unlock", mac_mutex_unlock),
-    row("_pthread_mutexattr_init", mac_attributes_init),
-    row("_pthread_mutexattr_destroy", mac_attributes_destroy),
-    row("_pthread_mutexattr_settype", mac_attributes_settype),
-    row("_pthread_cond_wait", mac_cond_wait),
-    row("_pthread_cond_timedwait", mac_cond_timedwait),
-    row("_pthread_cond_signal", mac_cond_signal),
-    row("_pthread_cond_broadcast", mac_cond_broadcast),
-    row("_pthread_cond_destroy", mac_cond_destroy),
-    row("_pthread_once", mac_once),
-    row("_pthread_create", mac_create),
-    row("_pthread_join", mac_join),
-    row("_pthread_detach", mac_detach),
-    row("_pthread_self", mac_self),
-    row("_pthread_mach_thread_np", mac_number),
-    row("_pthread_key_create", mac_key_create),
-    row("_pthread_key_delete", mac_key_delete),
-    row("_pthread_getspecific", mac_getspecific),
-    row("_pthread_setspecific", mac_setspecific),
-    row("___ulock_wait", mac_ulock_wait),
-    row("___ulock_wake", mac_ulock_wake),
-    row("___cxa_atexit", mac_at_exit),
+    row("_pthread_create", mac_create),           row("_pthread_join", mac_join),
+    row("_pthread_detach", mac_detach),           row("_pthread_self", mac_self),
+    row("_pthread_mach_thread_np", mac_number),   row("_pthread_key_create", mac_key_create),
+    row("_pthread_key_delete", mac_key_delete),   row("_pthread_getspecific", mac_getspecific),
+    row("_pthread_setspecific", mac_setspecific), row("___cxa_atexit", mac_at_exit),
     row("__tlv_atexit", mac_at_thread_exit),
 };
 

@@ -19,6 +19,7 @@
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" int __real_open(const char*, int, ...);
 extern "C" int __wrap_open(const char*, int, ...);
+extern "C" int __wrap___open_2(const char*, int);
 // NOLINTEND(bugprone-reserved-identifier)
 
 namespace lumo::macos {
@@ -80,4 +81,10 @@ extern "C" int __wrap_open(const char* path, int flags, ...) {
         errno = linux_error(mac_errno());
     }
     return file;
+}
+
+/// What open is where headers are fortified and the flags are not constant.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+extern "C" int __wrap___open_2(const char* path, int flags) {
+    return __wrap_open(path, flags, 0);
 }

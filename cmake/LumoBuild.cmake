@@ -56,8 +56,11 @@ function(lumo_add_test name)
   add_executable(${name} ${arg_SOURCES})
   target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_test_support GTest::gtest_main
                                         lumo_build_flags lumo_test_flags)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS "${arg_LABELS}")
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 600 PROPERTIES TIMEOUT 1800 LABELS "${arg_LABELS}")
 endfunction()
+
+# What Python's unittest prints when all held but some were skipped; CTest then calls it skipped.
+set(LUMO_PYTHON_SKIPPED "OK \\(skipped=")
 
 # lumo_add_fuzzer(NAME SOURCES... [LIBS ...]): a fuzz target. Without LUMO_FUZZ it is linked
 # with a plain main that replays files, so that it compiles in every build and cannot rot, and its
@@ -77,7 +80,7 @@ function(lumo_add_fuzzer name)
   target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/replay_main.cpp)
   if(EXISTS ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
     add_test(NAME ${name}.corpus COMMAND ${name} ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
-    set_tests_properties(${name}.corpus PROPERTIES TIMEOUT 300 LABELS fuzz)
+    set_tests_properties(${name}.corpus PROPERTIES TIMEOUT 1800 LABELS fuzz)
   endif()
 endfunction()
 

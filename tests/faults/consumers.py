@@ -34,7 +34,7 @@ class Consumers(unittest.TestCase):
         os.close(reading)
         process = subprocess.Popen(self.words, stdout=writing, restore_signals=True)
         os.close(writing)
-        self.assertEqual(process.wait(timeout=60), -signal.SIGPIPE)
+        self.assertEqual(process.wait(timeout=scene.HANG_SECONDS), -signal.SIGPIPE)
         self.assertEqual(self.states_that_are_whole(), 1)
 
     def test_a_full_output_is_passed_over(self):

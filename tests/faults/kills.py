@@ -1,7 +1,12 @@
 #!/usr/bin/env python3
-"""Kills an import of 100 samples at 200 random moments; each time a second run must complete the
-show: every sample whole under its own name, none numbered, and a state that loads."""
+"""Kills an import; the next run must complete the show as if there had been no kill.
 
+The import is killed as it enters a system call, once for each of its calls, so each state of the
+disk between two calls is met. A call that copies many bytes can be killed halfway as well: an
+import of large samples is killed at random moments.
+"""
+
+import os
 import random
 import shutil
 import signal
@@ -9,11 +14,38 @@ import subprocess
 import tempfile
 import time
 import unittest
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import scene
+from traced_import import Stage, can_trace
 
-KILLS, SAMPLES, FRAMES = 200, 100, 16000
+RANDOM_KILLS, SAMPLES, FRAMES = 40, 20, 200000
+
+
+def samples_in(show):
+    """The files in a show's samples folder by path; leftovers of other kinds count as well."""
+    return {path.relative_to(show): data for path, data in scene.contents(show / "samples").items()}
+
+
+def faults_after_kill(stage, call, wanted):
+    """What is wrong after a kill at one call, and after the run that follows it."""
+    show = stage.show(f"{call.name}-{call.number}")
+    prior = scene.contents(show)
+    if stage.run_with_fault(show, call, "signal=SIGKILL").returncode != -signal.SIGKILL:
+        return [f"{call}: was not killed"]
+    faults = [f"{path} is half" for path in scene.files_not_sound(show / "samples", stage.originals)]
+    left = scene.contents(show / "samples")
+    result = stage.run(show)
+    faults += scene.line_faults(result.stdout, show, stage.instruments)
+    if result.stdout.count(b'"ok":true') != len(stage.instruments):
+        faults.append(f"the next run: {result.stdout.decode()}")
+    after = scene.contents(show)
+    faults += [f"{path} changed" for path, data in (prior | left).items() if after.get(path) != data]
+    if samples_in(show) != wanted:
+        faults.append(f"the show holds {sorted(map(str, samples_in(show)))}")
+    shutil.rmtree(show)
+    return [f"{call}: {fault}" for fault in faults]
 
 
 class Kills(unittest.TestCase):
@@ -21,53 +53,49 @@ class Kills(unittest.TestCase):
         temporary = tempfile.TemporaryDirectory()
         self.addCleanup(temporary.cleanup)
         self.folder = Path(temporary.name).resolve()
+
+    @unittest.skipUnless(can_trace(), "strace cannot be used here")
+    def test_killed_at_any_system_call_the_next_run_completes(self):
+        stage = Stage(TOOL, self.folder)
+        calls = stage.calls()
+        whole = stage.show("whole")
+        self.assertEqual(stage.run(whole).stdout.count(b'"ok":true'), len(stage.instruments))
+        wanted = samples_in(whole)
+        with ThreadPoolExecutor(os.cpu_count()) as pool:
+            found = list(pool.map(lambda call: faults_after_kill(stage, call, wanted), calls))
+        names = sorted({call.name for call in calls})
+        print(f"\n{len(calls)} kills at {len(names)} kinds of calls: {', '.join(names)}", flush=True)
+        faults = [fault for faults in found for fault in faults]
+        self.assertEqual(faults, [], "\n" + "\n".join(faults))
+
+    def test_killed_while_bytes_are_copied_the_next_run_completes(self):
         kit = self.folder / "Kit"
         for i in range(SAMPLES):
-            scene.write_wave(kit / f"{i:03}.wav", FRAMES + i, i)
-        self.samples = {path.name: path.read_bytes() for path in kit.iterdir()}
-        self.instrument = self.folder / "Kit.aupreset"
-        scene.write_preset(self.instrument, [kit / name for name in sorted(self.samples)])
-        self.show = self.folder / "Show.lumo"
-        self.words = scene.command(TOOL, self.show, self.show / "states", [self.instrument])
+            scene.write_wave(kit / f"{i:02}.wav", FRAMES + i, i)
+        samples = {Path("samples", "Kit", path.name): path.read_bytes() for path in kit.iterdir()}
+        instrument = self.folder / "Kit.aupreset"
+        scene.write_preset(instrument, sorted(kit.iterdir()))
+        show = self.folder / "Show.lumo"
+        words = scene.command(TOOL, show, show / "states", [instrument])
 
-    def whole_run(self):
-        """Runs to the end; what is wrong with the show then."""
-        result = scene.run(self.words, self.folder)
-        faults = scene.line_faults(result.stdout, self.show, [self.instrument])
-        if b'"ok":true' not in result.stdout:
-            faults.append(result.stdout.decode())
-        return faults
-
-    def placed(self):
-        """The samples in the show by their names; leftovers of other kinds count as well."""
-        return {path.name: data for path, data in scene.contents(self.show / "samples").items()}
-
-    def test_killed_anywhere_the_next_run_completes(self):
         began = time.monotonic()
-        self.assertEqual(self.whole_run(), [])
+        self.assertIn(b'"ok":true', scene.run(words, self.folder).stdout)
         usual = time.monotonic() - began
         moments = random.Random(1)
-        half = damaged = completed = died = 0
-        faults = []
-        for _ in range(KILLS):
-            shutil.rmtree(self.show)
-            process = subprocess.Popen(self.words, stdout=subprocess.DEVNULL, cwd=self.folder)
+        died = 0
+        for _ in range(RANDOM_KILLS):
+            shutil.rmtree(show)
+            process = subprocess.Popen(words, stdout=subprocess.DEVNULL, cwd=self.folder)
             time.sleep(moments.uniform(0, usual))
             process.kill()
             died += process.wait() == -signal.SIGKILL
-            before = self.placed()
-            half += sum(data != self.samples.get(name) for name, data in before.items())
-            run_faults = self.whole_run()
-            after = self.placed()
-            damaged += sum(after.get(name) != data for name, data in before.items())
-            if after != self.samples:
-                run_faults.append(f"the show holds {sorted(set(after) ^ set(self.samples))}")
-            completed += not run_faults
-            faults += run_faults
-        print(f"\n{KILLS} kills ({died} while running): {half} half samples, {damaged} damaged "
-              f"files, {completed} completed second runs", flush=True)
-        self.assertEqual((half, damaged, completed), (0, 0, KILLS), faults[:10])
-        self.assertGreater(died, KILLS // 2, "most kills came too late to tell anything")
+            for path, data in samples_in(show).items():
+                self.assertEqual(data, samples.get(path), f"{path} is half")
+            result = scene.run(words, self.folder)
+            self.assertEqual(scene.line_faults(result.stdout, show, [instrument]), [])
+            self.assertIn(b'"ok":true', result.stdout)
+            self.assertEqual(samples_in(show), samples)
+        print(f"\n{RANDOM_KILLS} kills, {died} while it ran", flush=True)
 
 
 if __name__ == "__main__":

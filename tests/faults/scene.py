@@ -20,6 +20,7 @@ CLASS_INFO = {
                           "00000386 00000000 00000387 00000000"),
 }
 FIRST_WAVEFORM = 0x10000000
+HANG_SECONDS = 300  # long beyond what any run takes on a busy machine
 
 
 def write_wave(path, frames, seed):
@@ -87,9 +88,9 @@ def command(tool, package, states, instruments, search=()):
 
 
 def run(words, folder, **options):
-    """Runs a command and waits for it; its standard output and error are kept."""
+    """Runs a command and waits for it, but not for ever; its standard output and error are kept."""
     return subprocess.run(words, cwd=folder, stdin=subprocess.DEVNULL, capture_output=True,
-                          timeout=20, check=False, **options)
+                          timeout=HANG_SECONDS, check=False, **options)
 
 
 def line_faults(output, package, instruments):

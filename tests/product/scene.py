@@ -26,7 +26,7 @@ def preset_with_samples(target, samples):
 def run(words, **options):
     """Runs a command to its end; its standard output and error are kept as bytes."""
     return subprocess.run([str(word) for word in words], stdin=subprocess.DEVNULL,
-                          stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=120, check=False,
+                          stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=600, check=False,
                           **options)
 
 

@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,14 +17,11 @@ namespace fs = std::filesystem;
 using namespace lumo::test;
 using nlohmann::json;
 
-/// Opens a pipe for writing, once somebody has opened it for reading; -1 when nobody does.
-int open_for_reader(const std::string& pipe) {
-    int writer = -1;
-    for (int i = 0; writer < 0 && i < 2000; ++i) {
-        writer = open(pipe.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
-        std::this_thread::sleep_for(std::chrono::milliseconds(writer < 0 ? 1 : 0));
+/// Returns once all that was written into a pipe has been read.
+void wait_until_read(int pipe) {
+    for (int left = 1; ioctl(pipe, FIONREAD, &left) == 0 && left > 0;) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
-    return writer;
 }
 
 class Output : public ToolTest {
@@ -39,13 +37,15 @@ protected:
 TEST_F(Output, OfAnInstrumentIsThereBeforeTheNextOneIsRead) {
     const std::string slow = (folder / "slow.aupreset").string();
     ASSERT_EQ(mkfifo(slow.c_str(), 0600), 0);
+    // The second preset has its bytes, but no end before this is closed.
+    const int writer = open(slow.c_str(), O_RDWR | O_CLOEXEC);
+    const std::string preset = preset_text({});
+    ASSERT_EQ(write(writer, preset.data(), preset.size()), static_cast<ssize_t>(preset.size()));
     Pipe out;
     ChildProcess tool(command({make_preset("fast.aupreset"), slow}), out.writing_end);
     out.close_writing_end();
     EXPECT_EQ(json::parse(out.read_line())["name"], "fast");
-    const int writer = open_for_reader(slow);
-    const std::string preset = preset_text({});
-    EXPECT_EQ(write(writer, preset.data(), preset.size()), static_cast<ssize_t>(preset.size()));
+    wait_until_read(writer); // closed sooner, with the tool still to open it, it would lose them
     close(writer);
     const json second = json::parse(out.read_line());
     EXPECT_EQ(second["name"], "slow");

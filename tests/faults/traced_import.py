@@ -1,0 +1,96 @@
+"""One small import under strace: its system calls, and the import again with a fault at one of
+them."""
+
+import os
+import re
+import shutil
+import subprocess
+from dataclasses import dataclass
+
+import scene
+
+# Memory and threads. They leave the disk as it is, and without memory nothing is promised.
+PASSED_OVER = {"brk", "mmap", "munmap", "mprotect", "mremap", "madvise", "futex", "rt_sigreturn",
+               "getrandom"}
+
+
+def can_trace():
+    """Whether strace is here and may trace."""
+    return bool(shutil.which("strace")) and subprocess.run(
+        ["strace", "-o", os.devnull, "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0
+
+
+@dataclass(frozen=True)
+class Call:
+    """A system call of the import."""
+    name: str
+    number: int  # among the calls of this name
+    is_report: bool  # the report line's own write
+
+    def __str__(self):
+        return f"{self.name} #{self.number}"
+
+
+class Stage:
+    """The import's input, and a fresh copy of its show for each run. An EXS instrument and a preset
+    are imported, with a sample that moved and a name that is taken."""
+
+    def __init__(self, tool, folder):
+        self.tool = tool
+        self.folder = folder
+        self.input = folder / "input"
+        scene.write_wave(self.input / "Kit" / "kick.wav", 300, 1)
+        scene.write_wave(self.input / "Kit" / "snare.wav", 400, 2)
+        scene.write_wave(self.input / "Moved" / "hat.wav", 500, 3)
+        self.originals = set(scene.contents(self.input).values())
+        scene.write_exs(self.input / "One.exs", [self.input / "Kit" / "kick.wav",
+                                                 "/nowhere/Moved/hat.wav"])
+        scene.write_preset(self.input / "Two.aupreset", [self.input / "Kit" / "snare.wav",
+                                                         self.input / "Kit" / "kick.wav"])
+        self.instruments = [self.input / "One.exs", self.input / "Two.aupreset"]
+        show = folder / "prior"
+        scene.write_wave(show / "samples" / "Kit" / "kick.wav", 77, 4)
+        (show / "states").mkdir()
+        (show / "states" / "One.aupreset").write_bytes(b"what was there")
+        self.originals.add((show / "samples" / "Kit" / "kick.wav").read_bytes())
+
+    def show(self, name):
+        """A copy of the prior show."""
+        show = self.folder / name
+        shutil.copytree(self.folder / "prior", show)
+        return show
+
+    def command(self, show):
+        return scene.command(self.tool, show, show / "states", self.instruments)
+
+    def run(self, show):
+        """The whole import."""
+        return scene.run(self.command(show), self.folder)
+
+    def run_with_fault(self, show, call, fault):
+        """The import with a fault, as strace names it, at one call."""
+        return scene.run(["strace", "-f", "-qq", "-o", os.devnull, "-e", f"trace={call.name}",
+                          "-e", f"inject={call.name}:{fault}:when={call.number}",
+                          *self.command(show)], self.folder)
+
+    def calls(self):
+        """The system calls of the whole import in order, from where the arguments are checked."""
+        show = self.show("traced")
+        trace = self.folder / "trace"
+        result = scene.run(["strace", "-f", "-o", trace, *self.command(show)], self.folder)
+        assert result.returncode == 0, result.stderr.decode()
+        counts, calls, started = {}, [], False
+        for line in trace.read_text(errors="replace").splitlines():
+            match = re.match(r"\d+ +(\w+)\(", line)
+            if not match:
+                continue
+            name = match[1]
+            counts[name] = counts.get(name, 0) + 1
+            # The first thing after that is the walk over the instruments' folder.
+            started = started or (name == "openat" and f'"{self.input}/"' in line)
+            if started and name not in PASSED_OVER:
+                is_report = name == "write" and line.split("(", 1)[1].startswith("1,")
+                calls.append(Call(name, counts[name], is_report))
+        assert calls, "the walk over the instruments' folder was not seen"
+        shutil.rmtree(show)
+        return calls

@@ -5,6 +5,7 @@
 
 #include "child_usage.h"
 #include "paired_time.h"
+#include "support/loop_volume.h"
 #include "support/temp_folder.h"
 
 #include <fcntl.h>
@@ -13,7 +14,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -36,39 +36,6 @@ struct VolumeRow {
 struct Amount {
     int files = 1000; ///< samples of a copy
     int rounds = 7;
-};
-
-/// A fresh, mounted volume, or none where that is not possible.
-class LoopVolume {
-public:
-    LoopVolume(const fs::path& folder, const std::string& kind, std::uintmax_t bytes)
-        : mount_(folder / "volume") {
-        const fs::path image = folder / "image";
-        std::ofstream(image).close();
-        fs::resize_file(image, bytes);
-        fs::create_directory(mount_);
-        is_mounted_ = run("mkfs." + kind + " " + image.string()) &&
-                      run("mount -o loop " + image.string() + " " + mount_.string());
-    }
-    ~LoopVolume() {
-        if (is_mounted_) {
-            run("umount " + mount_.string());
-        }
-    }
-    LoopVolume(const LoopVolume&) = delete;
-    LoopVolume& operator=(const LoopVolume&) = delete;
-
-    bool is_mounted() const { return is_mounted_; }
-    /// The root of the volume; a plain empty folder when it is not mounted.
-    const fs::path& path() const { return mount_; }
-
-private:
-    static bool run(const std::string& command) {
-        return std::system((command + " >/dev/null 2>&1").c_str()) == 0;
-    }
-
-    fs::path mount_;
-    bool is_mounted_ = false;
 };
 
 /// Writes `count` files of the same bytes and gives their names.
@@ -141,7 +108,7 @@ inline void compare_on_volume(const VolumeRow& row, const Amount& amount, const 
     const std::string name = work + ", " + std::to_string(amount.files) + " samples of " +
                              row.size_text + " on " + row.volume;
     const std::uintmax_t data = static_cast<std::uintmax_t>(amount.files) * row.size;
-    const LoopVolume volume(folder.path(), row.volume, 2 * data + (std::uintmax_t{1} << 30));
+    const test::LoopVolume volume(folder.path(), row.volume, 2 * data + (std::uintmax_t{1} << 30));
     if (volume.is_mounted()) {
         measure(volume.path()).print(name, row.goal);
     } else if (std::string(row.volume) == "ext4") {

@@ -13,7 +13,7 @@ namespace lumo::exs::relink {
 namespace {
 
 /// How many samples ahead the memory is asked for that a sample is read from.
-constexpr std::size_t ahead = 8;
+constexpr std::size_t samples_ahead = 8;
 
 /// Makes room for `count` more keys; grows by half the size or more, so that roots may be many.
 void make_room(SampleIndex& index, std::size_t count) {
@@ -40,8 +40,8 @@ void FoundSamples::move_into(SampleIndex& index, const std::string& root) {
     }
     std::string key;
     for (std::size_t i = 0; i < places.size(); ++i) {
-        if (i + ahead < places.size()) {
-            prefetch(places[i + ahead]);
+        if (i + samples_ahead < places.size()) {
+            prefetch(places[i + samples_ahead]);
         }
         const Folder& folder = folders_[places[i].folder];
         const std::string_view name = name_at(places[i]);
@@ -81,8 +81,8 @@ bool FoundSamples::is_any_of(const std::string& root, const std::vector<Place>& 
     std::string key;
     const std::vector<SampleIndex::Entry>* looked_through = nullptr;
     for (std::size_t i = 0; i < places.size(); ++i) {
-        if (i + ahead < places.size()) {
-            prefetch(places[i + ahead]);
+        if (i + samples_ahead < places.size()) {
+            prefetch(places[i + samples_ahead]);
         }
         make_key(name_at(places[i]), key);
         const auto found = index.files.find(key);

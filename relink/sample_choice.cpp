@@ -70,7 +70,7 @@ std::size_t count_shared(std::string_view path, std::string_view recorded) {
 
 /// How many candidates ahead the memory is asked for: a path lies anywhere, and waiting for it
 /// takes longer than to compare it.
-constexpr std::size_t ahead = 8;
+constexpr std::size_t candidates_ahead = 8;
 
 void prefetch_end(const std::string& path) {
     __builtin_prefetch(path.data() + path.size());
@@ -115,8 +115,8 @@ const SampleIndex::Entry& choose(const std::vector<SampleIndex::Entry>& entries,
     std::size_t most = 0;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const SampleIndex::Entry& entry = entries[i];
-        if (i + ahead < entries.size()) {
-            prefetch_end(entries[i + ahead].path);
+        if (i + candidates_ahead < entries.size()) {
+            prefetch_end(entries[i + candidates_ahead].path);
         }
         const std::size_t shared = count_shared(entry.path, folders);
         if (shared > most) {

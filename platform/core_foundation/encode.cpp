@@ -97,9 +97,10 @@ Bytes bytes_of(char32_t value, CFStringEncoding encoding, std::uint8_t loss_byte
 }
 
 /// A place to write bytes to, or, without one, only a count of them.
-class Output {
+class BoundedOutput {
 public:
-    Output(std::uint8_t* out, std::size_t room) : at_{out}, left_{out == nullptr ? ~0ULL : room} {}
+    BoundedOutput(std::uint8_t* out, std::size_t room)
+        : at_{out}, left_{out == nullptr ? ~0ULL : room} {}
 
     /// Whether all the bytes fitted; otherwise none is written.
     bool put(const void* bytes, std::size_t count) noexcept {
@@ -129,7 +130,7 @@ private:
 Encoded encode(const String& string, std::size_t first, std::size_t last, CFStringEncoding encoding,
                std::uint8_t loss_byte, bool is_external, std::uint8_t* out,
                std::size_t room) noexcept {
-    Output output{out, room};
+    BoundedOutput output{out, room};
     const bool is_utf8 = encoding == kCFStringEncodingUTF8;
     if (string.is_ascii() && (is_utf8 || encoding == kCFStringEncodingASCII)) {
         const std::size_t count = std::min(last - first, output.left());

@@ -15,7 +15,7 @@
 namespace lumo::platform {
 namespace {
 
-char16_t unit_at(const String& string, std::size_t at) {
+char16_t utf16_unit(const String& string, std::size_t at) {
     return string.is_ascii() ? static_cast<char16_t>(string.ascii()[at]) : string.utf16()[at];
 }
 
@@ -26,8 +26,8 @@ bool precedes(const String& a, const String& b) {
     }
     const std::size_t shared = std::min(a.length, b.length);
     for (std::size_t i = 0; i < shared; ++i) {
-        if (unit_at(a, i) != unit_at(b, i)) {
-            return unit_at(a, i) < unit_at(b, i);
+        if (utf16_unit(a, i) != utf16_unit(b, i)) {
+            return utf16_unit(a, i) < utf16_unit(b, i);
         }
     }
     return a.length < b.length;

@@ -1,6 +1,8 @@
 // Audio files for tests: real ones made by libsndfile, and beginnings of those it does not write.
 #pragma once
 
+#include <sndfile.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
@@ -8,6 +10,9 @@
 #include <string_view>
 
 namespace lumo::test {
+
+/// The format of libsndfile that most samples have.
+constexpr int wav = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
 /// Writes a tenth of a second of a tone in a format of libsndfile (SF_FORMAT_...), 44.1 kHz mono.
 /// Fails the test when it cannot.

@@ -7,8 +7,6 @@
 namespace lumo::test {
 namespace {
 
-constexpr OSStatus parameter_error = -50;
-
 AudioComponent find(AudioComponentDescription description, AudioComponent after = nullptr) {
     return AudioComponentFindNext(after, &description);
 }

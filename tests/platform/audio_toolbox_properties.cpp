@@ -10,7 +10,6 @@
 namespace lumo::test {
 namespace {
 
-constexpr OSStatus parameter_error = -50;
 constexpr AudioUnitPropertyID class_info = kAudioUnitProperty_ClassInfo;
 constexpr AudioUnitPropertyID load_instrument = kAUSamplerProperty_LoadInstrument;
 constexpr AudioUnitPropertyID unknown = 4711;

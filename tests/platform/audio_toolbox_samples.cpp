@@ -18,10 +18,6 @@ namespace {
 
 using Paths = std::vector<std::string>;
 
-constexpr OSStatus not_found = -43;
-constexpr OSStatus not_audio = 1954115647;
-constexpr int wav = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
-
 std::string entry(const std::string& key, const std::string& path) {
     return "<key>" + key + "</key><string>" + path + "</string>";
 }

@@ -24,7 +24,6 @@ using namespace std::string_literals;
 namespace lumo::test {
 namespace {
 
-constexpr copyfile_flags_t usual = COPYFILE_ALL | COPYFILE_CLONE;
 constexpr const char* acl_name = "system.posix_acl_access";
 
 struct stat status_of(const fs::path& path) {
@@ -74,7 +73,7 @@ protected:
         fs::create_directory(show);
         write_file(from, "bytes");
     }
-    int copy(copyfile_flags_t flags = usual) const {
+    int copy(copyfile_flags_t flags = COPYFILE_ALL | COPYFILE_CLONE) const {
         return copyfile(from.c_str(), to.c_str(), nullptr, flags) == 0 ? 0 : errno;
     }
     /// Copies in a process of a user without rights; who is not the superuser has none anyway.

@@ -9,8 +9,6 @@ namespace {
 
 using namespace std::string_literals;
 
-const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
-
 std::string read_objects(const std::vector<std::string>& objects) {
     return read_and_describe(BinaryList{.objects = objects}.bytes());
 }

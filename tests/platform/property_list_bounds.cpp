@@ -10,8 +10,6 @@
 namespace lumo::test {
 namespace {
 
-const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
-
 std::string repeated(const std::string& part, std::size_t times) {
     std::string whole;
     for (std::size_t i = 0; i < times; ++i) {

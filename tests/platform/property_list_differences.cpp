@@ -16,8 +16,6 @@ namespace {
 
 using namespace std::string_literals;
 
-const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
-
 /// The number of objects in a binary property list.
 unsigned count_of(const std::string& bytes) {
     return static_cast<unsigned char>(bytes.at(bytes.size() - 17)) +

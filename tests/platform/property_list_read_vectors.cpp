@@ -6,8 +6,6 @@
 namespace lumo::test {
 namespace {
 
-const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
-
 void compare_reading(const Json& record, const std::string& row, ConformanceTable& table) {
     if (record.contains("unspecified")) {
         return;

@@ -15,6 +15,11 @@ std::string described(CFTypeRef list);
 /// The same of a property list as the recorded results tell it.
 std::string described(const Json& record);
 
+/// What read_and_describe gives for bytes that are no property list.
+inline const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
+/// What written gives for an object that a property list cannot hold.
+inline const std::string not_written = "refused: \"NSCocoaErrorDomain\" 3851";
+
 /// What reading `bytes` gives, described, or "refused: domain code".
 std::string read_and_describe(std::string_view bytes);
 /// The same, with the format that was recognised in front: "xml ", "binary " or "openstep ".

@@ -7,8 +7,6 @@
 namespace lumo::test {
 namespace {
 
-const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
-
 std::string nested(const std::string& open, const std::string& close, std::size_t depth,
                    const std::string& inside = "") {
     std::string text;

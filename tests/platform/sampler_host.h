@@ -13,6 +13,11 @@ namespace lumo::test {
 
 using platform::Ref;
 
+/// Statuses that tests expect, as numbers.
+constexpr OSStatus parameter_error = -50;
+constexpr OSStatus not_found = -43;
+constexpr OSStatus not_audio = 1954115647; // 'typ?'
+
 /// The description of the sampler.
 AudioComponentDescription sampler_description();
 

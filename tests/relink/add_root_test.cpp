@@ -1,10 +1,10 @@
 // What a walk brings into the index.
+#include "index_paths.h"
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <type_traits>
 
 namespace lumo::exs {
@@ -14,18 +14,6 @@ namespace fs = std::filesystem;
 using test::TempFolder;
 using test::write_file;
 using Paths = std::vector<std::string>;
-
-/// All paths of an index, sorted.
-Paths paths_of(const SampleIndex& index) {
-    Paths paths;
-    for (const auto& [key, entries] : index.files) {
-        for (const SampleIndex::Entry& entry : entries) {
-            paths.push_back(entry.path);
-        }
-    }
-    std::sort(paths.begin(), paths.end());
-    return paths;
-}
 
 /// The paths that `root` brings, without `root` and the slash behind it.
 Paths walk(const fs::path& root) {

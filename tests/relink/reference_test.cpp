@@ -1,5 +1,6 @@
 // Random trees, walked and searched by the library and by a plain program that follows the same
 // rules without any thought of speed.
+#include "index_paths.h"
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
 
@@ -187,17 +188,6 @@ std::string draw_recorded(Random& random) {
         path += pick(random, folder_names()) + (random() % 8 == 0 ? "//" : "/");
     }
     return path + pick(random, file_names());
-}
-
-Paths paths_of(const SampleIndex& index) {
-    Paths paths;
-    for (const auto& [key, entries] : index.files) {
-        for (const SampleIndex::Entry& entry : entries) {
-            paths.push_back(entry.path);
-        }
-    }
-    std::sort(paths.begin(), paths.end());
-    return paths;
 }
 
 class RandomTree : public testing::TestWithParam<unsigned> {};

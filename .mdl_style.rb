@@ -1,0 +1,6 @@
+# How the pages are written, as `mdl` checks it: numbered lists count, paragraphs are wrapped at 100
+# columns (tables and code are as wide as they need), commands are indented and other code is fenced.
+all
+rule "MD013", line_length: 100, tables: false, ignore_code_blocks: true
+rule "MD029", style: :ordered
+exclude_rule "MD046"

@@ -94,7 +94,8 @@ def glass_chimes(folder):
     # output volume, polyphony, pitch bend, filter (off, open), the amplifier's release
     settings = parameters({7: -3, 5: 24, 3: 2, 4: -1, 44: 0, 30: 1000, 85: 48})
     counts = [0, len(zones), len(groups), 3, 1] + 15 * [0]
-    return b"".join([instrument("Glass Chimes", counts), *zones, *groups, soft, hard, breath, settings])
+    samples = [soft, hard, breath]
+    return b"".join([instrument("Glass Chimes", counts), *zones, *groups, *samples, settings])
 
 
 def main():

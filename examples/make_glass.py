@@ -35,7 +35,8 @@ def strike(brightness):
         onset = min(1.0, t / 0.002)
         fade = min(1.0, (0.6 - t) / 0.02)
         yield onset * fade * sum(
-            level * brightness**order * math.exp(-decay * t) * math.sin(2 * math.pi * 440 * ratio * t)
+            level * brightness**order * math.exp(-decay * t)
+            * math.sin(2 * math.pi * 440 * ratio * t)
             for order, (ratio, level, decay) in enumerate(partials)
         )
 

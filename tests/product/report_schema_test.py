@@ -82,7 +82,8 @@ class ReportLines(SceneTest):
         self.assertTrue(any(layer["onRelease"] for layer in report["shape"]["layers"]))
 
     def test_of_a_whole_run_with_failures(self):
-        unresolved = preset_with_samples(self.folder / "a/Gone.aupreset", ["/gone/\u00e9 \"1\".wav"])
+        unresolved = preset_with_samples(self.folder / "a/Gone.aupreset",
+                                         ["/gone/\u00e9 \"1\".wav"])
         apple = preset_with_samples(self.folder / "a/Apple.aupreset",
                                     ["/Library/Application Support/Logic/1.caf"])
         not_a_list = self.folder / "a/Array.aupreset"
@@ -142,7 +143,8 @@ class ReportLines(SceneTest):
 
     def test_of_a_sample_that_vanishes_after_loading(self):
         sample = self.glass / "breath.wav"
-        found = preset_with_samples(self.folder / "Found.aupreset", sorted(self.glass.glob("*.wav")))
+        found = preset_with_samples(self.folder / "Found.aupreset",
+                                    sorted(self.glass.glob("*.wav")))
         self.assertEqual(self.error_when_gone(found, sample, 2),
                          "a sample wasn't found after loading: breath.wav")
 

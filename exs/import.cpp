@@ -14,7 +14,6 @@
 #include <filesystem>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace lumo::exs {
 namespace fs = std::filesystem;
@@ -61,22 +60,10 @@ OSStatus load_exs(AudioUnit sampler, const SampleIndex& index, Report& report) {
     return load_in_session(index, report.relink, [&] { return set_exs(sampler, url.get()); });
 }
 
-Ref<CFDataRef> file_data(const std::string& path) {
-    const std::vector<UInt8> bytes = read_preset(path);
-    return Ref<CFDataRef>::adopt(
-        CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
-}
-
-Ref<CFPropertyListRef> file_list(const std::string& path) {
-    const Ref<CFDataRef> data = file_data(path);
-    return Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
-}
-
 /// The status of the load; nothing, with the error set, when the file is no preset.
 std::optional<OSStatus> load_preset(AudioUnit sampler, const SampleIndex& index, Report& report) {
-    const Ref<CFPropertyListRef> preset = file_list(report.source);
-    if (!preset || CFGetTypeID(preset.get()) != CFDictionaryGetTypeID()) {
+    const Ref<CFPropertyListRef> preset = read_dictionary(report.source);
+    if (!preset) {
         report.error = "the preset isn't a property list";
         return std::nullopt;
     }

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
+#include <utility>
 
 namespace lumo::exs {
 namespace {
@@ -86,6 +87,16 @@ std::vector<unsigned char> read_preset(const std::string& path) {
         }
     }
     return {};
+}
+
+Ref<CFPropertyListRef> read_dictionary(const std::string& path) {
+    const std::vector<unsigned char> bytes = read_preset(path);
+    const auto data = Ref<CFDataRef>::adopt(
+        CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    auto list = Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
+        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+    return list && CFGetTypeID(list.get()) == CFDictionaryGetTypeID() ? std::move(list)
+                                                                      : Ref<CFPropertyListRef>();
 }
 
 } // namespace lumo::exs

@@ -1,8 +1,8 @@
 // The shape of a sampler state: how many zones its layers have, which keys they cover, and how
 // much the layers that sound on every note lie on top of one another.
 #include "coverage.h"
-#include "property_list.h"
-#include <lumo/exs.h>
+#include "state_walk.h"
+#include <lumo/state.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -11,45 +11,6 @@
 
 namespace lumo::exs {
 namespace {
-
-constexpr std::int32_t release_trigger = 12; // "trigger mode" of a layer that sounds on release
-
-/// Calls `visit` with each dictionary of an array (null: none); other elements are passed over.
-template <typename Visit>
-void for_each_dictionary(CFArrayRef array, Visit visit) {
-    const CFIndex count = array ? CFArrayGetCount(array) : 0;
-    for (CFIndex i = 0; i < count; ++i) {
-        const CFTypeRef element = CFArrayGetValueAtIndex(array, i);
-        if (CFGetTypeID(element) == CFDictionaryGetTypeID()) {
-            visit(static_cast<CFDictionaryRef>(element));
-        }
-    }
-}
-
-void describe_zone(CFDictionaryRef zone, Shape::Layer& layer, Coverage& coverage) {
-    layer.zones += 1;
-    layer.looped_zones += integer(zone, "loop enabled", 0) != 0 ? 1 : 0;
-    if (integer(zone, "enabled", 1) == 0) {
-        return;
-    }
-    const std::int32_t low_key = std::max(integer(zone, "min key", 0), 0);
-    const std::int32_t high_key = std::min(integer(zone, "max key", 127), 127);
-    const std::int32_t low_velocity = std::max(integer(zone, "min vel", 0), 1);
-    const std::int32_t high_velocity = std::min(integer(zone, "max vel", 127), 127);
-    if (low_key <= high_key && low_velocity <= high_velocity) {
-        cover(coverage, low_key, high_key, low_velocity, high_velocity);
-    }
-}
-
-Shape::Layer describe_layer(CFDictionaryRef dictionary, Coverage& coverage) {
-    Shape::Layer layer;
-    layer.name = to_string(string_of(dictionary, "name"));
-    layer.controller_chosen = integer(dictionary, "sel ctrlr", -1) >= 0;
-    layer.on_release = integer(dictionary, "trigger mode", 0) == release_trigger;
-    for_each_dictionary(array_of(dictionary, "Zones"),
-                        [&](CFDictionaryRef zone) { describe_zone(zone, layer, coverage); });
-    return layer;
-}
 
 void extend_key_range(Shape& shape, const Coverage& coverage) {
     for (std::int32_t key = 0; key < 128; ++key) {
@@ -72,15 +33,12 @@ void describe_stacking(Shape& shape, const Stacking& stacking) {
 
 Shape describe(const void* state) {
     Shape shape;
-    const CFDictionaryRef instrument =
-        dictionary_of(static_cast<CFDictionaryRef>(state), "Instrument");
-    if (!instrument) {
-        return shape;
-    }
     CoverageCounter counter;
-    for_each_dictionary(array_of(instrument, "Layers"), [&](CFDictionaryRef dictionary) {
+    for_each_layer(state, [&](CFDictionaryRef dictionary) {
         Coverage coverage{};
-        Shape::Layer layer = describe_layer(dictionary, coverage);
+        Shape::Layer layer = read_layer(dictionary, [&](const KeyArea& area) {
+            cover(coverage, area.low_key, area.high_key, area.low_velocity, area.high_velocity);
+        });
         shape.zones += layer.zones;
         if (!layer.controller_chosen && !layer.on_release) {
             counter.add(coverage);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <lumo/relink.h>
+#include <lumo/state.h>
 
 #include <cstdint>
 #include <string>
@@ -14,25 +15,6 @@ struct Options {
     const SampleIndex* index = nullptr; ///< where to look for samples that moved; may be null
     std::string package;                ///< path of the show package (SHOW.lumo)
     std::string states;                 ///< folder that receives the sampler states
-};
-
-/// Zone and layer statistics of a loaded instrument.
-struct Shape {
-    /// One layer of the instrument.
-    struct Layer {
-        std::string name;               ///< UTF-8; empty when the layer has none
-        std::int32_t zones = 0;         ///< every zone, enabled or not
-        std::int32_t looped_zones = 0;  ///< zones whose loop is enabled, disabled zones included
-        bool controller_chosen = false; ///< a controller selects the layer
-        bool on_release = false;        ///< the layer sounds on key release
-    };
-
-    std::vector<Layer> layers;
-    std::int32_t zones = 0;        ///< sum of the layers' zones
-    std::int32_t max_stack = 1;    ///< most stacking layers that sound on one cell; at least 1
-    double stacked_percent = 0.0;  ///< share of covered cells with two or more layers, 0 to 100
-    std::int32_t lowest_key = 127; ///< MIDI key; 127 when no key is covered
-    std::int32_t highest_key = 0;  ///< MIDI key; 0 when no key is covered
 };
 
 /// What became of one instrument.
@@ -53,10 +35,6 @@ struct Report {
 /// Imports the instrument at `path` into the show. Failures are told by the report (`ok` false and
 /// `error`), not thrown; the exceptions are allocation and a state name that cannot be tested.
 Report import_instrument(const std::string& path, const Options& options);
-
-/// The shape of a sampler state (a CFDictionaryRef, borrowed). A state without the expected
-/// structure has the default shape.
-Shape describe(const void* state);
 
 /// A copy of `state` (a CFDictionaryRef, borrowed) whose file references, relative to the folder
 /// `package`, are joined with it; the caller releases it with CFRelease. Null, with `error`

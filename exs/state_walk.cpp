@@ -1,0 +1,37 @@
+// What the layers and zones of a state say of themselves, value by value, with the sampler's own
+// defaults for what is missing.
+#include "state_walk.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace lumo::exs {
+namespace {
+
+constexpr std::int32_t release_trigger = 12; // "trigger mode" of a layer that sounds on release
+
+} // namespace
+
+Shape::Layer layer_settings(CFDictionaryRef dictionary) {
+    Shape::Layer layer;
+    layer.name = to_string(string_of(dictionary, "name"));
+    layer.controller_chosen = integer(dictionary, "sel ctrlr", -1) >= 0;
+    layer.on_release = integer(dictionary, "trigger mode", 0) == release_trigger;
+    return layer;
+}
+
+std::optional<KeyArea> limits_of(CFDictionaryRef dictionary) {
+    KeyArea area;
+    area.low_key = std::max(integer(dictionary, "min key", 0), 0);
+    area.high_key = std::min(integer(dictionary, "max key", 127), 127);
+    area.low_velocity = std::max(integer(dictionary, "min vel", 0), 1);
+    area.high_velocity = std::min(integer(dictionary, "max vel", 127), 127);
+    const bool is_empty = area.low_key > area.high_key || area.low_velocity > area.high_velocity;
+    return is_empty ? std::nullopt : std::optional(area);
+}
+
+std::optional<KeyArea> area_of(CFDictionaryRef zone) {
+    return integer(zone, "enabled", 1) == 0 ? std::nullopt : limits_of(zone);
+}
+
+} // namespace lumo::exs

@@ -1,0 +1,156 @@
+"""What the tests of this folder share: runs of the program, with the real tool and with one that
+does as a test says."""
+
+import json
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "faults"))
+from scene import contents, write_exs, write_preset, write_wave  # noqa: F401 (for the tests)
+
+PROJECT = Path(__file__).resolve().parents[2]
+TOOL = Path(os.environ["LUMO_TOOL"]).resolve()
+LIBRARY = Path(os.environ["LUMO_LIBRARY"]).resolve()
+DEADLINE = 60  # seconds, for what must happen at all
+
+# Lies beside a copy of the program in place of the tool. plan.json has, by the stem of an
+# instrument, what happens there; each call's words are added to calls.jsonl.
+STAND_IN = '''#!%(python)s
+import json, os, pathlib, signal, subprocess, sys
+here = pathlib.Path(__file__).parent
+plan = json.loads((here / "plan.json").read_text())
+(here / "pid").write_text(str(os.getpid()))
+words, instruments, i = sys.argv[1:], [], 0
+with (here / "calls.jsonl").open("a") as calls:
+    calls.write(json.dumps([os.fsencode(word).decode("latin-1") for word in sys.argv]) + "\\n")
+while i < len(words):
+    if words[i] in ("--package", "--states", "--search"):
+        i += 2
+    else:
+        instruments.append(words[i])
+        i += 1
+head = words[:len(words) - len(instruments)]
+step = open(here / "steps", "rb", buffering=0) if (here / "steps").exists() else None
+for instrument in instruments:
+    act = plan.get(pathlib.Path(instrument).stem, plan.get("*", "ok"))
+    if step and not step.read(1):
+        sys.exit(0)
+    if act.startswith("signal "):
+        os.kill(os.getpid(), int(act.split()[1]))
+    elif act.startswith("status "):
+        sys.exit(int(act.split()[1]))
+    elif act.startswith("stderr "):
+        print(act[7:], file=sys.stderr, flush=True)
+    elif act == "torn":
+        os.write(1, b'{"name":"to')
+        sys.exit(0)
+    elif act == "wait":
+        (here / "waiting").touch()
+        while True:
+            signal.pause()
+    elif act.startswith("print "):
+        os.write(1, act[6:].encode() + b"\\n")
+        continue
+    real = None
+    if act in ("real", "real, then kill"):
+        real = subprocess.run([plan["tool"], *head, instrument], stdout=subprocess.PIPE,
+                              check=True).stdout
+    if act == "real, then kill":
+        os.kill(os.getppid(), signal.SIGKILL)
+        sys.exit(0)
+    if real:
+        os.write(1, real)
+        continue
+    error = act[5:] if act.startswith("fail ") else ""
+    line = {"name": pathlib.Path(instrument).stem, "source": instrument, "ok": not error,
+            "error": error, "relinked": [], "unresolved": [], "appleLibrary": [], "samples": 1,
+            "sampleBytes": 1000, "copiedBytes": 1000, "stateFile": "", "loadMs": 0.1,
+            "shape": {"zones": 0, "maxStack": 1, "stackedPercent": 0.0, "lowestKey": 127,
+                      "highestKey": 0, "layers": []}}
+    text = json.dumps(line, separators=(",", ":"), ensure_ascii=False) + "\\n"
+    os.write(1, text.encode("utf-8", "surrogateescape"))
+'''
+
+
+class LibraryTest(unittest.TestCase):
+    """A test with a folder of its own, which the program runs in."""
+
+    def setUp(self):
+        temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(temporary.cleanup)
+        self.folder = Path(temporary.name).resolve()
+        self.library = self.folder / "lib"
+        self.program = LIBRARY
+
+    def use_stand_in(self, **plan):
+        """From now on the program starts a tool that does as `plan` says."""
+        here = self.folder / "programs"
+        here.mkdir(exist_ok=True)
+        self.program = here / LIBRARY.name
+        if not self.program.exists():
+            shutil.copy(LIBRARY, self.program)
+        tool = here / TOOL.name
+        tool.write_text(STAND_IN % {"python": sys.executable})
+        tool.chmod(0o755)
+        self.plan(**plan)
+        return here
+
+    def plan(self, **plan):
+        plan = {key.replace("_", " ") if key != "tool" else key: act for key, act in plan.items()}
+        (self.folder / "programs/plan.json").write_text(json.dumps(plan))
+
+    def calls(self):
+        """The words of each call of the stand-in, as texts of one character a byte."""
+        calls = self.folder / "programs/calls.jsonl"
+        if not calls.exists():
+            return []
+        return [json.loads(line) for line in calls.read_text().splitlines()]
+
+    def make(self, *names):
+        """Files that have the names of instruments."""
+        for name in names:
+            path = self.library / name
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_bytes(b"")
+
+    def make_kit(self, name, samples=2, moved=False):
+        """An instrument with samples of its own, at or not at their recorded paths."""
+        folder = self.library / name
+        paths = []
+        for i in range(samples):
+            write_wave(folder / f"{i}.wav", 50 + i, hash(name) % 1000 + i)
+            recorded = Path("/Volumes/Gone") / name if moved else folder
+            paths.append(recorded / f"{i}.wav")
+        path = folder / f"{name}.aupreset"
+        write_preset(path, paths)
+        return path
+
+    def words(self, *arguments):
+        return [str(self.program), "--package", "Show.lumo", "--states", "states",
+                *[os.fspath(argument) for argument in arguments]]
+
+    def run_library(self, *arguments, words=None, **options):
+        """Runs the program to its end; what it wrote is kept as bytes."""
+        return subprocess.run(words or self.words(*arguments), cwd=self.folder,
+                              stdin=subprocess.DEVNULL, capture_output=True, timeout=300,
+                              check=False, **options)
+
+    def expect(self, done, status):
+        self.assertEqual(done.returncode, status, (done.stdout, done.stderr))
+
+    def wait_until(self, condition, what):
+        end = time.monotonic() + DEADLINE
+        while not condition():
+            self.assertLess(time.monotonic(), end, f"this never happened: {what}")
+            time.sleep(0.005)
+
+    def reports(self, name):
+        """The report lines in a file, taken apart."""
+        lines = (self.folder / name).read_bytes().decode("utf-8", "surrogateescape")
+        return [json.loads(line) for line in lines.splitlines()]

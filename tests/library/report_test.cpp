@@ -1,0 +1,142 @@
+// Report lines, and files of them.
+#include "lines_file.h"
+#include "report.h"
+#include "support/temp_folder.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace lumo::library;
+using namespace lumo::test;
+
+constexpr const char* line =
+    R"({"name":"Kit","source":"lib/Kit.exs","ok":true,"error":"","relinked":[{"from":"/old/a.wav",)"
+    R"("to":"new/a.wav"}],"unresolved":["/gone/b.wav"],"appleLibrary":["/Library/c.caf"],)"
+    R"("samples":2,"sampleBytes":5000000000,"copiedBytes":7,"stateFile":"st/Kit.aupreset",)"
+    R"("loadMs":1.5,"shape":{"zones":3,"maxStack":2,"stackedPercent":39.3,"lowestKey":36,)"
+    R"("highestKey":96,"layers":[{"name":"L","zones":3,"loopedZones":1,"controllerChosen":true,)"
+    R"("onRelease":false}]}})";
+
+TEST(Report, HasAllThatALineSays) {
+    const auto report = parse_report(line);
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->name, "Kit");
+    EXPECT_EQ(report->source, "lib/Kit.exs");
+    EXPECT_TRUE(report->ok);
+    EXPECT_EQ(report->error, "");
+    ASSERT_EQ(report->relinked.size(), 1U);
+    EXPECT_EQ(report->relinked[0].first, "/old/a.wav");
+    EXPECT_EQ(report->relinked[0].second, "new/a.wav");
+    EXPECT_EQ(report->unresolved, std::vector<std::string>{"/gone/b.wav"});
+    EXPECT_EQ(report->apple_library, std::vector<std::string>{"/Library/c.caf"});
+    EXPECT_EQ(report->samples, 2U);
+    EXPECT_EQ(report->sample_bytes, 5000000000U);
+    EXPECT_EQ(report->copied_bytes, 7U);
+    EXPECT_EQ(report->state_file, "st/Kit.aupreset");
+    EXPECT_EQ(report->load_ms, 1.5);
+    EXPECT_EQ(report->shape.zones, 3);
+    EXPECT_EQ(report->shape.max_stack, 2);
+    EXPECT_EQ(report->shape.stacked_percent, 39.3);
+    EXPECT_EQ(report->shape.lowest_key, 36);
+    EXPECT_EQ(report->shape.highest_key, 96);
+    ASSERT_EQ(report->shape.layers.size(), 1U);
+    EXPECT_EQ(report->shape.layers[0].name, "L");
+    EXPECT_EQ(report->shape.layers[0].looped_zones, 1);
+    EXPECT_TRUE(report->shape.layers[0].controller_chosen);
+}
+
+TEST(Report, KeepsBytesThatAreNoUtf8AndEscapedOnes) {
+    std::string text = line;
+    text.replace(text.find("lib/Kit.exs"), 11, "lib/\xff\\u001b\\\"\\\\\xe9.exs");
+    const auto report = parse_report(text);
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->source, "lib/\xff\x1b\"\\\xe9.exs");
+}
+
+TEST(Report, IsNothingForWhatIsNoWholeLine) {
+    const std::string whole = line;
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        EXPECT_FALSE(parse_report(whole.substr(0, size))) << size;
+    }
+    EXPECT_FALSE(parse_report("{}"));
+    EXPECT_FALSE(parse_report("[]"));
+    EXPECT_FALSE(parse_report("12"));
+    std::string wrong = whole;
+    wrong.replace(wrong.find("true"), 4, "\"yes\"");
+    EXPECT_FALSE(parse_report(wrong));
+}
+
+TEST(Report, OfAnInstrumentAtWhichTheToolEndedIsALineToo) {
+    const auto report = parse_report(line_without_import("lib/\xff.exs", "it \"ended\""));
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->name, "\xff");
+    EXPECT_EQ(report->source, "lib/\xff.exs");
+    EXPECT_FALSE(report->ok);
+    EXPECT_EQ(report->error, "it \"ended\"");
+    EXPECT_EQ(report->shape.max_stack, 1);
+    EXPECT_EQ(report->shape.lowest_key, 127);
+}
+
+class LinesFileTest : public testing::Test {
+protected:
+    std::vector<std::string> sources() {
+        std::vector<std::string> found;
+        result = read_lines_file(
+            path, [&](Report&& report) { found.push_back(std::move(report.source)); });
+        return found;
+    }
+
+    TempFolder folder;
+    std::string path = folder / "lines";
+    LinesRead result;
+    const std::string good = line_without_import("a.exs", "no") + '\n';
+    const std::string other = line_without_import("b.exs", "no");
+};
+
+TEST_F(LinesFileTest, IsReadLineByLine) {
+    write_file(path, good + other + '\n');
+    EXPECT_EQ(sources(), (std::vector<std::string>{"a.exs", "b.exs"}));
+    EXPECT_EQ(result.fault, "");
+    EXPECT_EQ(result.unknown, 0U);
+}
+
+TEST_F(LinesFileTest, ATornLastLineIsPassedOver) {
+    write_file(path, good + other.substr(0, other.size() / 2));
+    EXPECT_EQ(sources(), std::vector<std::string>{"a.exs"});
+    EXPECT_EQ(result.unknown, 0U);
+}
+
+TEST_F(LinesFileTest, LinesThatAreNoneAreCounted) {
+    write_file(path, "notes\n" + good + "\n{}\n");
+    EXPECT_EQ(sources(), std::vector<std::string>{"a.exs"});
+    EXPECT_EQ(result.unknown, 2U);
+}
+
+TEST_F(LinesFileTest, SaysWhyItCannotBeRead) {
+    sources();
+    EXPECT_EQ(result.fault, "No such file or directory");
+    path = folder.path();
+    sources();
+    EXPECT_EQ(result.fault, "Is a directory");
+}
+
+TEST_F(LinesFileTest, AppendsBehindATornLineAndNotToIt) {
+    write_file(path, good + "{\"name\":\"to");
+    LinesFile file;
+    ASSERT_EQ(file.open(path), "");
+    ASSERT_EQ(file.append(other), "");
+    EXPECT_EQ(read_file(path), good + "{\"name\":\"to\n" + other + '\n');
+    EXPECT_EQ(sources(), (std::vector<std::string>{"a.exs", "b.exs"}));
+}
+
+TEST_F(LinesFileTest, SaysWhyItCannotBeWritten) {
+    LinesFile file;
+    EXPECT_EQ(file.open(folder / "none/lines"), "No such file or directory");
+#ifdef __linux__
+    ASSERT_EQ(file.open("/dev/full"), "");
+    EXPECT_EQ(file.append("x"), "No space left on device");
+#endif
+}
+
+} // namespace

@@ -1,0 +1,439 @@
+#!/usr/bin/env python3
+"""Runs of lumo-import-library: what it imports, in which calls, what it says and how it ends."""
+
+import json
+import os
+import shutil
+import signal
+import subprocess
+import unittest
+
+from library_scene import LIBRARY, TOOL, LibraryTest, contents, write_preset
+
+
+class Finding(LibraryTest):
+    def test_says_how_many_and_a_dry_run_stops_there(self):
+        self.use_stand_in()
+        self.make("a/1.exs", "a/2.AUPRESET", "b/3.Exs", "b/no.txt")
+        done = self.run_library("--dry-run", "lib")
+        self.expect(done, 0)
+        self.assertEqual(done.stdout, b"3 instruments in 2 folders\n")
+        self.assertEqual(done.stderr, b"")
+        self.assertEqual(self.calls(), [])
+        done = self.run_library("lib")
+        self.assertTrue(done.stdout.startswith(b"3 instruments in 2 folders\n\n3 instruments: 3"))
+
+    def test_says_when_there_is_none(self):
+        self.library.mkdir()
+        done = self.run_library("lib")
+        self.expect(done, 0)
+        self.assertEqual(done.stdout, b"no instrument found\n")
+
+    def test_tells_of_arguments_that_cannot_be_read_before_anything_is_imported(self):
+        self.use_stand_in()
+        self.make("a.exs")
+        done = self.run_library("lib", "gone", "lib/b.exs", "--search", "nowhere")
+        self.expect(done, 1)
+        self.assertEqual(done.stdout, b"")
+        self.assertEqual(done.stderr, b"""\
+lumo-import-library: gone: No such file or directory
+lumo-import-library: lib/b.exs: No such file or directory
+lumo-import-library: nowhere: No such file or directory
+""")
+        self.assertEqual(self.calls(), [])
+        for option in ("--continue", "--from"):
+            words = [str(self.program), "--from", "gone"] if option == "--from" else None
+            done = self.run_library("--continue", "gone", "lib", words=words)
+            self.expect(done, 1)
+            self.assertIn(b"gone: No such file or directory", done.stderr)
+        done = self.run_library("--lines", "none/lines", "lib")
+        self.expect(done, 1)
+        self.assertEqual(self.calls(), [])
+
+    @unittest.skipUnless(os.geteuid() == 0, "only root can become another account")
+    def test_tells_of_folders_that_are_closed(self):
+        self.make("a.exs", "closed/b.exs")
+        (self.library / "closed").chmod(0)
+        for path in (self.folder, self.library):
+            path.chmod(0o755)
+        done = self.run_library("--dry-run", "lib", user=65534)
+        self.expect(done, 0)
+        self.assertEqual(done.stdout, b"1 instrument in 1 folder\n")
+        self.assertEqual(done.stderr,
+                         b"lumo-import-library: cannot be read, left out: lib/closed\n")
+        done = self.run_library("--dry-run", "lib/closed", user=65534)
+        self.expect(done, 1)
+        self.assertEqual(done.stderr, b"lumo-import-library: lib/closed: Permission denied\n")
+
+
+class Calls(LibraryTest):
+    def instruments(self, call):
+        """The instruments among the words of a call, and what stands before them."""
+        i = 1
+        while i < len(call) and call[i] in ("--package", "--states", "--search"):
+            i += 2
+        return call[i:], call[1:i]
+
+    def test_have_the_instruments_in_order_and_all_folders(self):
+        self.use_stand_in()
+        self.make("b/2.exs", "a/1.exs", "a.exs")
+        (self.folder / "kit").mkdir()
+        (self.folder / "kit/x.exs").touch()
+        (self.folder / "more").mkdir()
+        self.expect(self.run_library("--search", "more", "lib/", "kit/x.exs"), 0)
+        [call] = self.calls()
+        self.assertEqual(self.instruments(call), (
+            ["kit/x.exs", "lib/a.exs", "lib/a/1.exs", "lib/b/2.exs"],
+            ["--package", "Show.lumo", "--states", "states", "--search", "kit", "--search", "lib",
+             "--search", "more"]))
+
+    def test_hand_names_that_begin_with_a_dash_over_as_paths(self):
+        self.use_stand_in()
+        (self.folder / "--lib").mkdir()
+        (self.folder / "--lib/-a.exs").touch()
+        (self.folder / "-b.exs").touch()
+        self.expect(self.run_library("--", "--lib", "-b.exs"), 0)
+        [call] = self.calls()
+        self.assertEqual(self.instruments(call)[0], ["./--lib/-a.exs", "./-b.exs"])
+
+    def test_are_cut_to_what_the_system_takes(self):
+        self.use_stand_in()
+        names = [f"{i:05} {'long name ' * 4}.exs" for i in range(20000)]
+        self.make(*names)
+        limit = 512 << 10  # bytes of stack, a quarter of which the system gives to arguments
+        words = ["sh", "-c", f"ulimit -s {limit >> 10}; exec \"$@\"", "sh", *self.words("lib")]
+        done = self.run_library(words=words)
+        self.expect(done, 0)
+        calls = self.calls()
+        self.assertGreater(len(calls), 3)
+        self.assertEqual(sum((self.instruments(call)[0] for call in calls), []),
+                         [f"lib/{name}" for name in names])
+        self.assertEqual(len({tuple(self.instruments(call)[1]) for call in calls}), 1)
+        for call in calls[:-1]:  # none is cut shorter than it must be
+            self.assertGreater(sum(len(word) + 9 for word in call), limit // 4 - 32768)
+        self.assertIn(b"20,000 instruments: 20,000 imported, 0 failed", done.stdout)
+
+    def test_are_as_few_as_the_system_takes(self):
+        self.use_stand_in()
+        self.make(*[f"{i:05}.exs" for i in range(20000)])
+        self.expect(self.run_library("lib"), 0)
+        self.assertEqual(len(self.calls()), 1)
+
+    def test_of_parts_have_the_same_folders_as_the_call_for_all(self):
+        self.use_stand_in()
+        self.make(*[f"{i}/{i}.exs" for i in range(10)])
+        for part in (1, 2, 3):
+            self.expect(self.run_library("--shard", f"{part}/3", "lib"), 0)
+        self.expect(self.run_library("lib"), 0)
+        *parts, whole = [self.instruments(call) for call in self.calls()]
+        self.assertEqual(sum((part[0] for part in parts), []), whole[0])
+        self.assertEqual({tuple(part[1]) for part in parts}, {tuple(whole[1])})
+
+    def test_leave_out_what_was_imported_but_count_it_among_the_parts(self):
+        self.use_stand_in(**{"2": "fail no"})
+        self.make(*[f"{i}.exs" for i in range(10)])
+        self.expect(self.run_library("--lines", "lines", "--shard", "1/2", "lib"), 2)
+        self.plan()
+        done = self.run_library("--continue", "lines", "--shard", "1/2", "lib")
+        self.expect(done, 0)
+        self.assertIn(b"part 1 of 2: 5 instruments\n4 of them left out: imported before\n",
+                      done.stdout)
+        self.expect(self.run_library("--continue", "lines", "--shard", "2/2", "lib"), 0)
+        self.assertEqual([self.instruments(call)[0] for call in self.calls()[1:]],
+                         [["lib/2.exs"], [f"lib/{i}.exs" for i in range(5, 10)]])
+
+
+class Lines(LibraryTest):
+    def test_are_the_tools_own_byte_for_byte(self):
+        hostile = os.fsdecode(b"caf\xe9 \x1b[31m\"\\.exs")
+        self.make(hostile, "b.exs", "c.aupreset")
+        self.make_kit("Kit")
+        (self.folder / "lines").write_bytes(b"kept\n")
+        self.expect(self.run_library("--lines", "lines", "lib"), 2)
+        ours = (self.folder / "lines").read_bytes()
+        shutil.rmtree(self.folder / "Show.lumo")
+        shutil.rmtree(self.folder / "states")
+        sources = sorted([os.fsencode(f"lib/{hostile}"), b"lib/b.exs", b"lib/c.aupreset",
+                          b"lib/Kit/Kit.aupreset"])
+        tool = subprocess.run([TOOL, *self.words()[1:], *sources], cwd=self.folder,
+                              capture_output=True, check=True).stdout
+        without_time = lambda lines: [line.split(b'"loadMs"')[0] for line in lines.split(b"\n")]
+        self.assertEqual(without_time(ours), [b"kept", *without_time(tool)])
+
+    def test_leave_out_sources_byte_for_byte(self):
+        self.use_stand_in()
+        names = [os.fsdecode(name) for name in (b"caf\xe9.exs", b"caf\xc3\xa9.exs", b"e\xcc\x81.exs",
+                                                b"\xc3\xa9.exs", b"\xf4\x8f\x9f\xa9.exs")]
+        self.make(*names)
+        self.expect(self.run_library("--lines", "lines", "lib"), 0)
+        lines = (self.folder / "lines").read_bytes().splitlines(keepends=True)
+        self.assertEqual(len(lines), len(names))
+        for i, name in enumerate(sorted(map(os.fsencode, names))):
+            (self.folder / "others").write_bytes(b"".join(lines[:i] + lines[i + 1:]))
+            self.expect(self.run_library("--continue", "others", "lib"), 0)
+            self.assertEqual(self.calls()[-1][-1].encode("latin-1"), b"lib/" + name)
+
+    def test_that_cannot_be_written_end_the_run(self):
+        if not os.path.exists("/dev/full"):
+            self.skipTest("there is no /dev/full")
+        self.use_stand_in(**{"2": "wait"})
+        self.make("1.exs", "2.exs", "3.exs")
+        done = self.run_library("--lines", "/dev/full", "lib")
+        self.expect(done, 3)
+        self.assertIn(b"/dev/full: No space left on device; the run ends here", done.stderr)
+        self.assertIn(b"1 instrument: 1 imported, 0 failed", done.stdout)
+
+
+class Endings(LibraryTest):
+    def summary(self, done):
+        return done.stdout.decode().split("\n\n")[1]
+
+    def test_of_imports_that_failed_give_2(self):
+        self.use_stand_in(b="fail its state couldn't be written")
+        self.make("a.exs", "b.exs", "c.exs")
+        done = self.run_library("lib")
+        self.expect(done, 2)
+        self.assertIn("3 instruments: 2 imported, 1 failed\n2 samples, 3.0 kB copied, ",
+                      self.summary(done))
+
+    def test_of_the_tool_are_told_and_the_rest_goes_on(self):
+        for act, reason in (("signal 6", "signal 6 (Aborted)"), ("status 0", "status 0"),
+                            ("status 1", "status 1"), ("torn", "status 0")):
+            with self.subTest(act):
+                self.use_stand_in(b=act)
+                self.make("a.exs", "b.exs", "c.exs")
+                done = self.run_library("--lines", "lines", "lib")
+                self.expect(done, 2)
+                self.assertEqual(done.stderr.decode(), "lumo-import-library: lumo-exs-import ended "
+                                                       f"at lib/b.exs: {reason}\n")
+                self.assertIn("3 instruments: 2 imported, 1 failed", self.summary(done))
+                self.assertIn(b"        1 the tool ended at it\n", done.stdout)
+                reports = self.reports("lines")
+                self.assertEqual([report["source"] for report in reports],
+                                 ["lib/a.exs", "lib/b.exs", "lib/c.exs"])
+                self.assertEqual(reports[1]["error"], f"the tool ended at it: {reason}")
+                os.remove(self.folder / "lines")
+
+    def test_of_the_real_tool_are_told_too(self):
+        long = "x" * 250  # too long for a name with ".aupreset" at its end
+        self.make_kit("a")
+        shutil.copy(self.library / "a/a.aupreset", self.library / f"{long}.exs")
+        kit = self.make_kit("b")
+        write_preset(self.library / f"{'y' * 246}.aupreset", [kit.parent / "0.wav"])
+        (self.folder / "states").mkdir()
+        done = self.run_library("--lines", "lines", "lib")
+        self.expect(done, 2)
+        ok = [report["source"] for report in self.reports("lines") if report["ok"]]
+        self.assertLessEqual({"lib/a/a.aupreset", "lib/b/b.aupreset"}, set(ok))
+        self.assertEqual(len(self.reports("lines")), 4)
+
+    def test_three_times_in_a_row_without_a_line_give_3(self):
+        self.use_stand_in(b="signal 9", c="signal 9", d="signal 9")
+        self.make("a.exs", "b.exs", "c.exs", "d.exs", "e.exs")
+        done = self.run_library("lib")
+        self.expect(done, 3)
+        self.assertEqual(done.stderr.count(b"ended at"), 3)
+        self.assertIn(b"the run could not be finished", done.stderr)
+        self.assertIn("4 instruments: 1 imported, 3 failed", self.summary(done))
+        self.assertIn("1 not begun", self.summary(done))
+
+    def test_with_lines_between_them_do_not(self):
+        self.use_stand_in(a="signal 9", b="signal 9", d="signal 9", e="signal 9", g="status 1")
+        self.make(*[f"{name}.exs" for name in "abcdefg"])
+        done = self.run_library("lib")
+        self.expect(done, 2)
+        self.assertIn("7 instruments: 2 imported, 5 failed", self.summary(done))
+
+    def test_without_a_tool_give_3(self):
+        here = self.use_stand_in()
+        (here / TOOL.name).unlink()
+        self.make("a.exs")
+        done = self.run_library("lib")
+        self.expect(done, 3)
+        self.assertIn(b"lumo-exs-import: cannot be started: No such file or directory", done.stderr)
+
+    def test_of_a_line_that_is_none_are_a_failure(self):
+        self.use_stand_in(b="print nonsense")
+        self.make("a.exs", "b.exs", "c.exs")
+        done = self.run_library("lib")
+        self.expect(done, 2)
+        self.assertIn(b"        1 the tool gave no report line for it\n", done.stdout)
+
+    def interrupt(self, send, number, status):
+        here = self.use_stand_in(c="wait")
+        self.make("a.exs", "b.exs", "c.exs", "d.exs")
+        process = subprocess.Popen(self.words("--lines", "lines", "lib"), cwd=self.folder,
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE, start_new_session=True)
+        self.wait_until((here / "waiting").exists, "the tool is at c")
+        self.wait_until(lambda: (self.folder / "lines").read_bytes().count(b"\n") == 2, "two lines")
+        send(process.pid, number)
+        out, err = process.communicate(timeout=60)
+        self.assertEqual((process.returncode, err), (status, b""))
+        self.assertIn(b"2 instruments: 2 imported, 0 failed\n", out)
+        self.assertIn(b"2 not begun\n", out)
+        self.assertIn(b"run again with --continue lines", out)
+        with self.assertRaises(ProcessLookupError):
+            os.kill(int((here / "pid").read_text()), 0)
+        self.assertEqual(len(self.reports("lines")), 2)
+
+    def test_by_ctrl_c_end_the_tool_and_sum_up(self):
+        self.interrupt(os.killpg, signal.SIGINT, 130)
+
+    def test_by_a_signal_to_the_program_alone_end_the_tool_too(self):
+        self.interrupt(os.kill, signal.SIGINT, 130)
+
+    def test_by_the_signals_of_batch_systems_sum_up(self):
+        self.interrupt(os.kill, signal.SIGTERM, 128 + signal.SIGTERM)
+
+    def test_of_a_wrong_command_line_give_1(self):
+        for words in ([], ["lib"], ["--package", "p", "--states", "s"], ["--nonsense"],
+                      ["--package", "p", "--states", "s", "--shard", "3/2", "lib"],
+                      ["--from"], ["--from", "x", "--package", "p"]):
+            with self.subTest(words):
+                done = self.run_library(words=[str(LIBRARY), *words])
+                self.expect(done, 1)
+                self.assertEqual(done.stdout, b"")
+                self.assertTrue(done.stderr.startswith(b"lumo-import-library: "), done.stderr)
+
+    def test_of_help_and_version_give_0(self):
+        for option in ("--help", "--version"):
+            done = self.run_library(words=[str(LIBRARY), option])
+            self.expect(done, 0)
+            self.assertIn(b"lumo-import-library", done.stdout)
+
+
+class GoingOn(LibraryTest):
+    KITS = 20
+
+    def test_after_a_kill_at_20_places_imports_the_rest_once(self):
+        for i in range(self.KITS):
+            self.make_kit(f"kit{i:02}")
+        samples = sorted(data for path, data in contents(self.library).items()
+                         if path.suffix == ".wav")
+        for place in range(self.KITS):
+            with self.subTest(place):
+                self.kill_and_go_on(place, samples)
+
+    def kill_and_go_on(self, place, samples):
+        """Kills the program when the instrument at `place` is in the show and its line is not out;
+        at every other place the line before is then cut short, as a full disk would."""
+        at_hand = f"kit{place:02}"
+        self.use_stand_in(**{"*": "real", at_hand: "real, then kill", "tool": str(TOOL)})
+        self.expect(self.run_library("--lines", "lines", "--continue", "lines", "lib"),
+                    -signal.SIGKILL)
+        lines = self.folder / "lines"
+        self.assertEqual(len(self.reports("lines")), place)
+        torn = place > 0 and place % 2 == 1
+        if torn:
+            lines.write_bytes(lines.read_bytes()[:-100])
+        self.program = LIBRARY
+        done = self.run_library("--lines", "lines", "--continue", "lines", "lib")
+        self.expect(done, 0)
+        written = [line for line in lines.read_bytes().splitlines() if line.endswith(b"}}")]
+        self.assertEqual([json.loads(line)["name"] for line in written],
+                         [f"kit{i:02}" for i in range(self.KITS)])
+        twice = {at_hand} | ({f"kit{place - 1:02}"} if torn else set())
+        self.assertEqual({path.name for path in (self.folder / "states").iterdir()},
+                         {f"kit{i:02}.aupreset" for i in range(self.KITS)} |
+                         {f"{name}-2.aupreset" for name in twice})
+        self.assertEqual(sorted(contents(self.folder / "Show.lumo/samples").values()), samples)
+        for path in ("Show.lumo", "states"):
+            shutil.rmtree(self.folder / path)
+        lines.unlink()
+
+    def test_with_nothing_left_says_so(self):
+        self.make_kit("Kit")
+        self.expect(self.run_library("--lines", "lines", "lib"), 0)
+        done = self.run_library("--continue", "lines", "lib")
+        self.expect(done, 0)
+        self.assertEqual(done.stdout, b"1 instrument in 1 folder\n1 of them left out: imported "
+                                      b"before\nnothing is left to do\n")
+
+
+class SummingUp(LibraryTest):
+    def from_files(self, *files):
+        return self.run_library(words=[str(LIBRARY), "--from", *files])
+
+    def test_takes_the_lines_of_several_runs(self):
+        self.use_stand_in(**{"2": "fail a sample wasn't found: x.wav"})
+        self.make(*[f"{i}.exs" for i in range(4)])
+        for part in (1, 2):
+            self.run_library("--shard", f"{part}/2", "--lines", f"lines{part}", "lib")
+        done = self.from_files("lines1", "lines2")
+        self.expect(done, 2)
+        self.assertEqual(done.stdout.decode(), """\
+4 instruments: 3 imported, 1 failed
+3 samples, 4.0 kB copied
+
+Failed, by cause:
+        1 a sample wasn't found
+          To do: add the folder that has them with `--search`
+
+What to do next:
+          do what stands with each cause, and run again, naming only the instruments that are left
+          (with --lines FILE, a later run leaves out by itself what is imported)
+""")
+        done = self.from_files("lines1")
+        self.expect(done, 0)
+
+    def test_counts_what_came_last_of_an_instrument(self):
+        self.use_stand_in(a="fail no")
+        self.make("a.exs")
+        self.expect(self.run_library("--lines", "lines", "lib"), 2)
+        self.expect(self.from_files("lines"), 2)
+        self.plan()
+        self.expect(self.run_library("--lines", "lines", "--continue", "lines", "lib"), 0)
+        done = self.from_files("lines")
+        self.expect(done, 0)
+        self.assertIn(b"1 instrument: 1 imported, 0 failed\n", done.stdout)
+
+    def test_says_what_is_no_line(self):
+        (self.folder / "lines").write_text("notes\n{}\n{\"torn")
+        done = self.from_files("lines")
+        self.expect(done, 0)
+        self.assertEqual(done.stdout, b"no instrument found\n")
+        self.assertEqual(done.stderr,
+                         b"lumo-import-library: lines: 2 lines passed over: no report lines\n")
+
+
+class RealImports(LibraryTest):
+    def test_make_the_show_that_the_tool_makes(self):
+        self.make_kit("a")
+        self.make_kit("b", moved=True)
+        self.make_kit("c", moved=True)
+        self.expect(self.run_library("lib"), 0)
+        ours = contents(self.folder / "Show.lumo"), contents(self.folder / "states")
+        shutil.rmtree(self.folder / "Show.lumo")
+        shutil.rmtree(self.folder / "states")
+        subprocess.run([TOOL, *self.words()[1:], "--search", "lib",
+                        *[f"lib/{name}/{name}.aupreset" for name in "abc"]],
+                       cwd=self.folder, stdout=subprocess.DEVNULL, check=True)
+        self.assertEqual(ours, (contents(self.folder / "Show.lumo"),
+                                contents(self.folder / "states")))
+
+    def test_never_give_the_terminal_a_hostile_name(self):
+        for name in (b"</script>.exs", b"\"'<b>.exs", b"\x1b[31m\x07.exs", b"\xe2\x80\xae.exs",
+                     b"\xff\xfe.exs", b"new\nline.exs"):
+            self.make(os.fsdecode(name))
+        write_preset(self.library / "moved.aupreset", ["/Volumes/\x7f/a.wav"])
+        os.mkdir(os.path.join(os.fsencode(self.library), b"\x1b]0;title\x07"))
+        done = self.run_library("--lines", "lines", "lib")
+        self.expect(done, 2)
+        self.assertEqual(len((self.folder / "lines").read_bytes().splitlines()), 7)
+        done_again = self.run_library("lib/gone\x1b[2J")
+        for text in (done.stdout, done.stderr, done_again.stderr):
+            shown = text.decode("utf-8")
+            self.assertFalse([c for c in shown if (c < " " and c != "\n") or c in "\x7f\u202e"])
+
+    @unittest.skipUnless(shutil.which("readelf"), "there is no readelf")
+    def test_are_not_this_programs_work(self):
+        needed = subprocess.run(["readelf", "-d", LIBRARY], capture_output=True, text=True,
+                                check=True).stdout
+        self.assertIn("NEEDED", needed)
+        self.assertNotIn("lumo-relink", needed)
+        self.assertNotIn("sndfile", needed)
+
+
+if __name__ == "__main__":
+    unittest.main()

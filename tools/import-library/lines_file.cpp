@@ -1,0 +1,72 @@
+// A run that is killed may leave its last line cut short. The next one begins on a line of its own.
+#include "lines_file.h"
+
+#include <fcntl.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <fstream>
+#include <optional>
+#include <utility>
+
+namespace lumo::library {
+namespace {
+
+std::string last_failure() {
+    return strerror(errno);
+}
+
+/// Writes all bytes; false, with errno, when that fails.
+bool write_all(int descriptor, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) {
+            return false;
+        }
+        bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
+    }
+    return true;
+}
+
+bool ends_inside_a_line(int descriptor) {
+    const off_t size = lseek(descriptor, 0, SEEK_END);
+    char last = '\n';
+    return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
+}
+
+} // namespace
+
+LinesRead read_lines_file(const std::string& path, const std::function<void(Report&&)>& take) {
+    LinesRead result;
+    std::ifstream file(path, std::ios::binary);
+    std::string line;
+    while (std::getline(file, line)) {
+        const bool has_end = !file.eof();
+        if (std::optional<Report> report = parse_report(line)) {
+            take(std::move(*report));
+        } else if (has_end && !line.empty()) {
+            ++result.unknown;
+        }
+    }
+    if (!file.is_open() || file.bad()) {
+        result.fault = last_failure();
+    }
+    return result;
+}
+
+std::string LinesFile::open(const std::string& path) {
+    constexpr int flags = O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC;
+    file_ = Descriptor(::open(path.c_str(), flags, 0666));
+    if (!file_ || (ends_inside_a_line(file_.get()) && !write_all(file_.get(), "\n"))) {
+        return last_failure();
+    }
+    return {};
+}
+
+std::string LinesFile::append(std::string_view line) const {
+    return write_all(file_.get(), std::string(line) + '\n') ? std::string() : last_failure();
+}
+
+} // namespace lumo::library

@@ -1,0 +1,20 @@
+// lumo-import-library: imports whole folders of sampler instruments into a Lumo show, for a person.
+// The work is lumo-exs-import's; this program finds the instruments, starts it and reads its lines.
+#include "command_line.h"
+#include "session.h"
+
+#include <clocale>
+#include <cstdio>
+#include <variant>
+
+int main(int argc, char** argv) {
+    using namespace lumo::library;
+    std::setlocale(LC_CTYPE, ""); // the widths of characters
+    const std::variant<CommandLine, Answer> parsed = parse_command_line(argc, argv);
+    if (const auto* answer = std::get_if<Answer>(&parsed)) {
+        std::fputs(answer->text.c_str(), answer->status == 0 ? stdout : stderr);
+        return answer->status;
+    }
+    const auto& line = std::get<CommandLine>(parsed);
+    return line.from.empty() ? import_library(line) : sum_up(line);
+}

@@ -1,0 +1,187 @@
+// The width of a character is the C library's, which knows what the user's terminal can show (main
+// sets the locale).
+#include "text.h"
+
+#include "base/utf8.h"
+
+#include <wchar.h>
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+
+namespace lumo::library {
+namespace {
+
+// A byte B that is no UTF-8 becomes the character byte_base + B of the last private plane.
+constexpr char32_t byte_base = 0x10F700;
+
+bool stands_for_byte(char32_t value) {
+    return value >= byte_base + 0x80 && value <= byte_base + 0xFF;
+}
+
+void append_utf8(std::string& text, char32_t value) {
+    for (const int shift : {18, 12, 6, 0}) { // byte_base takes four bytes
+        const char32_t bits = value >> shift & (shift == 18 ? 0x07 : 0x3F);
+        text += static_cast<char>(bits | (shift == 18 ? 0xF0 : 0x80));
+    }
+}
+
+/// Calls `take` for each character of `text`, and for each byte that belongs to none (size 0).
+template <typename Take>
+void for_each_character(std::string_view text, Take take) {
+    while (!text.empty()) {
+        const Utf8Character character = first_utf8_character(text);
+        const std::size_t size = character.size == 0 ? 1 : character.size;
+        take(character, text.substr(0, size));
+        text.remove_prefix(size);
+    }
+}
+
+/// Whether a character would do something to the line rather than stand in it.
+bool is_control(char32_t value) {
+    return value < 0x20 || (value >= 0x7F && value < 0xA0) || // controls
+           value == 0x061C || value == 0x200E || value == 0x200F ||
+           (value >= 0x2028 && value <= 0x202E) || // line ends, directions
+           (value >= 0x2066 && value <= 0x2069) || value == 0xFEFF ||
+           (value >= 0xFFF9 && value <= 0xFFFB) || (value >= 0xE0000 && value <= 0xE007F);
+}
+
+std::string formatted(const char* format, double number) {
+    std::array<char, 48> text{};
+    std::snprintf(text.data(), text.size(), format, number);
+    return text.data();
+}
+
+std::string escaped(char32_t value) {
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), value < 0x100 ? "\\x%02x" : "\\u%04x",
+                  static_cast<unsigned>(value));
+    return text.data();
+}
+
+/// Columns of one character; none (-1) for what the terminal cannot show.
+int width_of(const Utf8Character& character) {
+    if (character.value < 0x80) {
+        return 1;
+    }
+    return MB_CUR_MAX > 1 ? wcwidth(static_cast<wchar_t>(character.value)) : -1;
+}
+
+} // namespace
+
+std::string as_utf8(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size());
+    for_each_character(bytes, [&](const Utf8Character& character, std::string_view piece) {
+        if (character.size > 0 && !stands_for_byte(character.value)) {
+            text += piece;
+            return;
+        }
+        for (const char byte : piece) {
+            append_utf8(text, byte_base + static_cast<unsigned char>(byte));
+        }
+    });
+    return text;
+}
+
+std::string as_bytes(std::string_view text) {
+    std::string bytes;
+    bytes.reserve(text.size());
+    for_each_character(text, [&](const Utf8Character& character, std::string_view piece) {
+        if (stands_for_byte(character.value)) {
+            bytes += static_cast<char>(character.value - byte_base);
+        } else {
+            bytes += piece;
+        }
+    });
+    return bytes;
+}
+
+std::string shown(std::string_view bytes) {
+    std::string text;
+    text.reserve(bytes.size());
+    for_each_character(bytes, [&](const Utf8Character& character, std::string_view piece) {
+        if (character.size == 0) {
+            text += escaped(static_cast<unsigned char>(piece.front()));
+        } else if (is_control(character.value)) {
+            text += escaped(character.value);
+        } else {
+            text += piece;
+        }
+    });
+    return text;
+}
+
+std::size_t columns(std::string_view text) {
+    std::size_t width = 0;
+    for_each_character(text, [&](const Utf8Character& character, std::string_view) {
+        const int one = width_of(character);
+        width += static_cast<std::size_t>(one < 0 ? 1 : one);
+    });
+    return width;
+}
+
+std::string cut_to(std::string_view text, std::size_t width) {
+    const bool fits = columns(text) <= width;
+    const std::string ellipsis = MB_CUR_MAX > 1 ? "\xE2\x80\xA6" : "~";
+    const std::size_t room = fits || width == 0 ? width : width - 1;
+    std::string start;
+    std::size_t used = 0;
+    bool is_full = false;
+    for_each_character(text, [&](const Utf8Character& character, std::string_view piece) {
+        const int one = width_of(character);
+        const auto needed = static_cast<std::size_t>(one < 0 ? 1 : one);
+        is_full = is_full || used + needed > room;
+        if (!is_full) {
+            start += one < 0 ? std::string_view("?") : piece;
+            used += needed;
+        }
+    });
+    return fits || width == 0 ? start : start + ellipsis;
+}
+
+std::string with_thousands(std::uint64_t number) {
+    std::string text = std::to_string(number);
+    for (std::size_t i = text.size(); i > 3; i -= 3) {
+        text.insert(i - 3, ",");
+    }
+    return text;
+}
+
+std::string counted(std::uint64_t number, std::string_view thing) {
+    return with_thousands(number) + ' ' + std::string(thing) + (number == 1 ? "" : "s");
+}
+
+std::string bytes_text(std::uint64_t bytes) {
+    if (bytes < 1000) {
+        return counted(bytes, "byte");
+    }
+    double amount = static_cast<double>(bytes);
+    std::string_view unit;
+    for (const std::string_view next : {"kB", "MB", "GB", "TB"}) {
+        if (amount >= 999.95) { // would be rounded up to 1000.0
+            amount /= 1000;
+            unit = next;
+        }
+    }
+    return formatted("%.1f ", amount) + std::string(unit);
+}
+
+std::string time_text(double seconds) {
+    if (seconds < 9.95) {
+        return formatted("%.1f s", seconds);
+    }
+    const auto whole = static_cast<std::uint64_t>(std::llround(seconds));
+    const std::uint64_t minutes = whole / 60;
+    if (minutes == 0) {
+        return std::to_string(whole) + " s";
+    }
+    if (minutes < 60) {
+        return std::to_string(minutes) + " min " + std::to_string(whole % 60) + " s";
+    }
+    return with_thousands(minutes / 60) + " h " + std::to_string(minutes % 60) + " min";
+}
+
+} // namespace lumo::library

@@ -1,0 +1,177 @@
+// fork and execv, with a pipe for each of the outputs and a third, which a successful execv closes,
+// for the reason of one that fails.
+#include "tool_process.h"
+
+#include <fcntl.h>
+#include <limits.h>
+#include <poll.h>
+#include <signal.h>
+#include <string.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+extern char** environ; // not every system declares it
+
+namespace lumo::library {
+namespace {
+
+constexpr int longest_wait_ms = 100;
+constexpr std::size_t spare_room = 4096;                  // POSIX recommends 2048
+constexpr std::size_t usual_limit = std::size_t{2} << 20; // some systems name none, and have one
+
+/// Both ends of a pipe, which a new process does not keep.
+struct Pipe {
+    Descriptor reading;
+    Descriptor writing;
+
+    Pipe() {
+        std::array<int, 2> ends{};
+        if (pipe(ends.data()) != 0) {
+            throw std::system_error(errno, std::generic_category());
+        }
+        reading = Descriptor(ends[0]);
+        writing = Descriptor(ends[1]);
+        fcntl(ends[0], F_SETFD, FD_CLOEXEC);
+        fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+    }
+};
+
+/// The reading end of a pipe, from now on without waiting.
+Descriptor without_waiting(Descriptor reading) {
+    fcntl(reading.get(), F_SETFL, O_NONBLOCK);
+    return reading;
+}
+
+/// In the new process: becomes the tool, or says why not and ends.
+[[noreturn]] void become(char* const* words, int out, int err, int failure) {
+    const int nothing = open("/dev/null", O_RDONLY);
+    dup2(nothing, STDIN_FILENO);
+    dup2(out, STDOUT_FILENO);
+    dup2(err, STDERR_FILENO);
+    execv(words[0], words);
+    const int reason = errno;
+    const ssize_t written = write(failure, &reason, sizeof reason);
+    _exit(written == sizeof reason ? 127 : 126);
+}
+
+/// The reason that the new process gives; 0 when it became the tool.
+int read_failure(Pipe& failure) {
+    failure.writing = Descriptor();
+    int reason = 0;
+    ssize_t count = 0;
+    do {
+        count = read(failure.reading.get(), &reason, sizeof reason);
+    } while (count < 0 && errno == EINTR);
+    return count == sizeof reason ? reason : 0;
+}
+
+int wait_for(pid_t process) {
+    int status = 0;
+    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
+}
+
+} // namespace
+
+void LineReader::read_lines(const std::function<void(std::string_view line)>& take) {
+    std::array<char, 16384> bytes{};
+    const ssize_t count = read(descriptor_.get(), bytes.data(), bytes.size());
+    if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
+        return;
+    }
+    if (count <= 0) {
+        descriptor_ = Descriptor();
+        return;
+    }
+    pending_.append(bytes.data(), static_cast<std::size_t>(count));
+    std::size_t begin = 0;
+    for (std::size_t end = 0; (end = pending_.find('\n', begin)) != std::string::npos;
+         begin = end + 1) {
+        take(std::string_view(pending_).substr(begin, end - begin));
+    }
+    pending_.erase(0, begin);
+}
+
+std::size_t room_for_arguments() {
+    const long told = sysconf(_SC_ARG_MAX);
+    std::size_t room =
+        told > 0 ? std::min(static_cast<std::size_t>(told), usual_limit) : usual_limit;
+    std::size_t taken = spare_room;
+    for (char** entry = environ; *entry; ++entry) {
+        taken += size_as_argument(*entry);
+    }
+    return room > taken ? room - taken : 0;
+}
+
+std::size_t size_as_argument(const std::string& argument) {
+    return argument.size() + 1 + sizeof(char*);
+}
+
+ToolProcess::ToolProcess(const std::vector<std::string>& words) {
+    std::vector<char*> pointers;
+    pointers.reserve(words.size() + 1);
+    for (const std::string& word : words) {
+        pointers.push_back(const_cast<char*>(word.c_str())); // which execv only reads
+    }
+    pointers.push_back(nullptr);
+    Pipe out;
+    Pipe err;
+    Pipe failure;
+    process_ = fork();
+    if (process_ < 0) {
+        throw std::system_error(errno, std::generic_category());
+    }
+    if (process_ == 0) {
+        become(pointers.data(), out.writing.get(), err.writing.get(), failure.writing.get());
+    }
+    if (const int reason = read_failure(failure); reason != 0) {
+        wait_for(process_);
+        throw std::system_error(reason, std::generic_category());
+    }
+    out_ = LineReader(without_waiting(std::move(out.reading)));
+    err_ = LineReader(without_waiting(std::move(err.reading)));
+}
+
+ToolProcess::~ToolProcess() {
+    if (process_ > 0) {
+        terminate();
+        wait_for(process_);
+    }
+}
+
+void ToolProcess::read_output(const std::function<void(std::string_view line)>& take_out,
+                              const std::function<void(std::string_view line)>& take_err) {
+    std::array<pollfd, 2> pipes = {pollfd{out_.descriptor(), POLLIN, 0},
+                                   pollfd{err_.descriptor(), POLLIN, 0}};
+    if (poll(pipes.data(), pipes.size(), longest_wait_ms) <= 0) {
+        return;
+    }
+    if (pipes[0].revents != 0) {
+        out_.read_lines(take_out);
+    }
+    if (pipes[1].revents != 0) {
+        err_.read_lines(take_err);
+    }
+}
+
+void ToolProcess::terminate() const {
+    kill(process_, SIGTERM);
+}
+
+std::string ToolProcess::wait() {
+    const int status = wait_for(std::exchange(process_, -1));
+    if (WIFSIGNALED(status)) {
+        const int signal = WTERMSIG(status);
+        return "signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";
+    }
+    return "status " + std::to_string(WEXITSTATUS(status));
+}
+
+} // namespace lumo::library

@@ -66,11 +66,11 @@ std::string posix_parts(std::string_view parts) {
 } // namespace
 
 std::string exs_text(std::span<const std::uint8_t> bytes) {
-    const std::string text(bytes.begin(), bytes.end());
+    std::string text(bytes.begin(), bytes.end());
     if (is_utf8(text)) {
         return text;
     }
-    const std::string rest = text.substr(0, text.size() - unfinished_character(bytes));
+    std::string rest = text.substr(0, text.size() - unfinished_character(bytes));
     if (!is_ascii(rest) && is_utf8(rest)) {
         return rest;
     }

@@ -56,7 +56,8 @@ void require_utf8(const fs::path& target, const fs::path& source) {
     }
 }
 
-/// Copies `source` to `target`. False when something has that name already.
+/// Copies `source` to `target`. False when another process has placed something there meanwhile.
+/// Throws when the copy fails, also for a link at `target` that leads nowhere.
 bool copy_sample(const fs::path& source, const fs::path& target) {
     fs::create_directories(target.parent_path());
     // A clone of a link would be a link: the show gets the file that it leads to.
@@ -65,7 +66,7 @@ bool copy_sample(const fs::path& source, const fs::path& target) {
         return true;
     }
     const std::error_code error(errno, std::generic_category());
-    if (error == std::errc::file_exists) {
+    if (error == std::errc::file_exists && is_there(target)) {
         return false;
     }
     throw fs::filesystem_error("copy failed", source, target, error);
@@ -94,7 +95,7 @@ fs::path place(const fs::path& source, const fs::path& package, NamesSeen& seen,
         if (!is_there(target) && copy_sample(source, target)) {
             copied_bytes += size;
             taken.of_size.emplace(size, candidate);
-        } else if (is_there(target)) { // else a link that leads nowhere has the name
+        } else {
             taken.of_size.emplace(fs::file_size(target), candidate);
         }
     }

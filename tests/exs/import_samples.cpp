@@ -234,14 +234,18 @@ TEST_F(ImportSamples, WhoseNameAnotherProcessTakesAtTheSameTimeAreNumbered) {
     EXPECT_EQ(report.copied_bytes, 4U);
 }
 
-TEST_F(ImportSamples, WhoseNameALinkToNowhereTakesAreNumbered) {
+TEST_F(ImportSamples, WhosePlaceALinkToNowhereTakesEndTheImport) {
     fs::create_directories(in_show("samples/Kit"));
     fs::create_symlink("nowhere", in_show("samples/Kit/kick.wav"));
     set_samples({sample("Kit/kick.wav", "kick")});
     const Report report = import_preset();
-    EXPECT_TRUE(report.ok) << report.error;
-    EXPECT_EQ(placed(), Texts{"samples/Kit/kick-2.wav"});
+    const fs::filesystem_error expected("copy failed", folder / "Kit/kick.wav",
+                                        in_show("samples/Kit/kick.wav"),
+                                        std::error_code(EEXIST, std::generic_category()));
+    EXPECT_EQ(report.error,
+              std::string("the samples couldn't be copied into the show: ") + expected.what());
     EXPECT_FALSE(fs::exists(in_show("samples/Kit/nowhere")));
+    EXPECT_FALSE(fs::exists(in_show("samples/Kit/kick-2.wav")));
 }
 
 TEST_F(ImportSamples, WhosePlaceIsAFolderEndTheImport) {

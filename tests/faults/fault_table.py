@@ -9,6 +9,7 @@ in the show is whole. The report line's own write may fail; that run is not judg
 """
 
 import os
+import re
 import shutil
 import subprocess
 import tempfile
@@ -38,7 +39,8 @@ def faults_of(stage, call, error):
         faults += scene.line_faults(result.stdout, show, stage.instruments)
     after = scene.contents(show)
     faults += [f"{path} changed" for path, data in prior.items() if after.get(path) != data]
-    faults += [f"{path} is half" for path in scene.files_not_sound(show / "samples", stage.originals)]
+    half = scene.files_not_sound(show / "samples", stage.originals)
+    faults += [f"{path} is half" for path in half]
     shutil.rmtree(show)
     return [f"{call} {error}: {fault}" for fault in faults]
 

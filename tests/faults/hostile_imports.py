@@ -109,7 +109,8 @@ def main():
                 instruments.append(folder / "in" / f"{i}{extension}")
                 instruments[-1].parent.mkdir(exist_ok=True)
                 everything = sum(seeds.values(), [])
-                instruments[-1].write_bytes(damage(chance.choice(seeds[extension]), everything, chance))
+                seed = chance.choice(seeds[extension])
+                instruments[-1].write_bytes(damage(seed, everything, chance))
             done += BATCH
             command = scene.command(tool, show, show / "states", instruments, [folder / "seeds"])
             if imported(command, BATCH) is None:

@@ -34,14 +34,16 @@ def faults_after_kill(stage, call, wanted):
     prior = scene.contents(show)
     if stage.run_with_fault(show, call, "signal=SIGKILL").returncode != -signal.SIGKILL:
         return [f"{call}: was not killed"]
-    faults = [f"{path} is half" for path in scene.files_not_sound(show / "samples", stage.originals)]
+    half = scene.files_not_sound(show / "samples", stage.originals)
+    faults = [f"{path} is half" for path in half]
     left = scene.contents(show / "samples")
     result = stage.run(show)
     faults += scene.line_faults(result.stdout, show, stage.instruments)
     if result.stdout.count(b'"ok":true') != len(stage.instruments):
         faults.append(f"the next run: {result.stdout.decode()}")
     after = scene.contents(show)
-    faults += [f"{path} changed" for path, data in (prior | left).items() if after.get(path) != data]
+    changed = [path for path, data in (prior | left).items() if after.get(path) != data]
+    faults += [f"{path} changed" for path in changed]
     if samples_in(show) != wanted:
         faults.append(f"the show holds {sorted(map(str, samples_in(show)))}")
     shutil.rmtree(show)
@@ -64,7 +66,8 @@ class Kills(unittest.TestCase):
         with ThreadPoolExecutor(os.cpu_count()) as pool:
             found = list(pool.map(lambda call: faults_after_kill(stage, call, wanted), calls))
         names = sorted({call.name for call in calls})
-        print(f"\n{len(calls)} kills at {len(names)} kinds of calls: {', '.join(names)}", flush=True)
+        print(f"\n{len(calls)} kills at {len(names)} kinds of calls: {', '.join(names)}",
+              flush=True)
         faults = [fault for faults in found for fault in faults]
         self.assertEqual(faults, [], "\n" + "\n".join(faults))
 

@@ -16,8 +16,11 @@ PASSED_OVER = {"brk", "mmap", "munmap", "mprotect", "mremap", "madvise", "futex"
 
 def can_trace():
     """Whether strace is here and may trace."""
-    return bool(shutil.which("strace")) and subprocess.run(
-        ["strace", "-o", os.devnull, "true"], stderr=subprocess.DEVNULL, check=False).returncode == 0
+    if not shutil.which("strace"):
+        return False
+    traced = subprocess.run(["strace", "-o", os.devnull, "true"], stderr=subprocess.DEVNULL,
+                            check=False)
+    return traced.returncode == 0
 
 
 @dataclass(frozen=True)

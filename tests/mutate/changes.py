@@ -23,9 +23,9 @@ NEGATIONS = {" == ": " != ", " != ": " == ", " && ": " || ", " || ": " && ",
 NO_CALLS = {"if", "for", "while", "switch", "return", "sizeof", "alignof", "alignas", "decltype",
             "noexcept", "catch", "static_assert", "defined", "requires", "operator"}
 NO_STATEMENTS = re.compile(
-    r"(return|using|case|default|goto|static_assert|namespace|template|friend|typedef|public|private"
-    r"|protected|struct|class|enum|union|const|constexpr|constinit|static|auto|extern|explicit"
-    r"|virtual|inline|else|if|for|while|do|switch|try|catch)\b")
+    r"(return|using|case|default|goto|static_assert|namespace|template|friend|typedef|public|"
+    r"private|protected|struct|class|enum|union|const|constexpr|constinit|static|auto|extern|"
+    r"explicit|virtual|inline|else|if|for|while|do|switch|try|catch)\b")
 STATEMENT = re.compile(
     r"(break|continue|throw\b.*|(\+\+|--).*"
     r"|\**[\w:]+(<[^;=]*>)?\s*(\.|->|\(|\[|[-+*/|&^]?= |<<=|>>=|\+\+|--).*);$", re.DOTALL)

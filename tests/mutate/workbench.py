@@ -203,4 +203,6 @@ def meaning_of(status):
     """What the status of a program that has ended says; "" for success."""
     if status in (-signal.SIGXCPU, -signal.SIGKILL):
         return "hangs"
-    return "" if status == 0 else "fails" if status > 0 else f"ends by {signal.Signals(-status).name}"
+    if status < 0:
+        return f"ends by {signal.Signals(-status).name}"
+    return "fails" if status > 0 else ""

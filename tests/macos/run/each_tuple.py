@@ -14,7 +14,7 @@ from pathlib import Path
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "script"))
-import macho
+import macho  # noqa: E402
 
 # Their calls arrive at open$NOCANCEL as well, so no test misses them.
 SECOND_NET = {"fopen", "fopen_extended", "opendir"}

@@ -100,7 +100,7 @@ class Mutants(unittest.TestCase):
 
     def test_the_guard_against_recursion_gone(self):
         self.change(LOOK_UP, "inside.is_first() && ", "")
-        self.check_noticed("TheShimsOf.AllLeaveALinkThatIsThere") # it waits for itself
+        self.check_noticed("TheShimsOf.AllLeaveALinkThatIsThere")  # it waits for itself
 
     def test_a_tuple_of_another_function(self):
         self.change(SHIMS, "LUMO_INTERPOSE(open_nocancel)\n",

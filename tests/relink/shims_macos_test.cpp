@@ -381,11 +381,12 @@ TEST_F(TheShimsOf, ReadlinkGivesTheTextOfAnIndexedLink) {
 
 // The library resolves the link itself, with calls that arrive at its own shims.
 TEST_F(TheShimsOf, AllLeaveALinkThatIsThere) {
-    const test::TempFolder links;
-    fs::create_symlink(folder / "library/kick.wav", links / "snare.wav");
+    const std::string link = (folder / "links/snare.wav").string();
+    fs::create_directory(folder / "links");
+    fs::create_symlink(folder / "library/kick.wav", link);
     relink::begin(index);
     for (const Shim& shim : shims()) {
-        EXPECT_NO_THROW(shim.has_sample((links / "snare.wav").c_str())) << shim.name;
+        EXPECT_NO_THROW(shim.has_sample(link.c_str())) << shim.name;
     }
     const relink::Result result = relink::end();
     EXPECT_TRUE(result.relinked.empty() && result.unresolved.empty());

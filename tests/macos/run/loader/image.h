@@ -47,6 +47,9 @@ Image& load_program(const std::string& path, const std::string& system_root);
 /// The exported name of an image; a leading underscore belongs to it.
 void* find_export(const Image& image, std::string_view name);
 
+/// The address of a name in the first image that exports it, else what is simulated; null for none.
+void* find_anywhere(std::string_view name);
+
 /// What a call of `function` from the system's own libraries reaches: the replacement of a loaded
 /// library's interpose section, or the function itself.
 void* interposed(void* function);

@@ -20,6 +20,8 @@ void* find_weak(std::string_view name) {
     return first ? first : find_system(name);
 }
 
+} // namespace
+
 void* find_anywhere(std::string_view name) {
     for (const Image* image : loaded_images()) {
         if (void* address = find_export(*image, name)) {
@@ -28,8 +30,6 @@ void* find_anywhere(std::string_view name) {
     }
     return find_system(name);
 }
-
-} // namespace
 
 void* find_import(const Image& image, int ordinal, std::string_view name) {
     switch (ordinal) {

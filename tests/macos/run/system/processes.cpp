@@ -103,8 +103,9 @@ void* mac_dlopen(const char*, int) {
     return nullptr;
 }
 
-void* mac_dlsym(void*, const char*) {
-    return nullptr;
+/// The function of libSystem or of a loaded library, whatever handle is asked.
+void* mac_dlsym(void*, const char* name) {
+    return interposed(find_anywhere(std::string("_") + name));
 }
 
 const Name names[] = {

@@ -1,4 +1,4 @@
-// A file descriptor with an owner, and calls that a signal interrupts.
+// An owning file descriptor, and a retry for system calls that a signal interrupts.
 #pragma once
 
 #include <unistd.h>
@@ -8,8 +8,8 @@
 
 namespace lumo {
 
-/// Owns a file descriptor, or none (-1). Closing leaves errno alone, so that a function may return
-/// in the middle with the errno that its caller is to see.
+/// Owns a file descriptor, or none (-1). The destructor preserves errno, so a function can return
+/// early with the errno of the call that failed.
 class Descriptor {
 public:
     Descriptor() = default;
@@ -29,14 +29,14 @@ public:
 
     explicit operator bool() const { return descriptor_ >= 0; }
     int get() const { return descriptor_; }
-    /// Gives the descriptor away; the caller closes it.
+    /// Releases ownership; the caller closes the descriptor.
     int release() { return std::exchange(descriptor_, -1); }
 
 private:
     int descriptor_ = -1;
 };
 
-/// Makes a system call again for as long as a signal interrupts it.
+/// Repeats a system call as long as it fails with EINTR; returns its last result.
 template <class Call>
 auto uninterrupted(Call call) {
     auto result = call();

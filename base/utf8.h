@@ -1,5 +1,5 @@
-// UTF-8 text: its characters, one at a time, and whether bytes are such text at all. On a Mac no
-// function of CoreFoundation answers the latter: it takes the byte A9 for a character of its own.
+// Decodes and validates UTF-8, one character at a time. CoreFoundation on macOS cannot be used to
+// validate: it accepts the single byte A9 as a character.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +7,14 @@
 
 namespace lumo {
 
-/// One character of a text.
+/// One decoded character.
 struct Utf8Character {
-    std::size_t size; ///< In bytes, 1 to 4; 0 when the bytes are no valid UTF-8.
-    char32_t value;   ///< Of no meaning when `size` is 0.
+    std::size_t size; ///< In bytes, 1 to 4; 0 when the bytes are not valid UTF-8.
+    char32_t value;   ///< Undefined when `size` is 0.
 };
 
-/// The character that a text, which must not be empty, begins with. Overlong forms, surrogates,
-/// characters beyond U+10FFFF and ones that are cut off are not valid.
+/// Decodes the first character of `text`, which must not be empty. Overlong forms, surrogates,
+/// values above U+10FFFF and truncated sequences are invalid.
 inline Utf8Character first_utf8_character(std::string_view text) noexcept {
     const auto byte = [text](std::size_t i) { return static_cast<unsigned char>(text[i]); };
     if (byte(0) < 0x80) {
@@ -37,7 +37,7 @@ inline Utf8Character first_utf8_character(std::string_view text) noexcept {
     return {is_valid ? size : 0, value};
 }
 
-/// Whether all of `text` is valid UTF-8; no text at all is.
+/// Whether all of `text` is valid UTF-8; true for empty text.
 inline bool is_utf8(std::string_view text) noexcept {
     while (!text.empty()) {
         const std::size_t size = first_utf8_character(text).size;

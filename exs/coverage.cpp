@@ -1,7 +1,7 @@
-// Counting layers cell by cell and bit by bit would look at each of the 8192 cells of each layer.
-// Here the counts stand upright, a plane of 8192 bits for each of their binary digits, and adders
-// made of bitwise operations count 64 cells at a time. Sixteen layers are added together, so that
-// the higher digits are reached by one carry instead of sixteen.
+// Counting layer by layer would visit each of the 8192 cells (128 keys, 64 velocity pairs) of each
+// layer. Instead, the counts are stored as bit planes: plane p holds bit p of the counts of all
+// cells, and adders made of bitwise operations count 64 cells at a time. Sixteen layers are added
+// together, so the higher planes take one carry instead of sixteen.
 #include "coverage.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 namespace lumo::exs {
 namespace {
 
-/// Adds the bits `a` and `b` to those of `sum`; returns the carries.
+/// Adds the bits `a` and `b` to the bits of `sum`; returns the carries.
 std::uint64_t add_bits(std::uint64_t& sum, std::uint64_t a, std::uint64_t b) {
     const std::uint64_t half = sum ^ a;
     const std::uint64_t carry = (sum & a) | (half & b);
@@ -18,8 +18,8 @@ std::uint64_t add_bits(std::uint64_t& sum, std::uint64_t a, std::uint64_t b) {
     return carry;
 }
 
-/// Adds one row of 2^bits layers to the digits of their count; returns the carries into the digit
-/// above.
+/// Adds one row of 2^bits layers to the binary digits of the row's counts; returns the carries into
+/// the next higher digit.
 template <std::size_t bits>
 std::uint64_t add_row(std::uint64_t* digits, const Coverage* layers, std::size_t row) {
     if constexpr (bits == 0) {
@@ -32,7 +32,7 @@ std::uint64_t add_row(std::uint64_t* digits, const Coverage* layers, std::size_t
     }
 }
 
-/// Adds a carry to a plane and turns it into the carry to the plane above.
+/// Adds `carry` to a plane; on return `carry` is the carry into the next plane.
 void add_carry(Coverage& plane, Coverage& carry) {
     for (std::size_t row = 0; row < plane.size(); ++row) {
         const std::uint64_t sum = plane[row] ^ carry[row];
@@ -41,7 +41,8 @@ void add_carry(Coverage& plane, Coverage& carry) {
     }
 }
 
-/// Keeps those of `cells` that are in the plane, if any is.
+/// Reduces `cells` to those set in the plane, and returns true, if there are any; else leaves them
+/// unchanged.
 bool narrow(Coverage& cells, const Coverage& plane) {
     Coverage common;
     std::uint64_t any = 0;

@@ -1,4 +1,4 @@
-// The lock belongs to the open folder: the end of the process gives it back as well.
+// flock() locks the open descriptor, so the system also releases the lock when the process ends.
 #include "folder_lock.h"
 
 #include <fcntl.h>
@@ -17,7 +17,7 @@ FolderLock::FolderLock(const std::string& folder)
 
 FolderLock::~FolderLock() {
     if (descriptor_ >= 0) {
-        flock(descriptor_, LOCK_UN); // at once, even where closing the folder fails
+        flock(descriptor_, LOCK_UN); // releases the lock even if close() fails
         close(descriptor_);
     }
 }

@@ -1,12 +1,12 @@
-// Keeps processes that write into the same folder apart.
+// A lock against other processes that write into the same folder.
 #pragma once
 
 #include <string>
 
 namespace lumo::exs {
 
-/// An exclusive advisory lock on a folder, waited for and held until it goes out of scope. Where
-/// the folder cannot be locked there is none, and that is no failure.
+/// An exclusive advisory lock on a folder. The constructor waits for it; the destructor releases
+/// it. If the folder cannot be locked, the object holds no lock, and that is not an error.
 class FolderLock {
 public:
     explicit FolderLock(const std::string& folder);

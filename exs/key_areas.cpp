@@ -1,4 +1,4 @@
-// Where the layers of an instrument sound: a layer's limits hold for each of its zones.
+// The key areas of an instrument's layers. A layer's limits apply to each of its zones.
 #include "preset_file.h"
 #include "state_walk.h"
 #include <lumo/state.h>
@@ -9,7 +9,7 @@
 namespace lumo::exs {
 namespace {
 
-/// What two areas share; nothing when they do not meet.
+/// The intersection of two areas; nothing when it is empty.
 std::optional<KeyArea> common_area(const KeyArea& one, const KeyArea& other) {
     const KeyArea both = {std::max(one.low_key, other.low_key),
                           std::min(one.high_key, other.high_key),

@@ -1,5 +1,5 @@
-// A state in a show refers to the samples in the show by paths relative to the package. Before it
-// is loaded those are joined with the package's own path, and each must be there.
+// A state in a show refers to the show's samples by paths relative to the package. Before the state
+// is loaded, these are joined with the path of the package, and each file must exist.
 #include "references.h"
 #include <lumo/exs.h>
 
@@ -10,7 +10,8 @@ namespace lumo::exs {
 namespace fs = std::filesystem;
 namespace {
 
-/// Turns a reference's path into one through the package; else says in `error` why it is refused.
+/// Joins the path of a reference with the package. False, with `error` set to the reason, when the
+/// reference is rejected.
 bool resolve(std::string& path, const fs::path& package, std::string& error) {
     if (path.empty() || path.front() == '/') {
         error = "not a path in the show: " + path;

@@ -1,6 +1,6 @@
-// Reads a preset as it comes. It may be a pipe that is never written to or a device without an end:
-// opening never blocks, and waiting and size have their limits, so that none holds up a run. A pipe
-// that has a writer is waited for without limit: the writer may be a program that takes its time.
+// Reads a preset from any kind of file. It may be a pipe that is never written to, or an endless
+// device: opening never blocks, and both time and size are limited, so none can hang a run. A pipe
+// that has a writer is read without a time limit, since the writer may be a slow program.
 #include "preset_file.h"
 
 #include "base/descriptor.h"
@@ -23,7 +23,8 @@ constexpr std::size_t usual_read_size = 65536;
 constexpr int read_timeout_ms = 3000;
 constexpr int no_timeout = -1;
 
-/// What the file can tell before it is read. A file may grow, so it is asked once.
+/// The kind and the expected size of a file, read once before its contents. A regular file may
+/// still grow.
 struct FileStatus {
     bool is_pipe = false;
     std::size_t expected_size = usual_read_size;
@@ -38,14 +39,13 @@ struct FileStatus {
     }
 };
 
-/// Waits until the file has bytes or has come to its end; false when neither happens in time.
+/// Waits until the file has bytes or is at its end; false after `timeout_ms`, or on a failure.
 bool wait_for(int file, int timeout_ms) {
     pollfd ready = {file, POLLIN, 0};
     return uninterrupted([&] { return poll(&ready, 1, timeout_ms); }) > 0;
 }
 
-/// Reads up to `size` bytes: how many came, 0 at the end, less than 0 on a failure or when nothing
-/// comes in time.
+/// Reads up to `size` bytes. Returns their number, 0 at the end, or -1 on a failure or timeout.
 ssize_t read_some(int file, int timeout_ms, unsigned char* bytes, std::size_t size) {
     for (;;) {
         const ssize_t count = uninterrupted([&] { return read(file, bytes, size); });
@@ -68,8 +68,8 @@ std::vector<unsigned char> read_preset(const std::string& path) {
         return {};
     }
     if (status.is_pipe) {
-        // A pipe without a writer reads as one that has ended, so a writer is waited for first. One
-        // that has come and written nothing yet shows in the read, which then gives EAGAIN.
+        // A pipe without a writer reads as if it had ended, so a writer is waited for first. While
+        // the writer has written nothing yet, the read fails with EAGAIN.
         wait_for(file.get(), read_timeout_ms);
     }
     const int timeout_ms = status.is_pipe ? no_timeout : read_timeout_ms;

@@ -1,5 +1,5 @@
-// Access to property lists. A key string is made for each look-up and dropped right after it;
-// every value's type is tested before it is used as that type.
+// Access to property lists. Each look-up creates a key string and releases it; the type of a value
+// is checked before it is cast.
 #include "property_list.h"
 
 #include "base/descriptor.h"
@@ -18,10 +18,9 @@ T typed_value(CFDictionaryRef dictionary, const char* key, CFTypeID type) {
     return value && CFGetTypeID(value) == type ? static_cast<T>(value) : nullptr;
 }
 
-/// Creates or empties the file at `path` and writes the bytes. The system is asked once for all of
-/// them: a disk that becomes full is seen here, where it is reported, and not when the file is
-/// closed. (A stream, even an unbuffered one, divides them as its library likes.) Only after a
-/// write that was cut short is it asked again, and then says why.
+/// Creates or truncates the file at `path` and writes the bytes with one write() call, so that a
+/// full disk is detected here and reported, not at close. (A stream, even an unbuffered one, may
+/// split the write.) write() is called again only after a short write; it then reports the cause.
 bool write_file(const char* path, const UInt8* bytes, std::size_t size) {
     const Descriptor file(
         uninterrupted([&] { return open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666); }));

@@ -1,5 +1,5 @@
-// One reference to a CoreFoundation object, dropped when its Ref goes. Nothing else in
-// exs/ says CFRelease.
+// An owning reference to a CoreFoundation object, released by its destructor. Nothing else in exs/
+// calls CFRelease.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -8,14 +8,16 @@
 
 namespace lumo::exs {
 
-/// Owns one reference to an object of the CoreFoundation type `T`, or nothing. Moves, never copies.
+/// Owns one reference to an object of the CoreFoundation type `T`, or nothing. Movable, not
+/// copyable.
 template <typename T>
 class Ref {
 public:
     Ref() = default;
-    /// Takes over the reference that a Create or Copy function handed out; null gives nothing.
+    /// Takes ownership of the reference that a Create or Copy function returned; null gives
+    /// nothing.
     static Ref adopt(T object) { return Ref(object); }
-    /// Adds a reference to what a Get function lent; null gives nothing.
+    /// Retains an object that a Get function returned; null gives nothing.
     static Ref retain(T object) { return Ref(object ? static_cast<T>(CFRetain(object)) : nullptr); }
 
     Ref(Ref&& other) noexcept : object_(other.release()) {}
@@ -29,10 +31,10 @@ public:
         }
     }
 
-    /// The object, lent for as long as this Ref holds it.
+    /// The object, borrowed: valid as long as this Ref owns it.
     T get() const { return object_; }
     explicit operator bool() const { return object_ != nullptr; }
-    /// The object with its reference, which the caller releases.
+    /// Releases ownership; the caller calls CFRelease.
     T release() { return std::exchange(object_, nullptr); }
 
 private:

@@ -1,4 +1,4 @@
-// Reading and replacing the entry "file-references" of a sampler state, a dictionary from the
+// Reads and replaces the entry "file-references" of a sampler state, a dictionary from the
 // sampler's own keys to the paths of its sample files.
 #include "references.h"
 

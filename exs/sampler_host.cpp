@@ -1,4 +1,4 @@
-// The AudioToolbox calls of an import, each with its constants in one place.
+// The AudioToolbox calls of an import, with the constants they take.
 #include "sampler_host.h"
 
 #include <strings.h>

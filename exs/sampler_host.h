@@ -1,5 +1,5 @@
-// Hosting AUSampler: making a unit, loading an instrument or a state into it, reading its state.
-// No audio is processed; all properties are the unit's own (global scope, element 0).
+// Hosts AUSampler: creates a unit, loads an instrument or a state into it, and reads its state. No
+// audio is rendered; all properties belong to the unit as a whole (global scope, element 0).
 #pragma once
 
 #include "ref.h"
@@ -17,20 +17,19 @@ struct DisposeUnit {
     void operator()(AudioUnit unit) const { AudioComponentInstanceDispose(unit); }
 };
 
-/// An AUSampler unit that disposes of itself, or none.
+/// An AUSampler unit, disposed of by the destructor, or none.
 using Sampler = std::unique_ptr<std::remove_pointer_t<AudioUnit>, DisposeUnit>;
 
-/// A new, initialised AUSampler; none, with `error` replaced by the reason, when there is none to
-/// be had.
+/// A new, initialised AUSampler; none, with `error` set to the reason, when it cannot be created.
 Sampler make_sampler(std::string& error);
 
-/// Whether the last extension of `path` is `extension` (dot included), without regard to case.
+/// Whether the last extension of `path` is `extension` (with its dot), ignoring case.
 bool has_extension(const std::string& path, const char* extension);
 
-/// Loads the EXS instrument at `url`. Returns 0 or a status.
+/// Loads the EXS instrument at `url`. Returns 0 or an error status.
 OSStatus set_exs(AudioUnit sampler, CFURLRef url);
 
-/// Loads a state (or a preset, which is one). Returns 0 or a status.
+/// Loads a state or a preset (the two have one format). Returns 0 or an error status.
 OSStatus set_state(AudioUnit sampler, CFPropertyListRef state);
 
 /// The unit's state, a dictionary; nothing when it cannot be read.

@@ -1,5 +1,5 @@
-// The shape of a sampler state: how many zones its layers have, which keys they cover, and how
-// much the layers that sound on every note lie on top of one another.
+// The shape of a sampler state: the zones of its layers, the keys they cover, and the overlap of
+// the layers that sound on every note.
 #include "coverage.h"
 #include "state_walk.h"
 #include <lumo/state.h>

@@ -1,5 +1,5 @@
-// What the layers and zones of a state say of themselves, value by value, with the sampler's own
-// defaults for what is missing.
+// Reads the values of the layers and zones of a state, with the sampler's own defaults for missing
+// values.
 #include "state_walk.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 namespace lumo::exs {
 namespace {
 
-constexpr std::int32_t release_trigger = 12; // "trigger mode" of a layer that sounds on release
+constexpr std::int32_t release_trigger = 12; // "trigger mode" of layers that sound on key release
 
 } // namespace
 

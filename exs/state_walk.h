@@ -1,4 +1,4 @@
-// The walk through the layers and zones of a sampler state, which all who read one share.
+// Iterates over the layers and zones of a sampler state; shared by all code that reads states.
 #pragma once
 
 #include "property_list.h"
@@ -8,7 +8,7 @@
 
 namespace lumo::exs {
 
-/// Calls `visit` with each dictionary of an array (null: none); other elements are passed over.
+/// Calls `visit` with each dictionary of an array (null: none); other elements are skipped.
 template <typename Visit>
 void for_each_dictionary(CFArrayRef array, Visit visit) {
     const CFIndex count = array ? CFArrayGetCount(array) : 0;
@@ -20,7 +20,7 @@ void for_each_dictionary(CFArrayRef array, Visit visit) {
     }
 }
 
-/// Calls `visit` with each layer of a state (borrowed); not at all when it has no instrument.
+/// Calls `visit` with each layer of a state (borrowed); never when it has no instrument.
 template <typename Visit>
 void for_each_layer(const void* state, Visit visit) {
     const auto dictionary = static_cast<CFDictionaryRef>(state);
@@ -29,17 +29,17 @@ void for_each_layer(const void* state, Visit visit) {
     }
 }
 
-/// The name and the switches of a layer; its counts are zero.
+/// The name and the flags of a layer; its counts are zero.
 Shape::Layer layer_settings(CFDictionaryRef dictionary);
 
-/// The key and velocity limits of a zone or a layer; nothing when they leave no key or velocity.
+/// The key and velocity limits of a zone or a layer; nothing when the range is empty.
 std::optional<KeyArea> limits_of(CFDictionaryRef dictionary);
 
-/// Where a zone sounds; nothing when it is off or covers nothing.
+/// The area of a zone; nothing when the zone is disabled or its area is empty.
 std::optional<KeyArea> area_of(CFDictionaryRef zone);
 
-/// Reads a layer: its name and switches into the result, each of its zones counted there, and calls
-/// `visit` with the area of each zone that sounds.
+/// Returns a layer with its name, flags and zone counts, and calls `visit` with the area of each
+/// enabled zone whose area is not empty.
 template <typename Visit>
 Shape::Layer read_layer(CFDictionaryRef dictionary, Visit visit) {
     Shape::Layer layer = layer_settings(dictionary);

@@ -1,4 +1,4 @@
-// Texts that functions of the C library allocate for their caller.
+// Owns strings that C library functions allocate for their caller.
 #pragma once
 
 #include <stdlib.h>
@@ -12,7 +12,7 @@ struct Free {
     void operator()(char* allocated) const { free(allocated); }
 };
 
-/// A copy of `allocated`, which is freed; empty for null.
+/// Returns a copy of `allocated` and frees it; empty for null.
 inline std::string take_text(char* allocated) {
     const std::unique_ptr<char, Free> owner(allocated);
     return allocated ? std::string(allocated) : std::string();

@@ -1,7 +1,8 @@
-// Each root of Apple's library is a run of folder names. A path belongs to the library when such a
-// run occurs anywhere in it: a library that was moved to another volume keeps its inner folders.
-// Some roots are called as folders of a user's own Library may be, and do not count inside one; the
-// others name Apple's content by themselves.
+// Each root of Apple's library is a sequence of folder names. A path belongs to the library when
+// such a sequence occurs anywhere in it, since a library that was moved to another volume keeps its
+// inner folders. Some roots have names that folders in a user's own Library may have too; these are
+// ignored inside a home folder's Library. The names of the other roots are unique to Apple's
+// content.
 #include "apple_library.h"
 
 #include <strings.h>
@@ -15,7 +16,7 @@ namespace {
 
 using Components = std::vector<std::string_view>;
 
-/// The components of `path` without those that say nothing ("" and "."), ".." taken back.
+/// The components of `path` without "" and ".", with ".." resolved lexically.
 Components components(std::string_view path) {
     Components result;
     result.reserve(16);
@@ -33,10 +34,10 @@ Components components(std::string_view path) {
     return result;
 }
 
-/// Runs of folder names, each folder in the one before it; "*" is any one name.
+/// Sequences of nested folder names; "*" matches any one name.
 using Folders = std::vector<Components>;
 
-/// Roots that lie in a Library folder, the system's or that of a volume.
+/// Roots in a Library folder, that of the system or of a volume.
 const Folders& library_roots() {
     static const Folders roots{
         components("Library/Application Support/GarageBand"),
@@ -52,7 +53,7 @@ const Folders& library_roots() {
     return roots;
 }
 
-/// Roots whose names nothing else has.
+/// Roots whose names are unique to Apple's content.
 const Folders& named_roots() {
     static const Folders roots{
         components("GarageBand.app/Contents/Resources"),
@@ -64,7 +65,7 @@ const Folders& named_roots() {
     return roots;
 }
 
-/// Where a volume's own folders begin: the start-up volume's, or a mounted one's.
+/// The root folders of volumes: the start-up volume and mounted ones.
 const Folders& volumes() {
     static const Folders folders{
         components("/"),
@@ -95,8 +96,8 @@ bool ends_any(std::string_view name, const Folders& folders) {
                        [&](const Components& names) { return is_same_name(name, names.back()); });
 }
 
-/// Whether `path` leads into a home folder's own Library, which is its user's whatever the folders
-/// in it are called. /Users/Shared is no home.
+/// Whether `path` is inside the Library of a home folder, which belongs to the user whatever its
+/// folders are called. /Users/Shared is not a home folder.
 bool is_in_home_library(const Components& path) {
     return std::any_of(volumes().begin(), volumes().end(), [&](const Components& volume) {
         const std::size_t first = volume.size();

@@ -5,14 +5,14 @@
 
 namespace lumo::exs::relink {
 
-/// Whether `path` leads into Apple's sound library, on the start-up volume or wherever the library
-/// was moved. Whole components are compared, letter case aside. Nothing in a home folder's own
-/// Library belongs to it but what names Apple's content by itself ("Logic Pro Library.bundle", the
-/// resources of Apple's applications). Judges the text alone and touches no disk.
+/// Whether `path` is inside Apple's sound library, on the start-up volume or wherever the library
+/// was moved. Whole components are compared, ignoring case. In the Library of a home folder only
+/// names that are unique to Apple's content count ("Logic Pro Library.bundle", the resources of
+/// Apple's applications). Examines the text only; accesses no disk.
 bool is_in_apple_library(std::string_view path);
 
-/// Whether a file or folder called `name` may belong to the library although the folder that holds
-/// it does not: a quick test that spares most names the one of the whole path.
+/// Whether a file or folder called `name` can belong to the library although its folder does not: a
+/// quick test that makes is_in_apple_library unnecessary for most names.
 bool may_enter_apple_library(std::string_view name);
 
 } // namespace lumo::exs::relink

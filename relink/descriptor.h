@@ -1,4 +1,4 @@
-// A file descriptor with an owner.
+// An owning file descriptor.
 #pragma once
 
 #include <unistd.h>
@@ -7,7 +7,7 @@
 
 namespace lumo::exs::relink {
 
-/// Owns a file descriptor, or none (-1), and closes it. Moves, never copies.
+/// Owns a file descriptor, or none (-1), and closes it. Movable, not copyable.
 class Descriptor {
 public:
     Descriptor() = default;
@@ -25,7 +25,7 @@ public:
 
     explicit operator bool() const { return descriptor_ >= 0; }
     int get() const { return descriptor_; }
-    /// Gives the descriptor away; the caller closes it.
+    /// Releases ownership; the caller closes the descriptor.
     int release() { return std::exchange(descriptor_, -1); }
 
 private:

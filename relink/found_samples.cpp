@@ -1,8 +1,7 @@
-// A large map that is filled in the order of the disk spends its time waiting for memory: each name
-// falls into another bucket, and each growth of the map visits all that it holds. So the map gets
-// its size first, and the samples are put into it in the order of its buckets, the list of a name
-// with its size from the start. When the index is destroyed, its parts are met in the order
-// of memory.
+// Filling a large hash map in directory order is bound by memory latency: each name is in another
+// bucket, and each growth visits all entries. Therefore the map gets its final size first, and the
+// samples are inserted in the order of its buckets, each name's list with its final size. The order
+// also makes the destruction of the index visit memory in ascending order.
 #include "found_samples.h"
 
 #include "sample_names.h"
@@ -12,10 +11,11 @@
 namespace lumo::exs::relink {
 namespace {
 
-/// How many samples ahead the memory is asked for that a sample is read from.
+/// How many samples ahead of the current one the memory of a sample is prefetched.
 constexpr std::size_t samples_ahead = 8;
 
-/// Makes room for `count` more keys; grows by half the size or more, so that roots may be many.
+/// Makes room for `count` more keys. Grows by at least half the size, so that many roots do not
+/// each cause a rehash.
 void make_room(SampleIndex& index, std::size_t count) {
     const std::size_t size = index.files.size();
     if (size + count > index.files.bucket_count()) {
@@ -87,7 +87,7 @@ bool FoundSamples::is_any_of(const std::string& root, const std::vector<Place>& 
         make_key(name_at(places[i]), key);
         const auto found = index.files.find(key);
         if (found == index.files.end() || &found->second == looked_through) {
-            continue; // the files of one name follow one another and are many
+            continue; // entries of one name are adjacent and may be many
         }
         looked_through = &found->second;
         if (std::any_of(looked_through->begin(), looked_through->end(),

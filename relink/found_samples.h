@@ -1,4 +1,4 @@
-// The samples of one root on their way from the walk into the index.
+// The samples of one root, collected by the walk before they are inserted into the index.
 #pragma once
 
 #include "name_list.h"
@@ -11,14 +11,15 @@
 
 namespace lumo::exs::relink {
 
-/// What a walk found, in the order of the disk and a tenth of its size in the index.
+/// The samples that a walk found, in directory order. Takes about a tenth of the memory that they
+/// take in the index.
 class FoundSamples {
 public:
-    /// Adds the samples `names` of `folder`, a path with a slash at its end.
+    /// Adds the samples `names` of `folder`, a path that ends in a slash.
     void add(const std::string& folder, const NameList& names);
 
-    /// Puts them into `index` as samples of `root`, unless it has some of them from an earlier walk
-    /// of `root`. Empty afterwards.
+    /// Moves the samples into `index` as samples of `root`, unless the index has some of them
+    /// already from an earlier walk of `root`. This object is empty afterwards.
     void move_into(SampleIndex& index, const std::string& root);
 
 private:
@@ -27,21 +28,21 @@ private:
         NameList names;
     };
 
-    /// Where a sample is among those found, and the bucket of the index that it belongs into.
+    /// The position of a sample in this object, and its bucket in the index.
     struct Place {
-        std::uint32_t bucket; // only the order depends on it: bits may be lost
+        std::uint32_t bucket; // truncated to 32 bits: used for the order only
         std::uint32_t folder;
         std::uint32_t name;
     };
 
     std::vector<Place> in_order_of(const SampleIndex& index) const;
 
-    /// Whether `index` has a file of `root` with the name of one of `places`, which are in its
-    /// order.
+    /// Whether `index` has an entry of `root` with the name of one of `places`, which are in the
+    /// order of the buckets.
     bool is_any_of(const std::string& root, const std::vector<Place>& places,
                    const SampleIndex& index) const;
 
-    /// How many of `places` from `first` on have the key `wanted`, that of the first.
+    /// How many of `places`, from `first` on, have the key `wanted`, which is the key of `first`.
     std::size_t count_of_key(const std::string& wanted, const std::vector<Place>& places,
                              std::size_t first) const;
     const char* name_at(const Place& place) const;

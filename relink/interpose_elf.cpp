@@ -1,10 +1,11 @@
-// The C library's file functions under their own names. This library stands before libc in the
-// process's search order, so calls from the program and from every library in it arrive here; the
-// real function is the next one of that name. A shim decides nothing: it says how the call is made,
-// and look_up says with which path.
+// Shims with the names of the C library's file functions. This library precedes libc in the search
+// order of the process, so calls from the program and from every library arrive here; the real
+// function is the next one of that name. A shim makes no decision: it passes the call to look_up as
+// a function of the path, and look_up chooses the path.
 //
-// glibc's fopen, opendir and realpath call inner functions that cannot be taken over, so each name
-// has a shim of its own. The names with 64 differ from those without where off_t has 32 bits.
+// glibc's fopen, opendir and realpath call internal functions that cannot be interposed, so each
+// name has a shim. The variants with 64 in their names differ from the others where off_t has 32
+// bits.
 #undef _FORTIFY_SOURCE
 #undef _FILE_OFFSET_BITS
 
@@ -81,14 +82,15 @@ constinit RealFunction<RealPath> real_realpath("realpath");
 constinit RealFunction<RealPathChecked> real_realpath_chk("__realpath_chk");
 constinit RealFunction<CanonicalName> real_canonicalize_file_name("canonicalize_file_name");
 
-/// The mode argument of an open that may create a file.
+/// The mode argument of an open call that may create a file; 0 for other calls.
 mode_t mode_of(int flags, va_list arguments) {
     const bool has_mode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
     // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started the list.
     return has_mode ? va_arg(arguments, mode_t) : 0;
 }
 
-/// freopen closes its stream even when it fails, so the path is chosen before the one call.
+/// freopen closes its stream even when it fails, so the path is chosen first and freopen is called
+/// once.
 FILE* reopen(RealFunction<ReopenStream>& real, const char* path, const char* mode, FILE* stream) {
     if (!session::is_open() || !path || !only_reads(mode)) {
         return real(path, mode, stream);
@@ -235,7 +237,7 @@ int statx(int folder, const char* path, int flags, unsigned mask, struct statx* 
                       [&](int f, const char* p) { return real_statx(f, p, flags, mask, status); });
 }
 
-// What programs call that were built with a glibc before 2.33.
+// Called by programs that were built with glibc before 2.33.
 
 int __xstat(int version, const char* path, struct stat* status) {
     return look_up(path, [&](const char* p) { return real_xstat(version, p, status); });

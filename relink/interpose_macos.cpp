@@ -1,15 +1,15 @@
-// The system's file functions on a Mac. The loader reads the pairs in the section __interpose when
-// the process starts and binds each call of the original, from whatever image but this one, to the
-// replacement; calls from here reach the original. A replacement decides nothing: it says how the
-// call is made, and look_up says with which path.
+// Replacements for the system's file functions on a Mac. When the process starts, the loader reads
+// the pairs in the section __interpose and binds each call of the original, from every image but
+// this one, to the replacement; calls from this library reach the original. A replacement makes no
+// decision: it passes the call to look_up as a function of the path, and look_up chooses the path.
 //
-// What libsystem_c does inside fopen, opendir and realpath arrives at the kernel's functions, which
-// is why those have to be here; that the three are here themselves is a second net.
+// The calls that libsystem_c makes inside fopen, opendir and realpath reach the system call
+// functions, so these must be interposed; interposing the three as well is a second safeguard.
 //
-// The variants of a name that end in $NOCANCEL and $DARWIN_EXTSN have no names in C and get them
-// here; the compiler adds $INODE64 where the processor has it. Functions that no header declares,
-// or that not every supported system has, are imported weakly: the loader skips the pair of one
-// that is absent.
+// Variants whose names end in $NOCANCEL and $DARWIN_EXTSN cannot be named in C and are declared
+// here with a C name; the compiler appends $INODE64 where the processor has that variant. Functions
+// that no header declares, or that some supported systems lack, are imported weakly: the loader
+// skips the pair of a missing function.
 #include "allocated_text.h"
 #include "look_up.h"
 
@@ -34,7 +34,7 @@ FILE* fopen_extended(const char*, const char*) __asm("_fopen$DARWIN_EXTSN");
 char* realpath_plain(const char*, char*) __asm("_realpath");
 char* realpath_extended(const char*, char*) __asm("_realpath$DARWIN_EXTSN");
 
-// In sys/xattr.h, which not every set of a Mac's headers has.
+// Declared in sys/xattr.h, which some sets of macOS headers lack.
 ssize_t getxattr(const char*, const char*, void*, size_t, uint32_t, int);
 ssize_t listxattr(const char*, char*, size_t, int);
 
@@ -68,7 +68,7 @@ std::string real_path(const char* path) {
 
 namespace {
 
-/// The mode argument of an open that may create a file; a mode_t is passed on as an int.
+/// The mode argument of an open call that may create a file; a mode_t is passed as an int.
 int mode_of(int flags, va_list arguments) {
     return flags & O_CREAT ? va_arg(arguments, int) : 0;
 }
@@ -185,14 +185,15 @@ int faccessat_shim(int folder, const char* path, int mode, int flags) {
                       [&](int f, const char* p) { return faccessat(f, p, mode, flags); });
 }
 
-/// This one judges a list of paths in one call and tells an error for each.
+/// Checks a list of paths in one call and returns an error for each.
 int accessx_np_shim(const accessx_descriptor* paths, size_t size, int* errors, uid_t user) {
     const int result = accessx_np(paths, size, errors, user);
     if (result != 0 || !session::is_open()) {
         return result;
     }
     const int before = errno;
-    // The texts stand behind the descriptors; one without a text of its own has that of the last.
+    // The paths follow the descriptors; a descriptor without a path of its own uses the previous
+    // one.
     const char* path = nullptr;
     for (size_t i = 0; i < paths[0].ad_name_offset / sizeof(accessx_descriptor); ++i) {
         if (paths[i].ad_name_offset != 0) {
@@ -236,7 +237,7 @@ ssize_t listxattr_shim(const char* path, char* names, size_t size, int options) 
     return look_up(path, [&](const char* p) { return listxattr(p, names, size, options); });
 }
 
-/// A negative result that leaves errno alone means that there is no limit.
+/// A negative result with errno unchanged means that there is no limit.
 long pathconf_shim(const char* path, int name) {
     const int before = errno;
     errno = 0;
@@ -251,7 +252,8 @@ ssize_t readlink_shim(const char* path, char* text, size_t size) {
     return look_up(path, [&](const char* p) { return readlink(p, text, size); });
 }
 
-/// What is absent may be the folder of `to`, too: `from` is looked up only where it is not there.
+/// clonefile also fails with ENOENT when the folder of `to` is missing, so `from` is looked up only
+/// when it does not exist.
 int clonefile_shim(const char* from, const char* to, uint32_t flags) {
     const auto clone = [&](const char* p) { return clonefile(p, to, flags); };
     const int before = errno;
@@ -280,7 +282,7 @@ char* realpath_extended_shim(const char* path, char* resolved) {
     return look_up(path, [&](const char* p) { return realpath_extended(p, resolved); });
 }
 
-/// What the loader reads; both functions have one type.
+/// An entry of the section __interpose; both functions have the same type.
 template <class Function>
 struct Pair {
     Function* replacement;

@@ -1,6 +1,7 @@
 // Programs for Mac OS 9 saw file names of at most 31 characters: "12_Legacy_Pulsar_SH1#3BA81A.wav"
-// stands for a longer name of which the start and the extension are left; between them is the
-// file's number in hexadecimal digits. Such names are rare, so the whole index is looked through.
+// is the short form of a longer name. It has the start of the name, "#" with the file's number in
+// hexadecimal digits, and the extension. Such names are rare, so a linear search of the whole index
+// is enough.
 #include "mangled_names.h"
 
 #include "sample_names.h"
@@ -20,10 +21,10 @@ std::ptrdiff_t count_characters(std::string_view text) {
     return std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
 }
 
-/// What a mangled name still tells of the name that it stands for, as keys.
+/// The keys of the parts of the long name that a mangled name preserves.
 struct Remains {
     std::string start;
-    std::string extension; // with its dot
+    std::string extension; // including the dot
 };
 
 std::optional<Remains> parse(std::string_view name) {

@@ -1,4 +1,4 @@
-// The file names of one folder, held in one piece of storage.
+// The file names of one folder in one allocation.
 #pragma once
 
 #include <cstddef>
@@ -7,16 +7,16 @@
 
 namespace lumo::exs::relink {
 
-/// Names one behind the other, each with a NUL at its end; a name is known by where it begins.
+/// Names in sequence, each NUL-terminated; a name is identified by the offset of its first byte.
 class NameList {
 public:
-    /// Adds a name, which has no NUL in it.
+    /// Adds a name, which must not contain NUL.
     void add(std::string_view name) {
         bytes_.append(name).push_back('\0');
         ++count_;
     }
 
-    /// Leaves no name, and the storage for others.
+    /// Removes all names and keeps the storage.
     void clear() {
         bytes_.clear();
         count_ = 0;
@@ -24,7 +24,7 @@ public:
 
     std::size_t count() const { return count_; }
 
-    /// The name that begins at `place`. Reads no memory of its own.
+    /// The name that begins at offset `place`. Computes the address only; does not read the name.
     const char* at(std::size_t place) const { return bytes_.c_str() + place; }
 
     /// Calls `take(name, place)` for each name.

@@ -1,4 +1,4 @@
-// The C library's own function behind a shim that bears its name.
+// The C library's own function, called by the shim of the same name.
 #pragma once
 
 #include <dlfcn.h>
@@ -9,9 +9,9 @@
 
 namespace lumo::exs::relink {
 
-/// The next function called `name` in the process's search order behind this library, looked for at
-/// its first call: the first calls come before any initialiser of this library has run. Where the
-/// system has none, a call fails with ENOSYS: null, or -1.
+/// The next function called `name` after this library in the search order of the process. It is
+/// looked up at its first call, since calls may come before any initialiser of this library has
+/// run. If the system has no such function, a call returns null or -1 with errno ENOSYS.
 template <class Function>
 class RealFunction {
 public:

@@ -1,7 +1,7 @@
-// One name may have a hundred thousand files, so each candidate gets one pass over the end of its
-// path, byte by byte from the file upwards, against the recorded folders in the form of keys. Only
-// a candidate that differs where other bytes may mean the same (beyond ASCII, doubled slashes) has
-// its own folders put into that form first, and only those that share the most are compared
+// One name may have a hundred thousand files, so each candidate is compared in one pass, byte by
+// byte from the end of its path upwards, with the keys of the recorded folders. Only where a
+// candidate differs at a byte that may be equal in key form (beyond ASCII, repeated slashes) are
+// the keys of its own folders made; only the candidates that share the most folders are ranked
 // further.
 #include "sample_choice.h"
 
@@ -15,14 +15,13 @@
 namespace lumo::exs::relink {
 namespace {
 
-/// The path up to its last slash, without it.
+/// The path before its last slash.
 std::string_view folders_of(std::string_view path) {
     const std::size_t slash = path.rfind('/');
     return slash == std::string_view::npos ? std::string_view() : path.substr(0, slash);
 }
 
-/// The keys of the folders of `path`, each with a slash before it; empty components and "." are
-/// left out.
+/// The keys of the folders of `path`, each after a slash; empty components and "." are skipped.
 void make_folder_keys(std::string_view path, std::string& keys) {
     thread_local std::string key;
     keys.clear();
@@ -37,15 +36,15 @@ void make_folder_keys(std::string_view path, std::string& keys) {
     }
 }
 
-/// Whether the keys differ where a path has `c` and the recorded ones have `key`. Not so beyond
-/// ASCII, where a path may say the same in other bytes, at empty components and ".", and where the
-/// recorded folder is not UTF-8 and keeps its capitals. No other key of an ASCII character depends
-/// on what stands before it.
+/// Whether the keys certainly differ where a path has `c` and the recorded keys have `key`. Not
+/// certain beyond ASCII, where other bytes can have the same key, at empty components and ".", and
+/// where the recorded folder is not UTF-8 and keeps its upper-case letters. The key of any other
+/// ASCII character does not depend on the preceding ones.
 bool is_difference(char key, char c) {
     return is_ascii(c) && c != '/' && c != '.' && to_lower(key) == key;
 }
 
-/// The length of the run of folders that `path` shares with the recorded ones.
+/// The number of consecutive folders, from the file upwards, that `path` shares with `recorded`.
 std::size_t count_shared(std::string_view path, std::string_view recorded) {
     const auto is_key_of = [](char key, char c) { return is_ascii(c) && to_lower(c) == key; };
     const std::string_view folders = folders_of(path);
@@ -55,7 +54,7 @@ std::size_t count_shared(std::string_view path, std::string_view recorded) {
     if (key == recorded.rend()) {
         return static_cast<std::size_t>(count);
     }
-    if (c == folders.rend()) { // a relative path has no slash before its first component
+    if (c == folders.rend()) { // the first component of a relative path has no slash
         return static_cast<std::size_t>(count + (*key == '/' ? 1 : 0));
     }
     if (is_difference(*key, *c)) {
@@ -68,8 +67,8 @@ std::size_t count_shared(std::string_view path, std::string_view recorded) {
     return static_cast<std::size_t>(std::count(recorded.rbegin(), end, '/'));
 }
 
-/// How many candidates ahead the memory is asked for: a path lies anywhere, and waiting for it
-/// takes longer than to compare it.
+/// How many candidates ahead a path is prefetched: paths are scattered in memory, and a cache miss
+/// takes longer than a comparison.
 constexpr std::size_t candidates_ahead = 8;
 
 void prefetch_end(const std::string& path) {
@@ -84,7 +83,7 @@ std::size_t count_components(std::string_view path) {
     return count;
 }
 
-/// What decides between candidates that share as many folders: the less comes first.
+/// Ranks candidates that share equally many folders: the lowest is chosen.
 std::pair<std::size_t, std::string_view> rank(const SampleIndex::Entry& entry) {
     return {count_components(entry.path), entry.path};
 }

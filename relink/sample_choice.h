@@ -1,4 +1,4 @@
-// Which of several files of one name stands for a recorded path.
+// Chooses between several files with the same name for a recorded path.
 #pragma once
 
 #include <lumo/relink.h>
@@ -8,9 +8,9 @@
 
 namespace lumo::exs::relink {
 
-/// The entry whose path shares the longest run of folders with `recorded`, counted from the file
-/// upwards and compared by key; of several the one with the fewest components; of several the
-/// byte-wise smallest. `entries` is not empty.
+/// The entry whose path shares the most consecutive folders with `recorded`, counted from the file
+/// upwards and compared by key; among equals the one with the fewest components; then the one that
+/// is first in byte order. `entries` must not be empty.
 const SampleIndex::Entry& choose(const std::vector<SampleIndex::Entry>& entries,
                                  std::string_view recorded);
 

@@ -1,4 +1,4 @@
-// What a SampleIndex does, out of the parts that do it.
+// SampleIndex: composes the walk, the insertion and the choice of a sample.
 #include "folder_walk.h"
 #include "found_samples.h"
 #include "mangled_names.h"
@@ -17,7 +17,7 @@ void SampleIndex::add_root(const std::string& root) {
 }
 
 std::optional<std::string> SampleIndex::find(std::string_view recorded) const {
-    thread_local std::string key; // its storage serves every look-up of the thread
+    thread_local std::string key; // storage reused by every look-up of the thread
     const std::string_view name = relink::file_name(recorded);
     relink::make_key(name, key);
     const auto found = files.find(key);

@@ -1,5 +1,5 @@
-// Names are judged for every file of a disk, so the common case costs a few instructions: an
-// extension is compared as one number, and a name of plain ASCII is folded without Unicode, eight
+// Names are checked for every file of a disk, so the common case takes few instructions: an
+// extension is compared as one integer, and an ASCII name is folded without Unicode tables, eight
 // characters at a time.
 #include "sample_names.h"
 
@@ -12,7 +12,7 @@
 namespace lumo::exs::relink {
 namespace {
 
-/// Up to four letters as one number, letter case aside.
+/// Up to four characters as one integer, ignoring case.
 constexpr std::uint32_t packed(std::string_view extension) {
     std::uint32_t value = 0;
     for (const char c : extension) {
@@ -36,16 +36,16 @@ constexpr Chars each(unsigned char c) {
     return c * Chars{0x0101010101010101};
 }
 
-/// Eight ASCII characters in lower case: a sum has its high bit where the character is at or
-/// behind a bound, and a quarter of that bit is what tells the cases apart.
+/// Converts eight ASCII characters to lower case: each sum sets the high bit of a byte that is at
+/// or above its bound, and that bit shifted right by two is 0x20, the distance between the cases.
 constexpr Chars in_lower_case(Chars chars) {
     const Chars is_from_a = chars + each(0x80 - 'A');
     const Chars is_behind_z = chars + each(0x7f - 'Z');
     return chars + ((is_from_a & ~is_behind_z & each(0x80)) >> 2);
 }
 
-/// Puts `size` bytes of `name` from `at` on, at most eight, into `key` in lower case, and returns
-/// them.
+/// Stores `size` bytes of `name` from `at` on, at most eight, in `key` in lower case, and returns
+/// the original bytes.
 Chars fold(std::string_view name, std::size_t at, std::size_t size, std::string& key) {
     Chars chars = 0;
     std::memcpy(&chars, name.data() + at, size);
@@ -54,18 +54,18 @@ Chars fold(std::string_view name, std::size_t at, std::size_t size, std::string&
     return chars;
 }
 
-/// Puts `name` into `key` in lower case if it is ASCII; else it is false and `key` undefined.
+/// Stores `name` in `key` in lower case if it is ASCII; else returns false, with `key` undefined.
 bool make_ascii_key(std::string_view name, std::string& key) {
     constexpr std::size_t step = sizeof(Chars);
     key.resize(name.size());
     if (name.empty()) {
-        return true; // there may be no memory behind it to copy from
+        return true; // its data pointer may be null
     }
     Chars bits = 0;
     for (std::size_t at = 0; at + step <= name.size(); at += step) {
         bits |= fold(name, at, step, key);
     }
-    // The rest: again the last eight, as long as there are so many.
+    // The remaining bytes: the last eight again, if the name has eight.
     bits |= name.size() < step ? fold(name, 0, name.size(), key)
                                : fold(name, name.size() - step, step, key);
     return (bits & each(0x80)) == 0;

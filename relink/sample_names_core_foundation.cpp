@@ -1,5 +1,5 @@
-// The key of a name with CoreFoundation: composed, folded, composed again, since folding may
-// leave a letter and a mark that have a composed form.
+// The key of a name with CoreFoundation: composed, folded, and composed again, since folding can
+// produce a letter and a mark that have a composed form.
 #include "base/utf8.h"
 #include "sample_names.h"
 
@@ -19,7 +19,7 @@ struct Release {
 using String = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Release>;
 using MutableString = std::unique_ptr<std::remove_pointer_t<CFMutableStringRef>, Release>;
 
-/// The UTF-8 bytes of `string`; false when it has none (a lone surrogate).
+/// Copies the UTF-8 bytes of `string`; false when it cannot be converted (a lone surrogate).
 bool copy_bytes(CFStringRef string, std::string& bytes) {
     const CFRange all{0, CFStringGetLength(string)};
     CFIndex size = 0;

@@ -1,5 +1,5 @@
-// The key of a name with utf8proc. The name is composed first and folded then: folding turns the
-// combining iota into a letter, so marks that stand in another order would fold to other keys.
+// The key of a name with utf8proc. The name is composed before it is folded: folding turns the
+// combining iota into a letter, so marks in another order would fold to another key.
 #include "sample_names.h"
 
 #include <utf8proc.h>
@@ -10,7 +10,7 @@
 namespace lumo::exs::relink {
 namespace {
 
-/// `text` mapped as `options` say and composed; false when it is not UTF-8.
+/// Maps `text` according to `options` and composes it; false when it is not UTF-8.
 bool map(std::string_view text, utf8proc_option_t options, std::string& mapped) {
     const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
     const auto length = static_cast<utf8proc_ssize_t>(text.size());
@@ -18,7 +18,7 @@ bool map(std::string_view text, utf8proc_option_t options, std::string& mapped) 
     if (count < 0) {
         return false;
     }
-    // One code point more than the text has: the bytes are written over the code points.
+    // One code point more than the text has: the UTF-8 bytes are written over the code points.
     std::vector<utf8proc_int32_t> points(static_cast<std::size_t>(count) + 1);
     utf8proc_decompose(bytes, length, points.data(), count, options);
     const utf8proc_ssize_t size = utf8proc_reencode(points.data(), count, options);

@@ -1,6 +1,6 @@
 // liblumo-relink: finds samples that moved. A SampleIndex holds the sample files under a set of
-// root folders; while a relink session is open, the C library's file functions give an indexed
-// file wherever a sample is not at its recorded path, and the session records what they did.
+// root folders. While a relink session is open, the C library's file functions use an indexed file
+// wherever a sample is not at its recorded path, and the session records each redirection.
 #pragma once
 
 #include <cstdint>
@@ -15,54 +15,54 @@
 
 namespace lumo::exs {
 
-/// The sample files under the root folders. A plain value: its members are visible because the
-/// caller constructs, moves and destroys it, so their layout is part of the library's interface.
+/// The sample files under the root folders. A plain value: the caller constructs, moves and
+/// destroys it, so the layout of its members is part of the library's ABI.
 struct SampleIndex {
     /// One indexed file.
     struct Entry {
-        std::string path; ///< the file's path, beginning with `root`
-        std::string root; ///< the root folder that it was found under, as given to add_root
+        std::string path; ///< path of the file, beginning with `root`
+        std::string root; ///< root folder of the file, as passed to add_root
     };
 
-    /// The indexed files under the key of their file name (Unicode NFC, case folded).
+    /// The indexed files by the key of their file name (Unicode NFC, case folded).
     std::unordered_map<std::string, std::vector<Entry>> files;
-    /// How many entries `files` holds in all.
+    /// Total number of entries in `files`.
     std::uint64_t entries = 0;
 
-    /// Adds the sample files under `root`, which may be empty for the current folder, but for those
-    /// of Apple's sound library. A root that was added before is not added again, whatever has
-    /// changed below it. What cannot be read is passed over in silence; only allocation can fail,
-    /// by exception.
+    /// Adds the sample files under `root` (empty: the current folder), except those of Apple's
+    /// sound library. A root that was added before is not added again, even if its contents have
+    /// changed. Whatever cannot be read is skipped silently; the only failure is a failed
+    /// allocation, thrown as an exception.
     LUMO_RELINK_EXPORT void add_root(const std::string& root);
 
-    /// The path of the indexed file to use in place of `recorded`, or nothing when no indexed
-    /// file has its name. Touches no disk; the answer does not depend on the order of the walk.
+    /// The path of the indexed file to use in place of `recorded`, or nothing when no indexed file
+    /// has its name. Accesses no disk; the result does not depend on the order of the walk.
     LUMO_RELINK_EXPORT std::optional<std::string> find(std::string_view recorded) const;
 };
 
 namespace relink {
 
-/// What one session found. Each recorded path stands in one list at most and there once, byte
-/// for byte as it was asked for, in the order in which it was first asked for.
+/// What one session recorded. Each recorded path is in at most one list, and there once, byte for
+/// byte as it was requested, in the order of the first requests.
 struct Result {
-    /// Samples that were redirected: the recorded path, the indexed file used instead.
+    /// Redirected samples: the recorded path, and the indexed file used instead.
     std::vector<std::pair<std::string, std::string>> relinked;
-    /// Recorded paths of samples that are not in the index, and neither at their place as far as
-    /// the process can see: a folder that may not be searched hides them.
+    /// Recorded paths of samples that are neither in the index nor visible to the process at their
+    /// recorded path: a folder without search permission hides its files.
     std::vector<std::string> unresolved;
-    /// Paths of samples that belong to Apple's sound library, whether they exist or not, and of
-    /// existing ones that links lead into it.
+    /// Paths of samples in Apple's sound library, whether they exist or not, and of existing
+    /// samples that symbolic links lead into it.
     std::vector<std::string> apple_library;
 };
 
-/// Opens the session of this process against `index`, which must outlive it. Sessions do not
-/// nest; each begin is followed by one end. While a session is open, the C library's functions that
-/// take a path lock and allocate, in every thread: a signal handler, or a child that was forked
-/// from a process with several threads, must not call them.
+/// Opens the session of this process with `index`, which must outlive it. Sessions do not nest;
+/// each begin needs one end. While a session is open, the C library's functions that take a path
+/// lock a mutex and allocate memory, in every thread: a signal handler, or a child forked from a
+/// process with several threads, must not call them.
 LUMO_RELINK_EXPORT void begin(const SampleIndex& index);
 
-/// Closes the session and hands over what it recorded; the library keeps nothing of it. Empty when
-/// no session is open.
+/// Closes the session and returns its records; the library keeps no copy. Empty when no session is
+/// open.
 LUMO_RELINK_EXPORT Result end();
 
 } // namespace relink

@@ -1,5 +1,5 @@
-// The command line: three options that take a value each; what does not begin with "--" is an
-// instrument.
+// Parses the command line: three options with one value each; an argument that does not begin with
+// "--" is an instrument.
 #include "command_line.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 namespace lumo::exs {
 namespace {
 
-/// Puts an option's value in its place. False when there is no such option.
+/// Stores the value of an option. False when there is no such option.
 bool take_option(const std::string& option, const char* value, CommandLine& line) {
     if (option == "--package") {
         line.options.package = value;

@@ -1,4 +1,4 @@
-// What the command line asks for.
+// Parses the command line.
 #pragma once
 
 #include <lumo/exs.h>
@@ -9,21 +9,21 @@
 
 namespace lumo::exs {
 
-/// The usage text, which answers every fault of the command line.
+/// The usage text, printed for every invalid command line.
 extern const char* const usage;
 
-/// The arguments of the tool, taken apart.
+/// The parsed arguments of the tool.
 struct CommandLine {
-    Options options;                      ///< all but the index
-    std::vector<std::string> search;      ///< folders to look for samples in, in order
+    Options options;                      ///< everything except the index
+    std::vector<std::string> search;      ///< folders to search for samples, in order
     std::vector<std::string> instruments; ///< in order, not empty
 };
 
-/// Takes the arguments of main apart; nothing when they don't make an import.
+/// Parses the arguments of main; nothing when they are not valid.
 std::optional<CommandLine> parse_command_line(int argc, const char* const* argv);
 
-/// The folders to index, each once, in ascending byte order: those of the instruments and the
-/// search folders.
+/// The folders to index, without duplicates, in ascending byte order: the folders of the
+/// instruments and the search folders.
 std::vector<std::string> root_folders(const CommandLine& line);
 
 } // namespace lumo::exs

@@ -1,5 +1,5 @@
-// lumo-exs-import: brings sampler instruments into a Lumo show and says on standard output, a line
-// of JSON for each, what became of them.
+// lumo-exs-import: imports sampler instruments into a Lumo show and prints one line of JSON per
+// instrument to standard output.
 #include "command_line.h"
 #include "report_line.h"
 #include <lumo/exs.h>

@@ -1,5 +1,5 @@
-// The report line, key by key. Only what JSON demands is escaped: quote and backslash, tab and
-// newline in their short form, other control characters by number. Bytes beyond ASCII pass.
+// Formats the report line. Only what JSON requires is escaped: quote and backslash, tab and newline
+// in their short form, other control characters as \u00XX. Bytes beyond ASCII are copied.
 #include "report_line.h"
 
 #include <array>
@@ -38,7 +38,7 @@ std::string json(const std::string& text) {
     return literal + '"';
 }
 
-/// An array of what `write` makes of each element.
+/// A JSON array of the results of `write` for each element.
 template <typename List, typename Write>
 std::string json_array(const List& list, Write write) {
     std::string array = "[";

@@ -1,4 +1,4 @@
-// The tool's output: one line of JSON for each instrument.
+// The tool's output: one line of JSON per instrument.
 #pragma once
 
 #include <lumo/exs.h>
@@ -7,11 +7,11 @@
 
 namespace lumo::exs {
 
-/// A report as one JSON object, without spaces and without a newline. All keys are always there,
-/// in a fixed order.
+/// A report as one JSON object, without spaces or a newline. All keys are always present, in a
+/// fixed order.
 std::string report_line(const Report& report);
 
-/// Writes a report's line to standard output and flushes it; whether that works is not looked at.
+/// Writes the line of a report to standard output and flushes it. Write errors are ignored.
 void print(const Report& report);
 
 } // namespace lumo::exs

@@ -1,6 +1,6 @@
-// The top level of a state belongs to the unit and is taken apart here; "Instrument" is handed on
-// whole. Of the three numbers that say for which unit a state is, the type is not looked at: states
-// from all of Apple's own releases load, and so do those whose type a hand spoilt.
+// Reads and writes the top level of a state, which belongs to the unit; "Instrument" is passed on
+// unchanged. Of the numbers that identify the unit of a state, `type` is not checked: states from
+// all of Apple's own releases load, and existing presets have other values there.
 #include "audio_toolbox/class_info.h"
 
 #include "audio_toolbox/file_references.h"
@@ -16,7 +16,7 @@
 namespace lumo::platform {
 namespace {
 
-/// Whether a number is there and is `wanted`; of a real its whole part counts.
+/// Whether `key` has a number that equals `wanted`; a real is truncated.
 bool has_number(CFDictionaryRef list, const char* key, UInt32 wanted) {
     const CFTypeRef value = value_of_type(list, key, CFNumberGetTypeID());
     SInt32 number = 0;
@@ -40,8 +40,8 @@ bool is_for_this_unit(CFPropertyListRef list) {
 
 // --- size ---------------------------------------------------------------------------------------
 
-/// An instrument may have so many layers and zones together. A preset of a few kilobytes can name
-/// one zone a billion times, and nobody would wait for the end of whoever goes through them.
+/// The maximum number of layers and zones together. A preset of a few kilobytes can refer to one
+/// zone a billion times; to visit them all would take too long.
 constexpr CFIndex most_zones = 1 << 22;
 
 CFIndex count_zones(CFTypeRef layer) {
@@ -91,7 +91,7 @@ void set_parameters(const Info& info, const SamplerParameters& parameters) {
     set(info, "data", data.get());
 }
 
-/// What is the same in all states.
+/// The entries that are equal in all states.
 void set_constants(const Info& info) {
     set(info, "AU version", state_real(1).get());
     set(info, "manufacturer", state_integer(kAudioUnitManufacturer_Apple).get());

@@ -1,4 +1,4 @@
-// A sampler unit's class info: the property list that its whole state travels in.
+// A sampler unit's class info: the property list that holds its whole state.
 #pragma once
 
 #include "audio_toolbox/sampler_parameters.h"
@@ -10,7 +10,7 @@
 
 namespace lumo::platform {
 
-/// What a sampler unit holds.
+/// The state of a sampler unit.
 struct SamplerState {
     SamplerParameters parameters;
     UnitValues values;
@@ -18,11 +18,11 @@ struct SamplerState {
     LoadedInstrument loaded;
 };
 
-/// Reads class info into `state`, which holds what the unit has so far. `list` need not be a
-/// dictionary, nor be there. Opens no sample. Returns 0 or a status, `state` being as it was.
+/// Reads class info into `state`, which holds the unit's current state. `list` may be null or not a
+/// dictionary. Opens no sample. Returns 0, or a status with `state` unchanged.
 OSStatus read_class_info(CFPropertyListRef list, SamplerState& state);
 
-/// A new dictionary, mutable, with the keys that AUSampler writes and no others.
+/// A new mutable dictionary with exactly the keys that AUSampler writes.
 Ref<CFMutableDictionaryRef> class_info(const SamplerState& state);
 
 } // namespace lumo::platform

@@ -1,4 +1,4 @@
-// There is one component, the sampler, and it is there from the start.
+// The only component, the sampler, is a static object.
 #include "audio_toolbox/sampler_unit.h"
 #include "audio_toolbox/status.h"
 

@@ -1,5 +1,5 @@
-// A reference's key tells its kind: "Bank:" and a number is a sound bank, every other one a sample
-// ("Sample:" and a number as the sampler writes it, anything in presets made by hand).
+// The key of a reference determines its kind: "Bank:" and a number is a sound bank, every other key
+// a sample ("Sample:" and a number as written by the sampler, any text in presets made by hand).
 #include "audio_toolbox/file_references.h"
 
 #include "audio_toolbox/property_text.h"
@@ -14,7 +14,7 @@
 namespace lumo::platform {
 namespace {
 
-/// A reference: its key, for the order, and its path.
+/// The key of a reference, used for sorting, and its path.
 using Reference = std::pair<std::string, std::string>;
 
 struct References {

@@ -7,9 +7,9 @@
 
 namespace lumo::platform {
 
-/// Takes the references of `list`, the top level of class info, over into `loaded`: its references,
-/// file URLs as paths, and its files in ascending byte order of the keys. What is no text is left
-/// out. Opens no file.
+/// Stores the references of `list`, the top level of class info, in `loaded`: the dictionary of
+/// references, with file URLs converted to paths, and the files in ascending byte order of the
+/// keys. Entries whose key or value is not a string are left out. Opens no file.
 void read_references(CFDictionaryRef list, LoadedInstrument& loaded);
 
 } // namespace lumo::platform

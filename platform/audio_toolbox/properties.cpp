@@ -1,6 +1,6 @@
-// The property calls: what is asked for in which scope and in how many bytes, before a property's
-// own code sees it. The statuses are those of Apple's open base class for units, in its order of
-// checks; a null reference or a null unit, which that would crash on, is refused.
+// The property calls: check property, scope and size before the code of the property runs. The
+// statuses and the order of the checks are those of Apple's open-source base class for units; a
+// null reference or a null unit, which would crash that class, is rejected.
 #include "audio_toolbox/sampler_unit.h"
 #include "audio_toolbox/status.h"
 
@@ -11,7 +11,7 @@
 namespace lumo::platform {
 namespace {
 
-/// The size of a property's value; 0 when there is no such property.
+/// The size in bytes of a property's value; 0 when there is no such property.
 UInt32 property_size(AudioUnitPropertyID property) {
     switch (property) {
     case kAudioUnitProperty_ClassInfo:
@@ -33,7 +33,7 @@ OSStatus look_up(AudioUnitPropertyID property, AudioUnitScope scope, AudioUnitEl
     return element == 0 ? 0 : kAudioUnitErr_InvalidElement;
 }
 
-/// The element is not looked at when a property is set.
+/// Sets a property; the element is not checked.
 OSStatus set_property(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
                       const void* data, UInt32 size) {
     if (property_size(property) == 0) {
@@ -55,7 +55,8 @@ OSStatus set_property(AudioUnit unit, AudioUnitPropertyID property, AudioUnitSco
     return load_class_info(unit->state, list);
 }
 
-/// A buffer that is too small gets as much of the value as it holds, and no reference with it.
+/// Copies the reference to `data` and transfers ownership. A buffer that is too small gets the
+/// leading bytes only, and no ownership.
 void hand_over(Ref<CFMutableDictionaryRef> info, void* data, UInt32& size) {
     const CFPropertyListRef list = info.get();
     if (size >= sizeof list) {
@@ -101,7 +102,7 @@ OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID property, Audi
     }
     OSStatus status = unit && *size != 0 ? look_up(property, scope, element) : parameter_error;
     if (status == 0 && property != kAudioUnitProperty_ClassInfo) {
-        status = kAudioUnitErr_InvalidProperty; // instruments are loaded and not read back
+        status = kAudioUnitErr_InvalidProperty; // an instrument cannot be read back
     }
     if (status == 0) {
         status = guarded([&] {
@@ -121,7 +122,7 @@ OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID property, Audi
         return parameter_error;
     }
     if (!data) {
-        return kAudioUnitErr_InvalidPropertyValue; // no value: no property can do without
+        return kAudioUnitErr_InvalidPropertyValue; // every property requires a value
     }
     return guarded([&] { return set_property(unit, property, scope, data, size); });
 }

@@ -1,4 +1,4 @@
-// Presets name their samples by paths; some hosts write file URLs instead.
+// Presets refer to their samples by paths; some hosts write file URLs instead.
 #include "audio_toolbox/property_text.h"
 
 #include <strings.h>

@@ -1,4 +1,4 @@
-// Texts of property lists: as bytes and as paths.
+// Converts strings of property lists to UTF-8 and to paths.
 #pragma once
 
 #include "ref.h"
@@ -9,11 +9,11 @@
 
 namespace lumo::platform {
 
-/// The string in UTF-8; empty when it holds what UTF-8 does not have (half a surrogate pair).
+/// The string in UTF-8; empty when it cannot be encoded (a lone surrogate).
 std::string to_utf8(CFStringRef string);
 
-/// The path of a file reference: that of a file URL, unescaped and without its host, when the
-/// reference is one, else the reference itself.
+/// The path of a file reference. For a file URL, its path, percent-decoded and without the host;
+/// else, or when the URL has no valid path, the reference itself.
 Ref<CFStringRef> posix_path(CFStringRef reference);
 
 } // namespace lumo::platform

@@ -1,6 +1,6 @@
-// Class info keeps parameters as "data": records one behind the other, each a scope, an element, a
-// count and that many pairs of a parameter's number and its value. All are 32 bits, big-endian; the
-// values are floating-point numbers. The sampler has four parameters, all in the global scope.
+// Class info stores parameters as "data", a sequence of records: scope, element, count, then that
+// many pairs of a parameter's ID and its value. All fields are 32 bits, big-endian; values are IEEE
+// floating-point numbers. The sampler has four parameters, all in the global scope.
 #include "audio_toolbox/sampler_parameters.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ constexpr std::size_t record_head_size = 12;
 constexpr std::size_t pair_size = 8;
 constexpr std::uint32_t scope_count = 5; ///< global, input, output, group, part
 
-/// In the order of their numbers.
+/// In the order of their IDs.
 constexpr std::array<std::pair<std::uint32_t, float SamplerParameters::*>, 4> fields{{
     {900, &SamplerParameters::gain},
     {901, &SamplerParameters::coarse_tune},

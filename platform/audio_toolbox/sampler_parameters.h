@@ -1,4 +1,4 @@
-// The sampler's parameters and the bytes that class info keeps them in.
+// The sampler's parameters, and their byte format in class info.
 #pragma once
 
 #include <array>
@@ -9,7 +9,7 @@
 
 namespace lumo::platform {
 
-/// The unit's own controls, not those of its instrument.
+/// The unit's own controls, not those of the instrument.
 struct SamplerParameters {
     float gain = 0;        ///< dB
     float coarse_tune = 0; ///< semitones
@@ -19,16 +19,16 @@ struct SamplerParameters {
     bool operator==(const SamplerParameters&) const = default;
 };
 
-/// The bytes of one record with all four parameters: its head of 12 and 8 for each.
+/// The size in bytes of one record with all four parameters: a head of 12, and 8 per parameter.
 constexpr std::size_t parameter_data_size = 44;
 
-/// `parameters` with what the records in `data` say. Nothing when a record is for a scope that
-/// there is not; elements and parameters that there are not are passed over, and so is the rest of
-/// data that ends in the middle of a record.
+/// `parameters` updated with the records in `data`. Nothing when a record has an unknown scope;
+/// records of unknown elements, unknown parameters, and an incomplete record at the end are
+/// ignored.
 std::optional<SamplerParameters> with_parameter_data(SamplerParameters parameters,
                                                      std::span<const std::uint8_t> data);
 
-/// The one record that holds all parameters.
+/// One record with all parameters.
 std::array<std::uint8_t, parameter_data_size> parameter_data(const SamplerParameters& parameters);
 
 } // namespace lumo::platform

@@ -1,5 +1,5 @@
-// A load is made in a state of its own, which takes the place of the unit's once every sample has
-// been opened.
+// A load builds a separate state, which replaces the unit's state once every sample has been
+// opened.
 #include "audio_toolbox/sampler_unit.h"
 
 #include "sampler/exs_load.h"

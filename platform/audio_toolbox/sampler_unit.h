@@ -1,4 +1,4 @@
-// The sampler unit: a state and the properties through which it is loaded and read.
+// The sampler unit: its state, and the functions behind the properties that load it.
 #pragma once
 
 #include "audio_toolbox/class_info.h"
@@ -12,13 +12,13 @@ struct OpaqueAudioComponentInstance {
 
 namespace lumo::platform {
 
-// A load takes all or nothing: when it fails, be it at its very end in a sample, the state is as it
-// was.
+// Loads are atomic: on failure the state is unchanged.
 
-/// Takes over class info (a property list, borrowed) and opens its samples. Returns 0 or a status.
+/// Loads class info (a property list, borrowed) and opens its samples. Returns 0 or a status.
 OSStatus load_class_info(SamplerState& state, CFPropertyListRef list);
 
-/// Loads an instrument file and opens its samples; name and parameters stay. Returns 0 or a status.
+/// Loads an instrument file and opens its samples; name and parameters are kept. Returns 0 or a
+/// status.
 OSStatus load_instrument(SamplerState& state, const AUSamplerInstrumentData& data);
 
 } // namespace lumo::platform

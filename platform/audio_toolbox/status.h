@@ -1,4 +1,4 @@
-// From C++ to the statuses of the C interface.
+// Maps C++ exceptions to the statuses of the C interface.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -7,12 +7,12 @@
 
 namespace lumo::platform {
 
-/// General statuses, of MacErrors.h.
+/// General statuses, from MacErrors.h.
 constexpr OSStatus parameter_error = -50;
 constexpr OSStatus memory_full = -108;
 constexpr OSStatus unspecified_error = -1;
 
-/// The status that `work` returns, or that of the exception it ends with.
+/// The status that `work` returns, or the status for the exception that it throws.
 template <class Work>
 OSStatus guarded(Work work) noexcept {
     try {

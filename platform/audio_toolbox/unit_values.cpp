@@ -1,4 +1,4 @@
-// One table of keys serves reading and writing.
+// Reading and writing use the same tables of keys.
 #include "audio_toolbox/unit_values.h"
 
 #include "audio_toolbox/typed_value.h"

@@ -1,13 +1,13 @@
-// The unit's own numbers at the top level of class info.
+// The numbers at the top level of class info.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
 
 namespace lumo::platform {
 
-/// What is set for the unit as a whole, above its instrument. Four of the names are those of
-/// parameters as well; the real sampler saves states in which the two differ, and so they are kept
-/// apart.
+/// Settings of the unit as a whole, applied after the instrument's. Four have the names of
+/// parameters, but the real sampler saves states in which the two differ, so they are stored
+/// separately.
 struct UnitValues {
     float gain = 0;         ///< dB
     SInt32 coarse_tune = 0; ///< semitones
@@ -17,11 +17,11 @@ struct UnitValues {
     SInt32 voice_count = 64;
 };
 
-/// The values in `list`, the top level of class info. One that is missing or is no number has its
-/// default; a real where the sampler has a whole number counts by its whole part.
+/// The values in `list`, the top level of class info. A value that is missing or not a number has
+/// its default; a real where the sampler has an integer is truncated.
 UnitValues read_unit_values(CFDictionaryRef list);
 
-/// Sets all of the values in `info`.
+/// Stores all values in `info`.
 void set_unit_values(CFMutableDictionaryRef info, const UnitValues& values);
 
 } // namespace lumo::platform

@@ -1,4 +1,4 @@
-// Arrays. The callbacks that are supported are those of CoreFoundation objects and none at all.
+// Arrays. The supported callbacks are those of CoreFoundation objects, and null.
 #include "core_foundation/array.h"
 
 #include "core_foundation/callbacks.h"
@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t pointer_size = sizeof(void*);
 
-/// An array with room for `room` values behind its header.
+/// Allocates an array with room for `room` values after its header.
 Array* allocate(std::uint8_t flags, std::size_t room) {
     auto* array = new (::operator new(sizeof(Array) + room * pointer_size)) Array{flags, room};
     array->values = reinterpret_cast<const Object**>(array + 1);

@@ -1,4 +1,4 @@
-// Arrays: one allocation when made from their values, growing storage when mutable.
+// Arrays: one allocation when created from their values, with growing storage when mutable.
 #pragma once
 
 #include "core_foundation/container.h"
@@ -16,24 +16,24 @@ struct Array : Container {
     Array(std::uint8_t flags, std::size_t room) : Container{Kind::array, flags, room} {}
 
     std::span<const Object* const> items() const noexcept { return {values, count}; }
-    /// Whether the values stand behind the header, in the same allocation.
+    /// Whether the values follow the header, in the same allocation.
     bool is_inline() const noexcept {
         return static_cast<const void*>(values) == static_cast<const void*>(this + 1);
     }
 
-    /// Adds an object at the end, for which there must be room, and takes over its reference.
+    /// Appends an object and takes ownership of its reference. The array must have room for it.
     void take(Owned item) noexcept { values[count++] = item.release(); }
 
     const Object** values = nullptr;
 };
 
-/// An array of the given objects, whose references it takes over (they are null afterwards).
+/// An array of the given objects. Takes ownership of their references (`items` are null
+/// afterwards).
 Owned make_array(std::span<Owned> items);
-/// An empty array with room for `room` objects, to be filled before anybody else sees it.
+/// An empty array with room for `room` objects, to be filled before it is shared.
 std::unique_ptr<Array, Releaser> make_array_with_room(std::size_t room);
 
-/// Drops everything the array owns: `drop_child` is called with each object, then the storage of
-/// the values goes.
+/// Calls `drop_child` with each object that the array owns, then frees the storage of the values.
 template <class DropChild>
 void empty_array(Array& array, DropChild drop_child) noexcept {
     if (array.has(Container::owns_values)) {

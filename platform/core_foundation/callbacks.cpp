@@ -1,5 +1,5 @@
-// The callback structures of CoreFoundation objects. They are recognised by their functions, so
-// that a copy of one means the same; containers then never call through them.
+// The callback structures of CoreFoundation objects. They are identified by their functions, so a
+// copy of one has the same meaning; containers never call through them.
 #include "core_foundation/callbacks.h"
 
 #include <cstdint>
@@ -14,7 +14,7 @@ void release_object(CFAllocatorRef, const void* object) {
     CFRelease(object);
 }
 
-/// `flag` when the callbacks are those of objects, 0 when they are none.
+/// `flag` when the callbacks are those of objects, 0 when they are null; others stop the process.
 template <class CallBacks>
 std::uint8_t flag_of(const CallBacks* callbacks, Container::Flags flag) noexcept {
     if (callbacks == nullptr || (callbacks->retain == nullptr && callbacks->release == nullptr &&

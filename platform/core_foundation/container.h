@@ -8,10 +8,10 @@
 
 namespace lumo::platform {
 
-/// What begins every container. `count` of its `capacity` places are taken.
+/// The header of every container. `count` of `capacity` places are in use.
 struct Container : Object {
-    /// Bits of `detail`. A container made with null callbacks holds pointers that it does not own
-    /// and that need not be objects.
+    /// Bits of `detail`. A container created with null callbacks holds pointers that it does not
+    /// own and that need not be objects.
     enum Flags : std::uint8_t { owns_keys = 1, owns_values = 2, is_mutable = 4 };
 
     Container(Kind container_kind, std::uint8_t flags, std::size_t room)
@@ -22,7 +22,7 @@ struct Container : Object {
     std::size_t count;
     union {
         std::size_t capacity;
-        Container* next_dead; ///< Links containers that wait to be destroyed.
+        Container* next_dead; ///< Links containers to be destroyed.
     };
 };
 
@@ -31,7 +31,7 @@ inline bool is_container(Kind kind) noexcept {
     return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
 }
 
-/// Stops the process unless the container may be changed, as on a Mac.
+/// Stops the process unless the container is mutable, as on a Mac.
 inline void require_mutable(const Container& container) noexcept {
     if (!container.has(Container::is_mutable)) {
         __builtin_trap();

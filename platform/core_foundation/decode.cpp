@@ -1,5 +1,5 @@
-// Decoding of bytes into strings. UTF-8 and ISO 8859-1 go straight into the string's own storage,
-// the other encodings by way of UTF-16 units.
+// Decodes bytes into strings. UTF-8 and ISO 8859-1 are decoded into the string's storage directly,
+// the other encodings through UTF-16 units.
 #include "core_foundation/encodings.h"
 #include "core_foundation/unicode.h"
 
@@ -27,7 +27,7 @@ constexpr std::array<char16_t, 128> mac_roman = {
     0x00AF, 0x02D8, 0x02D9, 0x02DA, 0x00B8, 0x02DD, 0x02DB, 0x02C7,
 };
 
-// windows-1252 from 0x80 to 0x9F; 0 where it defines nothing. The rest is ISO 8859-1.
+// windows-1252 from 0x80 to 0x9F; 0 where it is undefined. From 0xA0 on it equals ISO 8859-1.
 constexpr std::array<char16_t, 32> windows_1252 = {
     0x20AC, 0x0000, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x0000, 0x017D, 0x0000, 0x0000, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,

@@ -1,7 +1,7 @@
-// Dictionaries and sets as objects. Entries stand in one row in the order of insertion; from
-// `indexed_from` entries of room on, a table of slots behind them finds a key by its hash. A slot
-// holds one more than the number of an entry, 0 when it is free; entries are only ever removed by
-// building the table anew, so a search ends at the first free slot.
+// Dictionaries and sets as objects. Entries are stored in the order of insertion; with a capacity
+// of `indexed_from` or more, a hash table of slots follows them. A slot holds the index of an entry
+// plus one, or 0 when it is free. A removal rebuilds the table, so a search ends at the first free
+// slot.
 #include "core_foundation/dictionary.h"
 
 #include "core_foundation/hashing.h"
@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t indexed_from = 9;
 
-/// The number of slots for so many entries: a power of two that stays at most three quarters full.
+/// The number of slots for a capacity: a power of two that is at most three quarters full.
 std::size_t slots_for(std::size_t room) noexcept {
     return room < indexed_from ? 0 : std::bit_ceil(room + room / 3 + 1);
 }
@@ -32,7 +32,7 @@ std::size_t storage_size(std::size_t room) {
     return room * sizeof(Entry) + slots_for(room) * sizeof(std::uint32_t);
 }
 
-/// Gives the dictionary the storage at `memory`; the index is still empty.
+/// Sets the dictionary's storage to `memory` and clears the index.
 void use_storage(Dictionary& dictionary, void* memory, std::size_t room) noexcept {
     const std::size_t slots = slots_for(room);
     dictionary.entries = static_cast<Entry*>(memory);
@@ -45,9 +45,9 @@ void use_storage(Dictionary& dictionary, void* memory, std::size_t room) noexcep
     }
 }
 
-/// Whether a key is told from others by its value and not by its address. Containers in a set are
-/// not: they have no hash worth the name, and a file with a large set of them must not take for
-/// ever.
+/// Whether a key is compared by value and not by address. Containers in a set are compared by
+/// address: their hash is only their count, so a file with a large set of them would take quadratic
+/// time.
 bool goes_by_value(const Dictionary& dictionary, const Object* key) noexcept {
     return dictionary.has(Container::owns_keys) &&
            !(dictionary.kind == Kind::set && is_container(key->kind));
@@ -79,7 +79,7 @@ Entry* find_in_row(const Dictionary& dictionary, const Object* key) {
     return nullptr;
 }
 
-/// Where the key's entry is, or null and the free slot in which its number belongs.
+/// The entry of a key, or null and the free slot for its index (null without a hash table).
 struct Place {
     Entry* entry;
     std::uint32_t* slot;
@@ -129,7 +129,8 @@ void grow(Dictionary& dictionary) {
     }
 }
 
-/// Whether the dictionary has these keys, in this order, and room for no more.
+/// Whether the dictionary has exactly these keys, as the same objects in this order, and no spare
+/// capacity.
 bool has_just_these_keys(const Dictionary& dictionary, std::span<const Owned> keys_and_values) {
     const std::span<const Entry> entries = dictionary.items();
     if (entries.size() * 2 != keys_and_values.size() || entries.size() != dictionary.capacity) {
@@ -143,7 +144,7 @@ bool has_just_these_keys(const Dictionary& dictionary, std::span<const Owned> ke
     return true;
 }
 
-/// Fills an empty dictionary that has the keys and the room of `model`.
+/// Fills an empty dictionary with the keys of `model`, which has the same capacity.
 void fill_like(const Dictionary& model, Dictionary& dictionary, std::span<Owned> keys_and_values) {
     for (std::size_t i = 0; i + 1 < keys_and_values.size(); i += 2) {
         dictionary.entries[dictionary.count++] = {keys_and_values[i].release(),

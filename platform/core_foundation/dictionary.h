@@ -1,5 +1,5 @@
-// Dictionaries and sets: flat entries in the order of insertion. Few are searched one by one, many
-// through an index of open addressing behind them.
+// Dictionaries and sets: a flat array of entries in insertion order. Small ones are searched
+// linearly, larger ones through an open-addressing index that follows the entries.
 #pragma once
 
 #include "core_foundation/container.h"
@@ -12,56 +12,58 @@
 
 namespace lumo::platform {
 
-/// A key and its value, both references or both bare pointers, as the dictionary's flags tell.
+/// A key and its value, each an owned reference or a raw pointer, depending on the flags.
 struct Entry {
     const Object* key;
     const Object* value; ///< Null in a set.
 };
 
-/// A dictionary or, by its kind, a set.
+/// A dictionary or, depending on `kind`, a set.
 struct Dictionary : Container {
     Dictionary(Kind dictionary_kind, std::uint8_t flags, std::size_t room)
         : Container{dictionary_kind, flags, room} {}
 
-    /// The entries in their fixed order: that of the first insertion of each key.
+    /// The entries in the order in which their keys were first inserted.
     std::span<const Entry> items() const noexcept { return {entries, count}; }
-    /// Whether the entries stand behind the header, in the same allocation.
+    /// Whether the entries follow the header, in the same allocation.
     bool is_inline() const noexcept {
         return static_cast<const void*>(entries) == static_cast<const void*>(this + 1);
     }
 
     Entry* entries = nullptr;
-    std::uint32_t* index = nullptr; ///< Null while the capacity is small; else 1 + entry, 0 = free.
+    std::uint32_t* index = nullptr; ///< Null for a small capacity; else entry index + 1, 0 = free.
     std::uint32_t index_mask = 0;
 };
 
-/// Which of several entries with equal keys stays.
+/// Which of several entries with equal keys is kept.
 enum class Duplicates { first_wins, last_wins };
 
-/// A dictionary of keys and values in turn (key, value, key, value, ...), whose references it takes
-/// over (they are null afterwards).
+/// A dictionary of alternating keys and values (key, value, key, value, ...). Takes ownership of
+/// their references (they are null afterwards).
 ///
-/// When the keys are those of `similar` one by one, the same objects and not just equal ones, then
-/// they are not looked at again: readers make row after row of dictionaries with the same keys.
+/// When the keys are the same objects, in the same order, as those of `similar`, its index is
+/// copied and no key is hashed or compared: files often contain many dictionaries with the same
+/// keys.
 Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates,
                       const Dictionary* similar = nullptr);
-/// A set of the given objects, whose references it takes over. Equal ones are held once, but
-/// containers are told apart by their addresses.
+/// A set of the given objects. Takes ownership of their references. Equal objects are stored once,
+/// but containers are compared by address.
 Owned make_set(std::span<Owned> items);
 
 /// The entry with an equal key, or null.
 const Entry* find(const Dictionary& dictionary, const void* key);
 
-/// An empty dictionary or set with room for `room` entries behind its header.
+/// An empty dictionary or set with room for `room` entries after its header.
 Dictionary* allocate_dictionary(Kind kind, std::uint8_t flags, std::size_t room);
-/// Adds an entry, without counting references. When the key is there already, nothing changes and
-/// the present entry comes back; otherwise null.
+/// Adds an entry, without retaining it, and returns null. If an equal key is present, changes
+/// nothing and returns the present entry.
 Entry* insert(Dictionary& dictionary, Entry entry);
-/// Takes out the entry with an equal key and hands it over; nothing when there is none. Takes time
-/// in proportion to the number of entries, whose order stays.
+/// Removes the entry with an equal key and returns it, without releasing it; nothing when there is
+/// none. The other entries keep their order; takes linear time.
 std::optional<Entry> remove(Dictionary& dictionary, const void* key);
 
-/// Drops everything the dictionary owns, as empty_array does.
+/// Calls `drop_child` with each object that the dictionary owns, then frees its storage, as
+/// empty_array does.
 template <class DropChild>
 void empty_dictionary(Dictionary& dictionary, DropChild drop_child) noexcept {
     for (const Entry& entry : dictionary.items()) {

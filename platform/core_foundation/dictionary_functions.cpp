@@ -1,5 +1,5 @@
-// The C functions of dictionaries and sets. The callbacks that are supported are those of
-// CoreFoundation objects and none at all, chosen separately for keys and values.
+// The C functions of dictionaries and sets. The supported callbacks are those of CoreFoundation
+// objects, and null, separately for keys and values.
 #include "core_foundation/callbacks.h"
 #include "core_foundation/dictionary.h"
 
@@ -29,7 +29,8 @@ void release_entry(const Dictionary& dictionary, const Entry& entry) noexcept {
     }
 }
 
-/// Adds an entry with references of its own; the present entry when the key is there already.
+/// Adds an entry and retains it. If an equal key is present, changes nothing and returns the
+/// present entry.
 Entry* add(Dictionary& dictionary, const void* key, const void* value) {
     const Entry entry{object_of(key), object_of(value)};
     Entry* present = insert(dictionary, entry);

@@ -1,5 +1,4 @@
-// Encoding of strings into bytes, a character at a time, but for plain text in an encoding that
-// writes it as it is stored.
+// Encodes strings into bytes, one character at a time; ASCII strings in ASCII or UTF-8 are copied.
 #include "core_foundation/encodings.h"
 
 #include <algorithm>
@@ -11,13 +10,13 @@
 namespace lumo::platform {
 namespace {
 
-/// A character and the number of units that it takes in the string.
+/// A character and the number of UTF-16 units that it takes in the string.
 struct Character {
     char32_t value;
     std::size_t units;
 };
 
-/// The bytes of one character; a length of 0 says that the encoding cannot write it.
+/// The bytes of one character; the length is 0 when it cannot be encoded.
 struct Bytes {
     std::array<std::uint8_t, 4> bytes;
     std::size_t length;
@@ -34,7 +33,7 @@ bool is_low_surrogate(char32_t unit) noexcept {
     return unit >= 0xDC00 && unit <= 0xDFFF;
 }
 
-/// The character at a place; a surrogate without its partner stands for itself.
+/// The character at `index`; an unpaired surrogate is returned as it is.
 Character character_at(const String& string, std::size_t index, std::size_t last) noexcept {
     const char32_t unit = unit_at(string, index);
     if (is_high_surrogate(unit) && index + 1 < last) {
@@ -46,7 +45,7 @@ Character character_at(const String& string, std::size_t index, std::size_t last
     return {unit, 1};
 }
 
-/// Six bits of a character as a continuation byte.
+/// A continuation byte with six bits of a character.
 std::uint8_t continuation(char32_t character, unsigned shift) noexcept {
     return static_cast<std::uint8_t>(0x80 | ((character >> shift) & 0x3F));
 }
@@ -96,13 +95,13 @@ Bytes bytes_of(char32_t value, CFStringEncoding encoding, std::uint8_t loss_byte
     }
 }
 
-/// A place to write bytes to, or, without one, only a count of them.
+/// Writes bytes to a buffer of limited size, or counts them when there is none.
 class BoundedOutput {
 public:
     BoundedOutput(std::uint8_t* out, std::size_t room)
         : at_{out}, left_{out == nullptr ? ~0ULL : room} {}
 
-    /// Whether all the bytes fitted; otherwise none is written.
+    /// Writes all the bytes, or none and returns false when they do not fit.
     bool put(const void* bytes, std::size_t count) noexcept {
         if (count > left_) {
             return false;

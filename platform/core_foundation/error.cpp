@@ -1,4 +1,4 @@
-// Errors of property lists, all of which are of one domain.
+// Errors of property lists. All have the same domain.
 #include "core_foundation/error.h"
 
 #include "core_foundation/string.h"

@@ -1,4 +1,4 @@
-// Errors: where and how an operation failed.
+// Errors: domain, code and description of a failure.
 #pragma once
 
 #include "core_foundation/object.h"
@@ -8,7 +8,7 @@
 
 namespace lumo::platform {
 
-/// An error; both texts are Strings.
+/// An error; domain and description are Strings.
 struct Error : Object {
     Error(CFIndex error_code, Owned error_domain, Owned error_description)
         : Object{Kind::error}, code{error_code}, domain{std::move(error_domain)},

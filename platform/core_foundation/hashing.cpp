@@ -1,5 +1,5 @@
-// A multiply-and-fold hash over words of eight bytes, seeded once from the random bytes that the
-// kernel hands every process.
+// A multiply-and-fold hash of 8-byte words, seeded once with the random bytes that the kernel
+// provides to each process (AT_RANDOM).
 #include "core_foundation/hashing.h"
 
 #include <sys/auxv.h>
@@ -18,7 +18,7 @@ std::uint64_t load_word(const unsigned char* bytes, std::size_t size) noexcept {
 }
 
 std::uint64_t random_seed() noexcept {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel hands out the address as a number
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the kernel passes the address as a number
     const auto* bytes = reinterpret_cast<const unsigned char*>(getauxval(AT_RANDOM));
     return bytes == nullptr ? multiplier : load_word(bytes, sizeof(std::uint64_t));
 }

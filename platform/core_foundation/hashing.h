@@ -1,5 +1,5 @@
-// Hashing of bytes and words. The values differ from run to run, so that nobody can prepare keys
-// that collide; no order of anything depends on them.
+// Hashes bytes and words. The values differ between runs, so colliding keys cannot be prepared; no
+// order depends on them.
 #pragma once
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace lumo::platform {
 std::uint32_t hash_bytes(const void* bytes, std::size_t size) noexcept;
 /// A hash of a word.
 std::uint32_t hash_word(std::uint64_t word) noexcept;
-/// The hash of the `size` bytes of an object that remembers it in `cache`, which is 0 until then.
+/// The hash of the `size` bytes of an object, stored in `cache`; 0 means not computed yet.
 inline std::uint32_t cached_hash(std::atomic<std::uint32_t>& cache, const void* bytes,
                                  std::size_t size) noexcept {
     std::uint32_t value = cache.load(std::memory_order_relaxed);
@@ -23,7 +23,7 @@ inline std::uint32_t cached_hash(std::atomic<std::uint32_t>& cache, const void* 
     }
     return value;
 }
-/// Whether two objects are known to be unequal without a look at their bytes, which may be long.
+/// Whether two objects are known to differ by their cached hashes, without comparing their bytes.
 inline bool hashes_differ(const std::atomic<std::uint32_t>& a,
                           const std::atomic<std::uint32_t>& b) noexcept {
     const std::uint32_t left = a.load(std::memory_order_relaxed);

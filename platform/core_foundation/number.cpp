@@ -1,4 +1,4 @@
-// Numbers as objects. Whole numbers that are common in property lists exist once, for ever.
+// Numbers as objects. Integers that are common in property lists are shared static objects.
 #include "core_foundation/number.h"
 
 #include "core_foundation/hashing.h"
@@ -14,7 +14,7 @@ namespace {
 constexpr std::int64_t first_shared = -1;
 constexpr std::size_t shared_count = 257; // -1 to 255
 
-/// The smallest ones are known as 32-bit numbers, as on a Mac.
+/// The type of -1 to 12 is reported as 32-bit, as on a Mac.
 constexpr Number shared_number(std::int64_t value) {
     return Number{value, value <= 12 ? kCFNumberSInt32Type : kCFNumberSInt64Type, immortal};
 }
@@ -27,7 +27,7 @@ constexpr std::array<Number, shared_count> number_row(std::index_sequence<I...>)
 constinit const std::array<Number, shared_count> shared_numbers =
     number_row(std::make_index_sequence<shared_count>{});
 
-/// Whether the real is the whole number `integer`, exactly; -0.0 is not 0.
+/// Whether `real` equals `integer` exactly; -0.0 is not 0.
 bool equal_integer(double real, std::int64_t integer) noexcept {
     return real >= -0x1p63 && real < 0x1p63 && static_cast<std::int64_t>(real) == integer &&
            static_cast<double>(integer) == real && !(integer == 0 && std::signbit(real));

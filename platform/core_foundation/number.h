@@ -1,14 +1,14 @@
-// Numbers: whole numbers of 64 bits, wide ones of 128 bits, reals of double and single precision.
+// Numbers: integers of 64 bits, wide integers of 128 bits, reals of double and single precision.
 #pragma once
 
 #include "core_foundation/object.h"
 
 namespace lumo::platform {
 
-/// How a number is kept, in the `detail` of its object.
+/// How a number is stored; the `detail` of its object.
 enum class NumberKind : std::uint8_t { integer, wide_integer, real, real32 };
 
-/// A number of any kind; only wide ones have more to them.
+/// A number of any kind; only wide integers have further members.
 struct Number : Object {
     constexpr explicit Number(std::int64_t value, CFNumberType number_type = kCFNumberSInt64Type,
                               std::uint32_t count = 1)
@@ -23,14 +23,14 @@ struct Number : Object {
     NumberKind number_kind() const noexcept { return static_cast<NumberKind>(detail); }
     bool is_real() const noexcept { return number_kind() >= NumberKind::real; }
 
-    std::uint8_t type; ///< The CFNumberType by which the number is known outside.
+    std::uint8_t type; ///< The CFNumberType that CFNumberGetType returns.
     union {
-        std::int64_t integer; ///< Of a wide number: the low 64 bits.
-        double real;          ///< Of a single-precision number too.
+        std::int64_t integer; ///< In a wide integer: the low 64 bits.
+        double real;          ///< Also of a single-precision number.
     };
 };
 
-/// A whole number of 128 bits, two's complement.
+/// A 128-bit integer, two's complement.
 struct WideNumber : Number {
     WideNumber(std::int64_t high_bits, std::uint64_t low_bits)
         : Number{static_cast<std::int64_t>(low_bits)}, high{high_bits} {
@@ -42,26 +42,26 @@ struct WideNumber : Number {
     std::int64_t high;
 };
 
-/// The high 64 bits of a whole number's 128-bit value.
+/// The high 64 bits of an integer's 128-bit value.
 inline std::int64_t high_bits(const Number& number) noexcept {
     return number.number_kind() == NumberKind::wide_integer
                ? static_cast<const WideNumber&>(number).high
                : number.integer >> 63;
 }
 
-/// A 64-bit number; small ones are shared.
+/// A 64-bit integer; -1 to 255 are shared objects.
 Owned make_integer(std::int64_t value);
-/// A 128-bit number, also when the value would fit 64 bits.
+/// A 128-bit integer, even when the value fits in 64 bits.
 Owned make_integer_128(std::int64_t high, std::uint64_t low);
 /// A real of double precision.
 Owned make_real(double value);
-/// A number that remembers being of single precision.
+/// A real whose type is single precision.
 Owned make_real32(float value);
 
-/// Whether two numbers have the same value, whatever their kinds. NaNs are equal, 0.0 and -0.0 are
+/// Whether two numbers have the same value, regardless of kind. NaNs are equal; 0.0 and -0.0 are
 /// not.
 bool equal_numbers(const Number& a, const Number& b) noexcept;
-/// A hash, the same for equal numbers.
+/// A hash; equal numbers have equal hashes.
 std::uint32_t hash_number(const Number& number) noexcept;
 
 } // namespace lumo::platform

@@ -1,4 +1,4 @@
-// The C functions of numbers: creation from and conversion to the scalar types.
+// The C functions of numbers: creates them from scalar types and converts them to scalar types.
 #include "core_foundation/number.h"
 
 #include <array>
@@ -13,11 +13,12 @@ using namespace lumo::platform;
 
 namespace {
 
-/// The 128-bit type, high word first, in which CoreFoundation keeps what property lists hold beyond
-/// 64 bits. It stands in no public header.
+/// The 128-bit type, high word first, in which CoreFoundation stores integers beyond 64 bits of
+/// property lists. No public header declares it.
 constexpr auto sint128_type = static_cast<CFNumberType>(17);
 
-/// A number type without its alias: one of the four widths of integers or the two of reals.
+/// The basic type of a number type: one of the four widths of integers or two of reals. An unknown
+/// type stops the process.
 CFNumberType plain_type(CFNumberType type) noexcept {
     constexpr std::array<CFNumberType, kCFNumberMaxType + 1> plain = {
         CFNumberType{},       kCFNumberSInt8Type,   kCFNumberSInt16Type,  kCFNumberSInt32Type,
@@ -46,7 +47,7 @@ Owned make_integer_of_type(std::int64_t value, CFNumberType type) {
     return Owned{new Number{value, type}};
 }
 
-/// Reals of single precision that are no numbers or infinite are known as double, as on a Mac.
+/// NaN and infinity of single precision become doubles, as on a Mac.
 Owned make_single(float value) {
     return std::isfinite(value) ? make_real32(value) : make_real(static_cast<double>(value));
 }
@@ -68,14 +69,14 @@ Owned make_number(CFNumberType type, const void* value) {
     }
 }
 
-/// What a conversion gave and whether it kept the value.
+/// The result of a conversion, and whether it is exact.
 template <class T>
 struct Converted {
     T value;
     bool exact;
 };
 
-/// A real cut towards zero; what is out of range becomes the nearest end of it, a NaN 0.
+/// Truncates a real towards zero; a value out of range becomes the nearest limit, a NaN 0.
 template <class T>
 Converted<T> integer_from_real(double real) noexcept {
     constexpr double limit = -static_cast<double>(std::numeric_limits<T>::min()); // 2^31 or 2^63
@@ -92,8 +93,8 @@ Converted<T> integer_from_real(double real) noexcept {
     return {value, static_cast<double>(value) == real};
 }
 
-/// The low bits of a number. The narrow types also take the values of their unsigned counterparts
-/// for their own, as on a Mac.
+/// Converts to an integer by its low bits. For the 8 and 16 bit types, values of the unsigned type
+/// of the same width are exact too, as on a Mac.
 template <class T>
 Converted<T> to_integer(const Number& number) noexcept {
     constexpr bool is_narrow = sizeof(T) < sizeof(std::int32_t);
@@ -113,7 +114,7 @@ Converted<T> to_integer(const Number& number) noexcept {
     return {value, value == number.integer || fits_unsigned};
 }
 
-/// The nearest real to a whole number of up to 128 bits.
+/// The nearest real to an integer of up to 128 bits.
 template <class T>
 Converted<T> real_from_integer(const Number& number) noexcept {
     __extension__ using Wide = __int128;

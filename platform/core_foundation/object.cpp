@@ -1,4 +1,4 @@
-// Life and death of objects, and the operations that every kind has: type, equality, hash.
+// Destruction of objects, and the operations that every kind has: type, equality, hash.
 #include "core_foundation/object.h"
 
 #include "core_foundation/hashing.h"
@@ -14,8 +14,8 @@ namespace {
 
 using Pair = std::pair<const Object*, const Object*>;
 
-/// Frees a dead object at once, or, when it has children, puts it on the list of those to be
-/// emptied.
+/// Frees an object without references, or, if it is a container, adds it to the list of containers
+/// to be emptied.
 void bury(const Object* dead, Container*& pending) noexcept {
     auto* object = const_cast<Object*>(dead);
     if (is_container(object->kind)) {
@@ -97,8 +97,8 @@ bool equal_containers(const Container& a, const Container& b, std::vector<Pair>&
                                     static_cast<const Dictionary&>(b), open);
 }
 
-/// Compares two objects but for the children of containers: the pairs of these that still have to
-/// be equal are left on `open`.
+/// Compares two objects except for the children of containers; the pairs of children that remain to
+/// be compared are pushed on `open`.
 bool equal_so_far(const Object* a, const Object* b, std::vector<Pair>& open) {
     if (a == b) {
         return true;
@@ -123,8 +123,8 @@ void destroy(const Object* object) noexcept {
     }
 }
 
-// Containers are compared with a stack of our own, since they may be nested deeper than the
-// process's stack allows; only a container used as a key is compared within the search for it.
+// Containers are compared with an explicit stack, since they may be nested deeper than the call
+// stack allows; only containers used as dictionary keys are compared recursively.
 bool equal(const Object* a, const Object* b) {
     std::vector<Pair> open;
     if (!equal_so_far(a, b, open)) {
@@ -171,7 +171,7 @@ using namespace lumo::platform;
 
 namespace {
 
-/// A null reference stops the process here, as it does on a Mac.
+/// The object of a reference. A null reference stops the process, as on a Mac.
 const Object* checked(CFTypeRef reference) noexcept {
     if (reference == nullptr) {
         __builtin_trap();

@@ -1,5 +1,5 @@
-// The header that every object begins with: a reference count, a kind, and how the two are handled.
-// Objects are plain structures told apart by their kind; there are no virtual functions.
+// The header of every object: a reference count and a kind, with the functions that use them.
+// Objects are plain structures distinguished by their kind; there are no virtual functions.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -11,7 +11,7 @@
 
 namespace lumo::platform {
 
-/// What an object is. The number is also its CFTypeID.
+/// The kind of an object. The value is also its CFTypeID.
 enum class Kind : std::uint8_t {
     null = 1,
     boolean,
@@ -27,10 +27,10 @@ enum class Kind : std::uint8_t {
     error
 };
 
-/// Counts from here on are never changed: the object lives as long as the process.
+/// Reference counts from this value on are never changed: the object exists as long as the process.
 inline constexpr std::uint32_t immortal = 0x80000000;
 
-/// What every object begins with.
+/// The header of every object.
 struct Object {
     constexpr explicit Object(Kind object_kind, std::uint8_t object_detail = 0,
                               std::uint32_t count = 1)
@@ -38,11 +38,11 @@ struct Object {
 
     mutable std::atomic<std::uint32_t> references;
     Kind kind;
-    std::uint8_t detail; ///< What the kind makes of it: a number's kind, a string's storage, flags.
+    std::uint8_t detail; ///< Depends on the kind: a number's kind, a string's storage, flags.
 };
 
-/// Takes one more reference to an object that no other thread has seen yet: a reader that shares
-/// values inside the tree it is building needs no locked instruction.
+/// Adds a reference to an object that no other thread can see yet, so that a reader which shares
+/// values inside the tree it builds needs no atomic instruction.
 inline void retain_unshared(const Object* object) noexcept {
     const std::uint32_t count = object->references.load(std::memory_order_relaxed);
     if ((count & immortal) == 0) {
@@ -50,7 +50,7 @@ inline void retain_unshared(const Object* object) noexcept {
     }
 }
 
-/// Takes one more reference. Any thread.
+/// Adds a reference. Thread-safe.
 inline void retain(const Object* object) noexcept {
     if (__libc_single_threaded != 0) {
         retain_unshared(object);
@@ -59,9 +59,9 @@ inline void retain(const Object* object) noexcept {
     }
 }
 
-/// Gives up one reference; true when it was the last and the object has to be destroyed. Locked
-/// instructions, which a process of one thread is spared, would be half the time it takes to
-/// release a large property list.
+/// Removes a reference; true when it was the last, and the object must be destroyed. A
+/// single-threaded process uses no atomic instructions here; they would take half the time of
+/// releasing a large property list.
 inline bool drop(const Object* object) noexcept {
     const std::uint32_t count = object->references.load(std::memory_order_acquire);
     if ((count & immortal) != 0) {
@@ -74,11 +74,11 @@ inline bool drop(const Object* object) noexcept {
     return count == 1 || object->references.fetch_sub(1, std::memory_order_acq_rel) == 1;
 }
 
-/// Frees an object whose last reference was dropped and drops what it holds, at any depth, without
-/// recursion.
+/// Frees an object whose last reference was removed and releases its children, at any depth,
+/// without recursion.
 void destroy(const Object* object) noexcept;
 
-/// Gives up one reference.
+/// Removes a reference, and destroys the object if it was the last.
 inline void release(const Object* object) noexcept {
     if (drop(object)) {
         destroy(object);
@@ -90,38 +90,38 @@ struct Releaser {
     void operator()(const Object* object) const noexcept { release(object); }
 };
 
-/// One reference, given up at the end of its life. `release()` hands it to a caller of the C
+/// Owns one reference, released by the destructor. `release()` passes it to a caller of the C
 /// functions.
 using Owned = std::unique_ptr<const Object, Releaser>;
 
-/// One more reference to `object`.
+/// A new reference to `object`.
 inline Owned share(const Object* object) noexcept {
     retain(object);
     return Owned{object};
 }
 
-/// One more reference to `object`, which no other thread has seen yet.
+/// A new reference to `object`, which no other thread can see yet.
 inline Owned share_unshared(const Object* object) noexcept {
     retain_unshared(object);
     return Owned{object};
 }
 
-/// The object behind a CoreFoundation reference, which must not be null.
+/// The object of a CoreFoundation reference, which must not be null.
 inline const Object* object_of(CFTypeRef reference) noexcept {
     return static_cast<const Object*>(reference);
 }
 
-/// The object behind a reference as the structure of its kind, which the caller has made sure of.
+/// The object of a reference as the structure of its kind, which the caller has checked.
 template <class T>
 const T& as(CFTypeRef reference) noexcept {
     return static_cast<const T&>(*object_of(reference));
 }
 
-/// Whether two objects have the same kind and value; a whole number equals the real of the same
-/// value. Structures of any depth.
+/// Whether two objects have the same kind and value; an integer equals the real of the same value.
+/// Structures may have any depth.
 bool equal(const Object* a, const Object* b);
 
-/// A hash of the value; the same for equal objects and, within one process, every time.
+/// A hash of the value; equal for equal objects and constant within a process.
 std::uint32_t hash(const Object* object) noexcept;
 
 } // namespace lumo::platform

@@ -1,9 +1,9 @@
-// Everything that a reader or writer of property lists needs: how objects are made, with their
-// references handed over, and how their values are looked at without a call.
+// Everything that a reader or writer of property lists needs: functions that create objects and
+// take ownership of their children, and direct access to values.
 //
-// A reader keeps the values it has finished on one std::vector<Owned>; when a container ends,
-// make_array, make_dictionary or make_set takes over the values from its start on. One that knows
-// an array's size beforehand fills it at once (make_array_with_room).
+// A reader pushes finished values on one std::vector<Owned>; at the end of a container, make_array,
+// make_dictionary or make_set takes its values from that vector. If the size of an array is known
+// in advance, it can be filled directly (make_array_with_room).
 #pragma once
 
 #include "core_foundation/array.h"

@@ -36,7 +36,7 @@ std::optional<unsigned> hex_value(char c) noexcept {
     return std::nullopt;
 }
 
-/// The byte that the encoding at the start of `text` stands for.
+/// The byte of the percent-encoding at the start of `text`; nothing when it is incomplete.
 std::optional<char> encoded_byte(std::string_view text) noexcept {
     if (text.size() < 3) {
         return std::nullopt;
@@ -49,7 +49,7 @@ std::optional<char> encoded_byte(std::string_view text) noexcept {
     return static_cast<char>(*high << 4 | *low);
 }
 
-/// What follows the scheme's colon; the whole text when it has no scheme.
+/// The text after the scheme and its colon; the whole text when it has no scheme.
 std::string_view without_scheme(std::string_view url) noexcept {
     const std::size_t end = url.find_first_of(":/?#");
     const bool has_scheme = end != std::string_view::npos && url[end] == ':' && is_letter(url[0]);
@@ -112,7 +112,7 @@ std::optional<std::string_view> path_of_url(std::string_view url) {
 std::string without_dot_components(std::string_view path) {
     std::string result;
     std::size_t at = 0;
-    while (at < path.size()) { // each round takes a component and the slash before it
+    while (at < path.size()) { // each iteration takes a component and its leading slash
         const std::size_t end = std::min(path.find('/', at + 1), path.size());
         const std::string_view component = path.substr(at, end - at);
         const bool is_last = end == path.size();

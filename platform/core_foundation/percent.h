@@ -7,8 +7,8 @@
 
 namespace lumo::platform {
 
-/// The bytes of a path as they stand in a URL: letters, digits and -_.!~*'()/:@&=+$, are left as
-/// they are, everything else becomes "%" and two upper-case hexadecimal digits.
+/// Percent-encodes a path: letters, digits and -_.!~*'()/:@&=+$, are unchanged, every other byte
+/// becomes "%" and two upper-case hexadecimal digits.
 std::string percent_encoded(std::string_view path);
 /// The bytes that percent-encoded text stands for; nothing when a "%" has no two hexadecimal digits
 /// behind it.

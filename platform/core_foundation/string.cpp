@@ -1,4 +1,4 @@
-// Strings as objects: how they are made from text in the encodings that property lists use.
+// Creates string objects from the encodings that property lists use.
 #include "core_foundation/string.h"
 
 #include "core_foundation/hashing.h"

@@ -28,7 +28,7 @@ struct String : Object {
         return {reinterpret_cast<const char16_t*>(this + 1), length};
     }
 
-    /// The characters as they are stored.
+    /// The stored bytes of the characters.
     std::string_view bytes() const noexcept {
         return {reinterpret_cast<const char*>(this + 1),
                 is_ascii() ? length : length * width_of_unit};
@@ -36,25 +36,25 @@ struct String : Object {
 
     static constexpr std::size_t width_of_unit = sizeof(char16_t);
 
-    mutable std::atomic<std::uint32_t> hash_cache; ///< 0 until the hash is first asked for.
+    mutable std::atomic<std::uint32_t> hash_cache; ///< 0 until the hash is computed.
     std::uint32_t length;                          ///< In UTF-16 units.
 };
 
-/// A string of UTF-8 text; null when the text is not valid UTF-8. A leading U+FEFF is kept.
-/// Throws std::length_error beyond 2^32 - 1 bytes, like the other factories of strings.
+/// A string from UTF-8 text; null when the text is not valid UTF-8. A leading U+FEFF is kept.
+/// Throws std::length_error beyond 2^32 - 1 UTF-16 units, as do the other string factories.
 Owned make_string(std::string_view utf8);
-/// A string of text known to be ASCII.
+/// A string from ASCII text. The bytes are not checked.
 Owned make_string_ascii(std::string_view ascii);
-/// A string of ISO 8859-1 text.
+/// A string from ISO 8859-1 text.
 Owned make_string_latin1(std::string_view latin1);
-/// A string of UTF-16 units in the machine's order.
+/// A string from UTF-16 units in native byte order.
 Owned make_string_utf16(std::u16string_view units);
-/// A string of `units` UTF-16 units in big-endian bytes.
+/// A string from `units` UTF-16 units in big-endian order.
 Owned make_string_utf16be(const std::uint8_t* bytes, std::size_t units);
 
 /// Whether two strings have the same units.
 bool equal_strings(const String& a, const String& b) noexcept;
-/// A hash of the units, which the string remembers.
+/// A hash of the units, cached in the string.
 std::uint32_t hash_string(const String& string) noexcept;
 
 } // namespace lumo::platform

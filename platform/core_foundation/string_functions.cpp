@@ -14,7 +14,7 @@ CFStringRef as_result(Owned string) noexcept {
     return reinterpret_cast<CFStringRef>(string.release());
 }
 
-/// The most bytes that one UTF-16 unit takes in an encoding.
+/// The maximum number of bytes per UTF-16 unit in an encoding.
 CFIndex bytes_per_unit(CFStringEncoding encoding) noexcept {
     switch (encoding) {
     case kCFStringEncodingUTF8:

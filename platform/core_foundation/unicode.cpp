@@ -1,5 +1,5 @@
-// Conversion between UTF-8 and UTF-16, one character at a time; only the test for ASCII, which
-// nearly all text of a property list passes, goes by words.
+// Converts UTF-8 to UTF-16, one character at a time. Only the ASCII check, which succeeds for
+// nearly all text of property lists, works on words.
 #include "core_foundation/unicode.h"
 
 #include "base/utf8.h"

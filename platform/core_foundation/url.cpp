@@ -1,4 +1,4 @@
-// URLs: made from the bytes of a path or from text, turned back into paths.
+// URLs: created from the bytes of a path or from text, and converted to paths.
 #include "core_foundation/url.h"
 
 #include "core_foundation/percent.h"
@@ -14,7 +14,7 @@
 namespace lumo::platform {
 namespace {
 
-/// The current folder with "/" at the end; empty when it cannot be told.
+/// The current folder with a trailing "/"; empty when it cannot be determined.
 std::string current_folder() {
     char buffer[PATH_MAX];
     if (getcwd(buffer, sizeof buffer) == nullptr) {
@@ -41,7 +41,7 @@ std::string without_last_slash(std::string path) {
     return path;
 }
 
-/// The path as its URL has it: with a slash at the end for a folder, without for a file.
+/// The path as it is written in a URL: with a trailing slash for a folder, without one for a file.
 std::string path_in_url(std::string_view path, bool is_directory) {
     std::string text{is_directory ? path : without_trailing_slashes(path)};
     if (is_directory && text.back() != '/') {
@@ -50,7 +50,7 @@ std::string path_in_url(std::string_view path, bool is_directory) {
     return text;
 }
 
-/// The path that the text of a URL stands for; nothing when it has none or one that is not UTF-8.
+/// The path in the text of a URL; nothing when it has none, or one that is not UTF-8.
 std::optional<std::string> path_in_text(std::string_view url) {
     const auto encoded = path_of_url(url);
     auto path = encoded ? percent_decoded(*encoded) : std::nullopt;

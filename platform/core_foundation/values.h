@@ -10,7 +10,7 @@
 
 namespace lumo::platform {
 
-/// Bytes; they follow the header in the same allocation.
+/// Bytes, stored after the header in the same allocation.
 struct Data : Object {
     explicit Data(std::size_t size) : Object{Kind::data}, hash_cache{0}, length{size} {}
 
@@ -18,7 +18,7 @@ struct Data : Object {
         return {reinterpret_cast<const std::uint8_t*>(this + 1), length};
     }
 
-    mutable std::atomic<std::uint32_t> hash_cache; ///< 0 until the hash is first asked for.
+    mutable std::atomic<std::uint32_t> hash_cache; ///< 0 until the hash is computed.
     std::size_t length;
 };
 
@@ -29,14 +29,14 @@ struct Date : Object {
     double time;
 };
 
-/// The UID of a keyed archive: the number of another object in it.
+/// The UID of a keyed archive: the index of another object in it.
 struct Uid : Object {
     explicit Uid(std::uint32_t uid_value) : Object{Kind::uid}, value{uid_value} {}
 
     std::uint32_t value;
 };
 
-/// The one null and the two booleans, which live for ever.
+/// The null and the two booleans: shared objects that are never freed.
 Owned make_null() noexcept;
 Owned make_boolean(bool value) noexcept;
 /// The value of an object of Kind::boolean.
@@ -44,11 +44,11 @@ bool boolean_value(const Object& boolean) noexcept;
 
 /// Data with a copy of the bytes.
 Owned make_data(std::span<const std::uint8_t> bytes);
-/// Data of `size` bytes that the caller fills in through `*bytes` before anybody else sees it.
+/// Data of `size` bytes, to be filled by the caller through `*bytes` before it is shared.
 Owned make_data(std::size_t size, std::uint8_t** bytes);
 /// Whether the bytes are the same.
 bool equal_data(const Data& a, const Data& b) noexcept;
-/// A hash of the bytes, which the data remembers.
+/// A hash of the bytes, cached in the data.
 std::uint32_t hash_data(const Data& data) noexcept;
 /// A date, in seconds since 2001-01-01 00:00:00 UTC.
 Owned make_date(double seconds);

@@ -1,6 +1,6 @@
-// Compile-time checks that the declarations which the tool is compiled against have the sizes,
-// layouts, values and signatures of macOS. It includes the public headers only, and so compiles
-// against the project's headers and against Apple's alike, in every build.
+// Compile-time checks that the declarations used by the tool have the sizes, layouts, values and
+// signatures of macOS. This file includes only the public headers, so it compiles with the
+// project's headers and with Apple's, and is part of every build.
 #include <AudioToolbox/AudioToolbox.h>
 #include <CoreFoundation/CoreFoundation.h>
 #include <copyfile.h>
@@ -13,7 +13,7 @@ namespace {
 template <class A, class B>
 constexpr bool same = std::is_same_v<A, B>;
 
-/// Whether a function has this type, whatever its declaration says about exceptions.
+/// Whether a function has this type, ignoring its exception specification.
 template <class Type, class Function>
 constexpr bool callable_as(Function* function) {
     return std::is_convertible_v<decltype(function), Type*>;

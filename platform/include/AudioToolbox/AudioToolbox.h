@@ -15,8 +15,7 @@ typedef UInt32 AudioUnitPropertyID;
 typedef UInt32 AudioUnitScope;
 typedef UInt32 AudioUnitElement;
 
-/// Which components are meant: codes of four characters, and flags, of which those in the mask
-/// count.
+/// Selects components: four-character codes, and flags, of which those in the mask are compared.
 typedef struct AudioComponentDescription {
     OSType componentType;
     OSType componentSubType;
@@ -25,8 +24,8 @@ typedef struct AudioComponentDescription {
     UInt32 componentFlagsMask;
 } AudioComponentDescription;
 
-/// An instrument file to load, borrowed, and its kind. Bank and preset choose an instrument in
-/// files of several, which EXS24 files are not.
+/// An instrument file to load, borrowed, and its type. Bank and preset select an instrument in
+/// files with several, which EXS24 files are not.
 typedef struct AUSamplerInstrumentData {
     CFURLRef fileURL;
     UInt8 instrumentType;
@@ -59,47 +58,48 @@ enum {
     kAudioUnitErr_InvalidPropertyValue = -10851
 };
 
-/// The next component behind `after` (null: the first) that matches the description, in which 0
-/// stands for any type, subtype or manufacturer; null when there is none. Never released.
+/// The next component after `after` (null: the first) that matches the description, in which 0
+/// matches any type, subtype or manufacturer; null when there is none. It is never released.
 AudioComponent AudioComponentFindNext(AudioComponent after, const AudioComponentDescription* match);
-/// Makes an instance; the caller disposes of it. Returns 0, or a status and no instance.
+/// Creates an instance; the caller disposes of it. Returns 0, or a status and no instance.
 OSStatus AudioComponentInstanceNew(AudioComponent component, AudioComponentInstance* out);
 /// Disposes of an instance. Returns 0 or a status.
 OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance);
 
-// The sampler's properties, both of the global scope:
+// The sampler's properties, both in the global scope:
 //
 // kAudioUnitProperty_ClassInfo, a CFPropertyListRef: the unit's whole state, a dictionary. Setting
-// it opens all samples under "file-references" in the order of the keys' bytes. Refused are: no
-// dictionary, one for a part, another version, subtype or manufacturer (-10851), parameters of a
-// scope that there is not (-10866); no sample is opened then. A sample that is absent makes it -43,
-// one that may not be read -54, one that is not audio 1954115647: the first that failed counts.
-// Getting it gives a new mutable dictionary, which the caller releases.
+// it opens all samples in "file-references", in ascending byte order of the keys. It fails, before
+// any sample is opened, for a value that is not a dictionary, has "part", or has another version,
+// subtype or manufacturer (-10851); for parameters of an unknown scope (-10866); and for more than
+// 2^22 layers and zones together (-108). It also fails for a missing sample (-43), one without read
+// permission (-54) and one that is not audio (1954115647); the first failure is returned. Getting
+// it returns a new mutable dictionary, which the caller releases.
 //
 // kAUSamplerProperty_LoadInstrument, an AUSamplerInstrumentData: loads an EXS24 instrument (other
-// kinds: -10868) and opens its samples, with the same statuses. It cannot be read.
+// types: -10868) and opens its samples, with the same statuses. It cannot be read.
 //
-// A load that fails leaves the unit as it was.
+// A load that fails leaves the unit unchanged.
 
-/// Makes the unit ready for use. Returns 0 or a status.
+/// Prepares the unit for use. Returns 0 or a status.
 OSStatus AudioUnitInitialize(AudioUnit unit);
-/// Undoes AudioUnitInitialize. Returns 0 or a status.
+/// Reverses AudioUnitInitialize. Returns 0 or a status.
 OSStatus AudioUnitUninitialize(AudioUnit unit);
-/// The size in bytes of a property's value and whether it can be set; either may be null. Returns
-/// 0, or a status and zeros: -10879 for an unknown property, -10866 for another scope, -10877 for
-/// another element.
+/// Gets the size in bytes of a property's value and whether it can be set; either pointer may be
+/// null. Returns 0, or a status with both set to zero: -10879 for an unknown property, -10866 for
+/// another scope, -10877 for another element.
 OSStatus AudioUnitGetPropertyInfo(AudioUnit unit, AudioUnitPropertyID property,
                                   AudioUnitScope scope, AudioUnitElement element, UInt32* out_size,
                                   Boolean* out_writable);
-/// Reads a property into `data` of `*size` bytes (-50 for none), and sets `*size` to how many it
-/// took; with null for `data` it only does that. Objects come with a reference for the caller,
-/// unless the bytes do not suffice for theirs. Returns 0, or a status, as AudioUnitGetPropertyInfo
-/// does, and sets `*size` to 0.
+/// Reads a property into `data` of `*size` bytes (-50 when 0), and sets `*size` to the number
+/// written; if `data` is null, only sets `*size` to the size of the value. An object is returned
+/// with a reference that the caller releases, unless the buffer is too small for the pointer.
+/// Returns 0, or a status as AudioUnitGetPropertyInfo does, with `*size` set to 0.
 OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
                               AudioUnitElement element, void* data, UInt32* size);
-/// Sets a property from `size` bytes at `data`. Returns 0 or a status: -50 for one without the
-/// other, -10851 for neither, -10879 for an unknown property, -10851 for another size, -10866 for
-/// another scope (the element is not looked at), and those of the property.
+/// Sets a property from `size` bytes at `data`. Returns 0 or a status: -50 when only one of `data`
+/// and `size` is given, -10851 for neither, -10879 for an unknown property, -10851 for a wrong
+/// size, -10866 for another scope (the element is not checked), or a status of the property.
 OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
                               AudioUnitElement element, const void* data, UInt32 size);
 

@@ -1,11 +1,10 @@
 // The part of CoreFoundation that the project uses: the types of property lists, and file URLs.
-// Same names, values and layouts as on macOS. Create and Copy functions hand one reference to the
-// caller, who releases it with CFRelease; what a Get function returns is borrowed. Allocators are
-// never looked at. References must be of the type that a function names and, but where it says
-// otherwise, not null. Objects that are not mutable may be used from any number of threads. A
-// function that gets no memory throws std::bad_alloc, one asked for a string of 2^32 units or a
-// dictionary of 2^31 entries std::length_error; only the two of property lists, at the end, give an
-// error instead.
+// Names, values and layouts are those of macOS. Create and Copy functions return a reference that
+// the caller releases with CFRelease; the result of a Get function is borrowed. Allocators are
+// ignored. References must be of the type that a function names and, unless it says otherwise, not
+// null. Immutable objects may be used by any number of threads. A failed allocation throws
+// std::bad_alloc, a string of 2^32 units or a dictionary of 2^31 entries std::length_error; only
+// the two functions of property lists, at the end, return an error instead.
 #pragma once
 
 #include <stddef.h>
@@ -156,76 +155,77 @@ typedef struct {
 
 typedef CFDictionaryValueCallBacks CFArrayCallBacks;
 
-/// Null: memory comes from the one allocator there is.
+/// Null; there is only one allocator.
 extern const CFAllocatorRef kCFAllocatorDefault;
 extern const CFBooleanRef kCFBooleanTrue;
 extern const CFBooleanRef kCFBooleanFalse;
 extern const CFNullRef kCFNull;
-/// The domain of errors that property lists end with.
+/// The domain of errors of property lists.
 extern const CFStringRef kCFErrorDomainCocoa;
 
-/// Callbacks of containers that hold objects: these are retained, and compared with CFEqual. The
-/// other choice is null: pointers that the container does not own. No others are accepted.
+/// Callbacks of containers that hold objects, which are retained and compared with CFEqual. Null
+/// instead means pointers that the container does not own. Other callbacks stop the process.
 extern const CFArrayCallBacks kCFTypeArrayCallBacks;
 extern const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 
-/// Takes one more reference and returns the object. Null stops the process.
+/// Adds a reference and returns the object. Null stops the process.
 CFTypeRef CFRetain(CFTypeRef object);
-/// Gives up one reference; the last one frees the object. Null stops the process.
+/// Removes a reference; removing the last one frees the object. Null stops the process.
 void CFRelease(CFTypeRef object);
-/// Which of the types below the object is of.
+/// The type of the object, one of those below.
 CFTypeID CFGetTypeID(CFTypeRef object);
-/// Whether two objects are of one type and have the same value. Strings compare unit by unit; a
-/// whole number equals the real of the same value, but 0 and 0.0 do not equal -0.0.
+/// Whether two objects have the same type and value. Strings are compared unit by unit; an integer
+/// equals the real of the same value, but 0 and 0.0 do not equal -0.0.
 Boolean CFEqual(CFTypeRef a, CFTypeRef b);
-/// A number that is the same for equal objects while the process runs.
+/// A hash, the same for equal objects as long as the process runs.
 CFHashCode CFHash(CFTypeRef object);
 
-/// What CFGetTypeID gives for strings.
+/// The type ID of strings.
 CFTypeID CFStringGetTypeID(void);
-/// What CFGetTypeID gives for data.
+/// The type ID of data.
 CFTypeID CFDataGetTypeID(void);
-/// What CFGetTypeID gives for dates.
+/// The type ID of dates.
 CFTypeID CFDateGetTypeID(void);
-/// What CFGetTypeID gives for arrays, mutable or not.
+/// The type ID of arrays, mutable or not.
 CFTypeID CFArrayGetTypeID(void);
-/// What CFGetTypeID gives for dictionaries, mutable or not.
+/// The type ID of dictionaries, mutable or not.
 CFTypeID CFDictionaryGetTypeID(void);
-/// What CFGetTypeID gives for numbers, whole and real. Booleans are of a type of their own.
+/// The type ID of numbers, integers and reals. Booleans have a type of their own.
 CFTypeID CFNumberGetTypeID(void);
-/// What CFGetTypeID gives for kCFBooleanTrue and kCFBooleanFalse.
+/// The type ID of kCFBooleanTrue and kCFBooleanFalse.
 CFTypeID CFBooleanGetTypeID(void);
-/// What CFGetTypeID gives for kCFNull.
+/// The type ID of kCFNull.
 CFTypeID CFNullGetTypeID(void);
-/// What CFGetTypeID gives for sets, which only come from binary property lists.
+/// The type ID of sets, which are only created from binary property lists.
 CFTypeID CFSetGetTypeID(void);
-/// What CFGetTypeID gives for URLs.
+/// The type ID of URLs.
 CFTypeID CFURLGetTypeID(void);
-/// What CFGetTypeID gives for errors.
+/// The type ID of errors.
 CFTypeID CFErrorGetTypeID(void);
 
-/// A string of NUL-terminated text; null when the bytes are not valid in the encoding. One byte
-/// order mark at the start of UTF-8 is left out.
+/// A string from NUL-terminated text; null when the bytes are not valid in the encoding. One byte
+/// order mark at the start of UTF-8 is removed.
 CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text,
                                       CFStringEncoding encoding);
-/// A string of `count` bytes in any of the encodings above; null as for CFStringCreateWithCString.
-/// An external representation in kCFStringEncodingUTF16 is big-endian unless a byte order mark says
-/// otherwise.
+/// A string from `count` bytes in any of the encodings above; null as for
+/// CFStringCreateWithCString. An external representation in kCFStringEncodingUTF16 has the order of
+/// its byte order mark, and is big-endian without one.
 CFStringRef CFStringCreateWithBytes(CFAllocatorRef allocator, const UInt8* bytes, CFIndex count,
                                     CFStringEncoding encoding, Boolean is_external);
 /// The length in UTF-16 units.
 CFIndex CFStringGetLength(CFStringRef string);
-/// The most bytes, without a NUL, that `length` UTF-16 units take; kCFNotFound when that is beyond
-/// the range of CFIndex.
+/// The maximum number of bytes, without a NUL, of `length` UTF-16 units; kCFNotFound when it
+/// exceeds the range of CFIndex.
 CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 /// Writes the string and a NUL into `size` bytes, in UTF-8, UTF-16 or ASCII. False when they do not
-/// suffice or a character cannot be encoded; then the text in the buffer is empty.
+/// fit or a character cannot be encoded; the buffer then holds an empty string.
 Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
                            CFStringEncoding encoding);
-/// Writes as many of the units in `range` as fit `size` bytes, in UTF-8, UTF-16 or ASCII, and stops
-/// at one that cannot be encoded, unless `loss_byte` (0 for none) may stand for it in ASCII. Null
-/// for `buffer` only counts. Returns the number of units; `used` (may be null) gets the bytes.
+/// Writes as many of the units in `range` as fit in `size` bytes, in UTF-8, UTF-16 or ASCII. Stops
+/// at a unit that cannot be encoded, unless `loss_byte` (0: none) replaces it in ASCII. If `buffer`
+/// is null, only counts. Returns the number of units; `used` (may be null) gets the number of
+/// bytes.
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
                          UInt8 loss_byte, Boolean is_external, UInt8* buffer, CFIndex size,
                          CFIndex* used);
@@ -234,7 +234,7 @@ CFComparisonResult CFStringCompare(CFStringRef a, CFStringRef b, CFStringCompare
 
 /// Data with a copy of the bytes.
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
-/// The bytes, which live as long as the data; not null, even when there are none.
+/// The bytes, valid as long as the data; not null, even when there are none.
 const UInt8* CFDataGetBytePtr(CFDataRef data);
 /// The number of bytes.
 CFIndex CFDataGetLength(CFDataRef data);
@@ -246,11 +246,12 @@ CFAbsoluteTime CFDateGetAbsoluteTime(CFDateRef date);
 
 /// A number from the scalar of `type` at `value`. An unknown type stops the process.
 CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const void* value);
-/// Writes the number as a scalar of `type` to `value`. False when that is not its exact value: the
-/// low bits of a whole number, a real cut towards zero (at most to the ends of the range), the
-/// nearest real. The 8 and 16 bit types take values of their unsigned counterparts as exact.
+/// Writes the number as a scalar of `type` to `value`. False when the conversion is not exact: the
+/// low bits of an integer, a real truncated towards zero (or the nearest limit of the range), the
+/// nearest real. For the 8 and 16 bit types, values of the unsigned type of the same width are
+/// exact too.
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
-/// The type without aliases in which the number is kept; reals of single precision are kept so.
+/// The type of the number, never an alias; single precision is preserved.
 CFNumberType CFNumberGetType(CFNumberRef number);
 /// The size in bytes of a scalar of that type.
 CFIndex CFNumberGetByteSize(CFNumberRef number);
@@ -259,21 +260,21 @@ Boolean CFNumberIsFloatType(CFNumberRef number);
 /// Whether the boolean is kCFBooleanTrue.
 Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
-/// An array of `count` values, which it retains if the callbacks are those of objects.
+/// An array of `count` values; retains them if the callbacks are those of objects.
 CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void** values, CFIndex count,
                          const CFArrayCallBacks* callbacks);
 /// An empty array that grows as needed; `capacity` is only a hint.
 CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                        const CFArrayCallBacks* callbacks);
-/// Adds a value at the end. An array that is not mutable stops the process.
+/// Appends a value. An immutable array stops the process.
 void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
 /// The number of values.
 CFIndex CFArrayGetCount(CFArrayRef array);
-/// The value at an index, from 0, borrowed; an index that is out of range stops the process.
+/// The value at an index, from 0, borrowed; an index out of range stops the process.
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index);
 
-/// A dictionary of `count` entries; of several with equal keys the first stays. Entries keep the
-/// order in which their keys first came in.
+/// A dictionary of `count` entries; of entries with equal keys the first is kept. Entries are in
+/// the order in which their keys were first added.
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, const void** values,
                                    CFIndex count, const CFDictionaryKeyCallBacks* key_callbacks,
                                    const CFDictionaryValueCallBacks* value_callbacks);
@@ -281,70 +282,70 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, 
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                  const CFDictionaryKeyCallBacks* key_callbacks,
                                                  const CFDictionaryValueCallBacks* value_callbacks);
-/// A mutable dictionary with the same entries and callbacks, which share their keys and values.
+/// A mutable copy with the same entries and callbacks; keys and values are shared.
 CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
                                                      CFDictionaryRef dictionary);
 /// The number of entries.
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 /// The value of a key, borrowed; null when there is no such key.
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
-/// Whether the key is there.
+/// Whether the dictionary has the key.
 Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
-/// Whether the key is there; if so, `value` (may be null) gets its value, borrowed.
+/// Whether the dictionary has the key; if so, `value` (may be null) gets its value, borrowed.
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
                                       const void** value);
-/// Fills arrays of as many pointers as there are entries, both in the same order, with what the
-/// dictionary holds, borrowed; either may be null.
+/// Copies the keys and the values, borrowed and in the same order, into arrays with room for all
+/// entries; either may be null.
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
                                   const void** values);
-/// Adds an entry, or puts the key and the value in the place of those of an equal key. This and the
-/// next two stop the process when the dictionary is not mutable.
+/// Adds an entry, or replaces the key and the value of the entry with an equal key. This function
+/// and the next two stop the process when the dictionary is immutable.
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
-/// Adds an entry unless there is one with an equal key.
+/// Adds an entry unless one has an equal key.
 void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
 /// Removes the entry of a key, if there is one; the others keep their order.
 void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
 
 /// The number of values.
 CFIndex CFSetGetCount(CFSetRef set);
-/// Fills an array of as many pointers as there are values with these, borrowed.
+/// Copies the values, borrowed, into an array with room for all of them.
 void CFSetGetValues(CFSetRef set, const void** values);
 
-/// The domain to which the code belongs: kCFErrorDomainCocoa. Borrowed.
+/// The domain of the error: kCFErrorDomainCocoa. Borrowed.
 CFErrorDomain CFErrorGetDomain(CFErrorRef error);
-/// What went wrong, as one of the kCFPropertyList...Error numbers.
+/// The cause, one of the kCFPropertyList...Error constants.
 CFIndex CFErrorGetCode(CFErrorRef error);
-/// What went wrong, in English. The caller releases it.
+/// The cause, in English. The caller releases it.
 CFStringRef CFErrorCopyDescription(CFErrorRef error);
 
-/// The URL of a path of `length` bytes, which need not be UTF-8; null for no bytes. A relative path
-/// starts from the folder that is current now. A folder's URL ends in "/".
+/// The URL of a path of `length` bytes, which need not be UTF-8; null when `length` is 0. A
+/// relative path is relative to the current folder at the time of the call. The URL of a folder
+/// ends in "/".
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
                                                  CFIndex length, Boolean is_directory);
-/// The URL that is written in `string`; null when it has characters that no URL has, or when `base`
-/// is not null.
+/// The URL whose text is `string`; null when it is not valid in a URL, or `base` is not null.
 CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef string, CFURLRef base);
-/// The text of the URL, percent-encoded; of a relative path, that path. Borrowed.
+/// The text of the URL, percent-encoded; for a relative path, that path. Borrowed.
 CFStringRef CFURLGetString(CFURLRef url);
-/// The URL's path in the POSIX style, without "/" at its end and not resolved; null when the URL
-/// has no path or one that is not UTF-8, and in another style.
+/// The URL's path in POSIX style, without a trailing "/" and not resolved; null when the URL has no
+/// path or one that is not UTF-8, and for another style.
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
-/// Writes the URL's path and a NUL into `size` bytes, if asked to as an absolute path. False when
-/// they do not suffice (the buffer then has an empty path) or the URL has no path.
+/// Writes the URL's path, resolved to an absolute path on request, and a NUL into `size` bytes.
+/// False when they do not fit or the URL has no path; the buffer then holds an empty path.
 Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve_against_base, UInt8* buffer,
                                          CFIndex size);
 
-/// The property list in `data` (null: none), in XML or binary form, nothing of which can be
-/// changed; `format` (may be null) gets the form. `options` must be kCFPropertyListImmutable. Null,
-/// with an error that the caller releases in `*error` (`error` may be null), when the data is no
-/// property list, nests too deep or is too large for the memory there is (3840).
+/// The property list in `data` (null: fails), in XML or binary form, as immutable objects; `format`
+/// (may be null) gets the form. `options` must be kCFPropertyListImmutable. Null, with an error in
+/// `*error` (3840) that the caller releases (`error` may be null), when the data is not a property
+/// list, nests too deeply, or there is not enough memory.
 CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
                                                CFOptionFlags options, CFPropertyListFormat* format,
                                                CFErrorRef* error);
-/// The binary form of a property list, which depends on its values alone. `format` must be
-/// kCFPropertyListBinaryFormat_v1_0; `options` are not looked at. Null, with an error as above
-/// (3851), for another format, when `list` holds what no property list can or itself, or without
-/// memory.
+/// The binary form of a property list; the bytes depend on its values alone. `format` must be
+/// kCFPropertyListBinaryFormat_v1_0; `options` are ignored. Null, with an error as above (3851),
+/// for another format, when `list` contains itself or an object that a property list cannot
+/// contain, or when there is not enough memory.
 CFDataRef CFPropertyListCreateData(CFAllocatorRef allocator, CFPropertyListRef list,
                                    CFPropertyListFormat format, CFOptionFlags options,
                                    CFErrorRef* error);

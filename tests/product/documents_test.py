@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""What the documents say of each other and of the code: docs/report-line.md, its schema and the
-sources name the same keys and errors; files that are named exist; every page is in the index."""
+"""The documents against each other and the code: docs/report-line.md, its schema and the sources
+name the same keys and errors; docs/relinking.md lists the functions that are interposed; files that
+are named exist; every page is in the index."""
 
 import json
 import re
@@ -70,6 +71,39 @@ class ReportLine(unittest.TestCase):
         keys += ["shape." + key for key in shape]
         keys += ["\u2026layers[]." + key for key in layer]
         self.assertEqual(first_column("Fields"), keys)
+
+
+def listed_functions(heading):
+    """The functions in the table of a section of docs/relinking.md, in alphabetical order."""
+    page = (PROJECT / "docs/relinking.md").read_text(encoding="utf-8")
+    section = page.split(f"\n### {heading}\n")[1].split("\n### ")[0]
+    rows = re.findall(r"^\| [^|`]+ \|(.*)\|$", section, re.MULTILINE)
+    return sorted(re.findall(r"`([^`]+)`", "".join(rows)))
+
+
+def functions_on_linux():
+    """What relink/exports_elf.map exports with C linkage."""
+    exports = (PROJECT / "relink/exports_elf.map").read_text(encoding="utf-8")
+    c_names = re.sub(r'/\*.*?\*/|extern "C\+\+" \{.*?\};', "", exports, flags=re.DOTALL)
+    return sorted(re.findall(r"\b(\w+);", c_names))
+
+
+def functions_on_a_mac():
+    """The originals of the pairs in relink/interpose_macos.cpp, by the names of their symbols."""
+    code = (PROJECT / "relink/interpose_macos.cpp").read_text(encoding="utf-8")
+    symbols = dict(re.findall(r'(\w+)\([^;]*\) __asm\("_([^"]+)"\)', code))
+    pairs = re.findall(r"^LUMO_INTERPOSE\((\w+)\)$", code, re.MULTILINE)
+    return sorted(symbols.get(name, name) for name in pairs)
+
+
+class Relinking(unittest.TestCase):
+    def test_functions_on_linux_are_those_that_the_library_exports(self):
+        self.assertIn("openat64", functions_on_linux())
+        self.assertEqual(listed_functions("On Linux"), functions_on_linux())
+
+    def test_functions_on_a_mac_are_those_that_are_interposed(self):
+        self.assertIn("open$NOCANCEL", functions_on_a_mac())
+        self.assertEqual(listed_functions("On a Mac"), functions_on_a_mac())
 
 
 class Documents(unittest.TestCase):

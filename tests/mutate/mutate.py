@@ -87,7 +87,7 @@ class Trial:
         quick ones."""
         able = [program for program in self._bench.programs if name in program.sources]
         return sorted(able, key=lambda program: (-self._noticed_by[Path(name).parent, program.name],
-                                                 program.wall))
+                                                 program.cpu))
 
 
 def run(project, shares, count, seed, out=sys.stdout, progress=sys.stderr):
@@ -96,7 +96,7 @@ def run(project, shares, count, seed, out=sys.stdout, progress=sys.stderr):
         print(text, file=progress, flush=True)
 
     bench = workbench.Workbench(project, project / "build" / "mutate")
-    bench.prepare(say)
+    bench.prepare([folder for folders in shares for folder in folders], say)
     sources = set().union(*(program.sources for program in bench.programs))
     trial = Trial(bench)
     try:

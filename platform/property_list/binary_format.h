@@ -1,10 +1,10 @@
-// A binary property list, as its reader and its writer see it. All numbers are big-endian.
+// The format of binary property lists. All numbers are big-endian.
 //
 //     "bplist00"   the magic and a version of two characters
-//     objects      each a marker byte, perhaps a count, and its bytes
+//     objects      each a marker byte, a count in some cases, and its bytes
 //     table        the offset of each object in the file
-//     trailer      32 bytes: the widths of offsets and references, the number of objects, which of
-//                  them is the root, and where the table begins
+//     trailer      32 bytes: the widths of offsets and references, the number of objects, the
+//                  index of the root object, and the offset of the table
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// One function a marker. What CoreFoundation makes of odd objects, it makes of them, too.
+// One function per marker. Odd objects are handled as in CoreFoundation.
 #include "property_list/binary_objects.h"
 
 #include "core_foundation/objects.h"
@@ -45,7 +45,8 @@ Owned BinaryObjects::read_single(std::size_t offset) const {
     }
 }
 
-/// Up to 4 bytes have no sign. Of 16 bytes CoreFoundation takes the low 8, without a sign either.
+/// Integers of up to 4 bytes are unsigned. Of 16 bytes CoreFoundation uses only the low 8, as an
+/// unsigned value.
 Owned BinaryObjects::read_integer(std::size_t offset) const {
     const std::size_t width = std::size_t{1} << low_half(offset);
     if (width > 16 || width > room_after(offset)) {
@@ -56,7 +57,7 @@ Owned BinaryObjects::read_integer(std::size_t offset) const {
                        : make_integer(static_cast<std::int64_t>(value));
 }
 
-/// Infinity and NaN are doubles whatever their width.
+/// Infinity and NaN become doubles, whatever their width.
 Owned BinaryObjects::read_real(std::size_t offset) const {
     const std::size_t width = std::size_t{1} << low_half(offset);
     if ((width != 4 && width != 8) || width > room_after(offset)) {
@@ -92,7 +93,7 @@ Owned BinaryObjects::read_data(std::size_t offset) {
     return data ? make_data(bytes_.subspan(data->at, data->count)) : nullptr;
 }
 
-/// Bytes from 0x80 on, which have no place here, are taken as ISO-8859-1.
+/// Bytes from 0x80 on, which are invalid here, are decoded as ISO-8859-1.
 Owned BinaryObjects::read_ascii(std::size_t offset) {
     const auto text = extent(offset, 1);
     if (!text) {
@@ -102,7 +103,7 @@ Owned BinaryObjects::read_ascii(std::size_t offset) {
     return make_string_latin1({characters, text->count});
 }
 
-/// CoreFoundation refuses an empty one, since it allocates room for none of its units.
+/// An empty string is rejected, as in CoreFoundation, which allocates no storage for it.
 Owned BinaryObjects::read_utf16(std::size_t offset) {
     const auto text = extent(offset, 2);
     return text && text->count > 0 ? make_string_utf16be(&bytes_[text->at], text->count) : nullptr;

@@ -1,4 +1,4 @@
-// The objects of a binary property list, each by itself.
+// Reads the single objects of a binary property list.
 #pragma once
 
 #include "core_foundation/object.h"
@@ -12,18 +12,18 @@
 
 namespace lumo::platform {
 
-/// Equal parts of the file: characters, bytes or references.
+/// A sequence of elements of equal size in the file: characters, bytes or references.
 struct Extent {
     std::size_t at;
     std::size_t count;
 };
 
-/// Reads single objects of a file whose trailer is sound. Offsets are those of markers, in front of
-/// the table of offsets.
+/// Reads single objects of a file whose trailer is valid. Offsets are those of markers and must be
+/// below the table of offsets.
 class BinaryObjects {
 public:
-    /// Objects with parts may take `budget` bytes of the file together. The bytes stay the
-    /// caller's.
+    /// Strings, data and containers may take `budget` bytes of the file in total. `bytes` is
+    /// borrowed.
     BinaryObjects(std::span<const std::uint8_t> bytes, const BinaryTrailer& trailer,
                   std::size_t budget)
         : bytes_{bytes}, table_{trailer.table}, budget_{budget} {}
@@ -33,12 +33,12 @@ public:
         return read_big_endian(&bytes_[at], width);
     }
 
-    /// What follows the marker at `offset`: so many parts of `width` bytes as it tells, perhaps in
-    /// an integer behind it. Nothing when they do not fit in front of the table, or the budget is
-    /// used up.
+    /// The elements after the marker at `offset`; their count is in the marker or in the integer
+    /// that follows it, and each has `width` bytes. Nothing when they do not fit before the table,
+    /// or exceed the budget.
     std::optional<Extent> extent(std::size_t offset, std::size_t width);
 
-    /// The object at `offset`; null for a container and for what CoreFoundation refuses.
+    /// The object at `offset`; null for a container and for objects that CoreFoundation rejects.
     Owned read_leaf(std::size_t offset);
 
 private:
@@ -55,8 +55,8 @@ private:
     std::size_t room_after(std::size_t offset) const { return table_ - offset - 1; }
 
     std::span<const std::uint8_t> bytes_;
-    std::size_t table_;  ///< Where the table of offsets begins.
-    std::size_t budget_; ///< Bytes of the file that objects may still take.
+    std::size_t table_;  ///< Offset of the table of offsets.
+    std::size_t budget_; ///< Number of bytes that further objects may take.
 };
 
 } // namespace lumo::platform

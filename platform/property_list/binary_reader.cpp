@@ -1,8 +1,7 @@
-// A binary property list is a table of objects that refer to each other by number, so the file
-// decides whether they form a tree, a net or a circle. Each object is made once, when it is first
-// met on the way down from the root. Containers under way stand on a stack of our own; a finished
-// object's height is remembered, so that the depth of everything that is returned is bounded,
-// however it is shared.
+// A binary property list is a table of objects that refer to each other by index, so the file may
+// describe a tree, a graph with shared nodes or a cycle. Each object is created once, when it is
+// first reached from the root. Open containers are kept on an explicit stack. The height of each
+// finished object is stored, so the depth of the result is bounded even where objects are shared.
 #include "property_list/binary_reader.h"
 
 #include "core_foundation/objects.h"
@@ -20,37 +19,37 @@
 namespace lumo::platform {
 namespace {
 
-/// Objects may overlap in the file. What they take together may exceed its size by so much only,
-/// and their number its bytes, which stops a small file from holding containers without bound and a
-/// table of offsets from taking many times its size.
+/// Objects may overlap in the file. Their total size may exceed the file's size by at most this
+/// many bytes, and their number the offset of the table by as much. This keeps a small file from
+/// describing unbounded containers, and the table of offsets from taking many times the file's size
+/// in memory.
 constexpr std::size_t overlap_allowed = 65536;
 
-/// Heights: a leaf has 0, an empty container 1, any other one more than its highest child. Instead
-/// of one an object has these before it is met, and while it is an open container.
+/// Heights: a leaf has 0, an empty container 1, any other container one more than its highest
+/// child. These two values mark an object that is not reached yet, and an open container.
 constexpr std::uint16_t unmet = std::numeric_limits<std::uint16_t>::max();
 constexpr std::uint16_t under_way = unmet - 1;
 
 /// An object of the file.
 struct Slot {
-    Owned object; ///< Once it is made.
+    Owned object; ///< Null until it is created.
     std::uint16_t height = unmet;
 };
 
-/// A container under way. The children made so far are in `array`, or else the values from `first`
-/// on.
+/// An open container. The finished children are in `array`, or else in the values from `first` on.
 struct OpenContainer {
-    std::size_t object; ///< Its number.
+    std::size_t object; ///< Its index.
     Marker marker;
     unsigned in_pairs;    ///< 1 in a dictionary, else 0.
-    std::size_t refs;     ///< Where its references begin.
-    std::size_t children; ///< How many there are, keys counted.
+    std::size_t refs;     ///< Offset of its references.
+    std::size_t children; ///< Their number, including keys.
     std::size_t first;
-    std::unique_ptr<Array, Releaser> array; ///< Null unless it is one.
-    std::size_t next = 0;                   ///< The child to be read next.
-    std::size_t height = 1;                 ///< So far.
+    std::unique_ptr<Array, Releaser> array; ///< Null unless the container is an array.
+    std::size_t next = 0;                   ///< The next child to be read.
+    std::size_t height = 1;                 ///< The height so far.
 
-    /// Which reference is that of a child: in the file the keys of a dictionary come before the
-    /// values, here they take turns.
+    /// The index of the reference of `child`: in the file all keys of a dictionary precede its
+    /// values; as children, keys and values alternate.
     std::size_t ref_of(std::size_t child) const {
         return (child >> in_pairs) + (child & in_pairs) * (children >> 1);
     }
@@ -87,11 +86,11 @@ private:
 
     BinaryTrailer trailer_;
     BinaryObjects objects_;
-    std::vector<Slot> slots_;                     ///< By number.
+    std::vector<Slot> slots_;                     ///< By index.
     HashIndex by_value_;                          ///< Strings and data.
-    const Dictionary* last_dictionary_ = nullptr; ///< The one made last.
+    const Dictionary* last_dictionary_ = nullptr; ///< The last one created.
     std::vector<OpenContainer> open_;
-    std::vector<Owned> values_; ///< Children of open dictionaries and sets; at last, the root.
+    std::vector<Owned> values_; ///< Children of open dictionaries and sets; finally, the root.
 };
 
 Owned BinaryReader::read() {
@@ -106,7 +105,7 @@ Owned BinaryReader::read() {
     return std::move(values_.back());
 }
 
-/// Goes on with the innermost open container, up to its end or to a container in it.
+/// Reads children of the innermost open container, up to its end or to a new open container.
 bool BinaryReader::read_children() {
     const std::size_t depth = open_.size();
     do {
@@ -124,7 +123,7 @@ bool BinaryReader::read_children() {
     return true;
 }
 
-/// The common case, short: children that are leaves and were met before.
+/// Fast path for the common case: children that are leaves and already created.
 void BinaryReader::share_known_leaves(OpenContainer& container) {
     for (; container.next < container.children; ++container.next) {
         const std::uint64_t object = ref(container, container.next);
@@ -135,7 +134,8 @@ void BinaryReader::share_known_leaves(OpenContainer& container) {
     }
 }
 
-/// Hands out an object, or opens it when it is a container not met before.
+/// Adds an object to the open container, or opens it when it is a new container. False when the
+/// file is invalid.
 bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
     if (object >= trailer_.count || slots_[object].height == under_way) {
         return false;
@@ -162,9 +162,8 @@ bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
     return true;
 }
 
-/// Makes equal strings and data one object, and has their hashes remembered. So keys are compared
-/// by their addresses and hashes, and a file with many dictionaries of the same long keys costs no
-/// more than its size.
+/// Replaces equal strings and data by one object and caches their hashes. Thus keys are compared by
+/// address and hash, and many dictionaries with the same long keys take no more than linear time.
 void BinaryReader::share_equal(std::uint64_t object) {
     Owned& leaf = slots_[object].object;
     if (leaf->kind != Kind::string && leaf->kind != Kind::data) {
@@ -200,7 +199,7 @@ bool BinaryReader::open_container(std::size_t object, std::size_t offset) {
     return true;
 }
 
-/// Makes the innermost open container, all of whose children are there.
+/// Creates the innermost open container, whose children are complete.
 void BinaryReader::close_container() {
     OpenContainer container = std::move(open_.back());
     open_.pop_back();
@@ -224,7 +223,7 @@ Owned BinaryReader::made_of(OpenContainer& container) {
     return dictionary;
 }
 
-/// Hands out a finished container. False when the open ones and it are too deep together.
+/// Adds a finished container to the open one. False when the nesting would be too deep.
 bool BinaryReader::hand_out_container(const Slot& container) {
     if (open_.size() + container.height > most_levels_in_binary + 1) {
         return false;
@@ -236,8 +235,8 @@ bool BinaryReader::hand_out_container(const Slot& container) {
     return true;
 }
 
-/// Gives a finished object, with a reference, to the innermost open container as its next child.
-/// Without one it is the root.
+/// Adds a reference to a finished object to the innermost open container, as its next child. If no
+/// container is open, the object is the root.
 inline void BinaryReader::hand_out(const Slot& slot) {
     Owned value = share_unshared(slot.object.get());
     if (!open_.empty() && open_.back().array) {

@@ -1,4 +1,4 @@
-// Binary property lists.
+// Reads binary property lists.
 #pragma once
 
 #include "core_foundation/object.h"
@@ -9,10 +9,9 @@
 
 namespace lumo::platform {
 
-/// The value that a binary property list holds, or null when CoreFoundation would not take it;
-/// `trailer` is what read_binary_trailer made of the same bytes. An object that is referred to
-/// several times is made once and shared, so that neither the time nor the memory needed grows
-/// beyond a multiple of the file's size.
+/// The value of a binary property list, or null when CoreFoundation would reject it; `trailer` is
+/// the result of read_binary_trailer for the same bytes. An object that is referred to several
+/// times is created once and shared, so time and memory are linear in the size of the file.
 Owned read_binary(std::span<const std::uint8_t> bytes, const BinaryTrailer& trailer);
 
 } // namespace lumo::platform

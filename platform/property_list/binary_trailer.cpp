@@ -1,5 +1,5 @@
-// What has to be true of a binary property list before its objects are looked at. The reader relies
-// on every point.
+// Validates the structure of a binary property list before its objects are read. The reader relies
+// on every check.
 #include "property_list/binary_trailer.h"
 
 #include "property_list/binary_format.h"
@@ -9,18 +9,19 @@
 namespace lumo::platform {
 namespace {
 
-/// The second version digit is not looked at.
+/// The second digit of the version is ignored.
 bool has_magic(std::span<const std::uint8_t> bytes) {
     return bytes.size() > binary_header_size + binary_trailer_size &&
            std::memcmp(bytes.data(), "bplist0", 7) == 0;
 }
 
-/// Can a number of `width` bytes be `limit`?
+/// Whether a number of `width` bytes can hold `limit`.
 bool reaches(std::size_t width, std::uint64_t limit) {
     return width >= sizeof limit || limit >> (8 * width) == 0;
 }
 
-/// Do the header, at least one byte of objects, the table and the trailer make up the file exactly?
+/// Whether the header, at least one byte of objects, the table and the trailer make up exactly the
+/// whole file.
 bool sizes_match(std::uint64_t size, std::uint64_t table, std::uint64_t count,
                  std::uint64_t offset_width) {
     if (table <= binary_header_size || table >= size - binary_trailer_size) {

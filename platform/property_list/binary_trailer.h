@@ -1,4 +1,4 @@
-// The frame of a binary property list: its magic, offset table and trailer.
+// The structure of a binary property list: magic, offset table and trailer.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,8 @@
 
 namespace lumo::platform {
 
-/// The number in `width` big-endian bytes, of which only the last eight count. They must be there.
+/// The number in `width` big-endian bytes, which must be readable; only the last eight are
+/// significant.
 inline std::uint64_t read_big_endian(const std::uint8_t* bytes, std::size_t width) {
     if (width == 2) { // by far the most common width of references
         return static_cast<std::uint64_t>(bytes[0] << 8 | bytes[1]);
@@ -20,17 +21,17 @@ inline std::uint64_t read_big_endian(const std::uint8_t* bytes, std::size_t widt
     return value;
 }
 
-/// What the trailer tells, checked against the file.
+/// The fields of the trailer, checked against the file.
 struct BinaryTrailer {
-    std::size_t offset_width; ///< Bytes of an offset in the table, at least 1.
-    std::size_t ref_width;    ///< Bytes of a reference to an object, at least 1.
+    std::size_t offset_width; ///< Width of an offset in the table in bytes, at least 1.
+    std::size_t ref_width;    ///< Width of a reference to an object in bytes, at least 1.
     std::size_t count;        ///< Number of objects, at least 1.
-    std::size_t root;         ///< The root's number, below `count`.
-    std::size_t table;        ///< Where the table begins: all objects lie before it.
+    std::size_t root;         ///< Index of the root object, below `count`.
+    std::size_t table;        ///< Offset of the table; all objects are before it.
 };
 
-/// The trailer of a binary property list; nothing when `bytes` are none or the file's parts do not
-/// fit together. After this every entry of the table can be read and is below `table`.
+/// The trailer of a binary property list; nothing when `bytes` is not one or its parts are
+/// inconsistent. Otherwise every entry of the table is readable and below `table`.
 std::optional<BinaryTrailer> read_binary_trailer(std::span<const std::uint8_t> bytes);
 
 } // namespace lumo::platform

@@ -1,5 +1,5 @@
-// A file is measured before it is written: the objects' sizes give the place of the table, that
-// gives the width of its offsets, and so everything goes straight to its place.
+// Sizes are computed before writing: the sizes of the objects give the offset of the table, which
+// gives the width of the offsets, so every part is written in place once.
 #include "property_list/binary_writer.h"
 
 #include "core_foundation/objects.h"
@@ -23,20 +23,21 @@ std::size_t width_of(std::uint64_t value) {
     return value <= 0xFFFF ? 2 : value <= 0xFFFFFFFF ? 4 : 8;
 }
 
-/// The width of references and offsets up to `limit`. CoreFoundation writes no 3 bytes but reads
-/// them, and most states fit.
+/// The width of references and offsets up to `limit`. CoreFoundation never writes 3 bytes but reads
+/// them, and they suffice for most states.
 std::size_t index_width(std::uint64_t limit) {
     return limit > 0xFFFF && limit <= 0xFFFFFF ? 3 : width_of(limit);
 }
 
-/// Of a marker with a count: the count follows as an integer when it does not fit the marker.
+/// The size of a marker with a count; a count that does not fit in the marker follows as an
+/// integer.
 std::size_t head_size(std::size_t count) {
     return count < count_follows ? 1 : 2 + width_of(count);
 }
 
 std::size_t number_size(const Number& number) {
     switch (number.number_kind()) {
-    case NumberKind::integer: // a negative one has a sign only in 8 bytes
+    case NumberKind::integer: // negative integers always have 8 bytes
         return 1 + width_of(static_cast<std::uint64_t>(number.integer));
     case NumberKind::wide_integer:
         return 1 + 16;
@@ -72,7 +73,7 @@ std::size_t size_of(const ObjectGraph::Node& node, std::size_t ref_width) {
     }
 }
 
-/// Writes to memory that has been measured before.
+/// Writes to a buffer whose size was computed before.
 class Output {
 public:
     explicit Output(std::uint8_t* start) : start_{start}, at_{start} {}
@@ -189,7 +190,7 @@ void put_object(Output& out, ObjectGraph& graph, const ObjectGraph::Node& node,
         out.put_head(Marker::dictionary, node.ref_count / 2);
         put_refs(out, graph.refs_of(node), ref_width);
         break;
-    default: // collect_objects lets nothing else in
+    default: // collect_objects rejects other kinds
         break;
     }
 }

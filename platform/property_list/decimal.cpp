@@ -1,5 +1,5 @@
-// The C++ library reads a decimal exactly and fast, where it has that function: libc++ 19 has not,
-// and there the C library does it. Both round to the nearest double, to the even one of two.
+// Uses std::from_chars where the C++ library has it for double, since it is exact and fast; libc++
+// 19 lacks it, and there strtod_l is used. Both round to nearest, ties to even.
 #include "property_list/decimal.h"
 
 #include <version>
@@ -23,8 +23,8 @@ namespace lumo::platform {
 
 namespace {
 
-/// The value of a decimal that no double holds: zero when its first digit that counts stands behind
-/// the point once the exponent is applied, else infinity.
+/// The value of a decimal that is out of the range of double: zero when its first significant digit
+/// is after the point once the exponent is applied, else infinity.
 double beyond_double(std::string_view decimal) {
     const std::size_t mark = decimal.find_first_of("eE");
     const std::string_view mantissa = decimal.substr(0, mark);

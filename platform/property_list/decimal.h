@@ -5,9 +5,9 @@
 
 namespace lumo::platform {
 
-/// The double nearest to a decimal: digits with at most one point among them, then perhaps an
-/// exponent ("e" or "E", perhaps a sign, digits). Infinity or zero when no double comes near. The
-/// locale does not matter.
+/// The double nearest to a decimal: digits with at most one point, then an optional exponent ("e"
+/// or "E", an optional sign, digits). Infinity or zero when out of range. Independent of the
+/// locale.
 double nearest_double(std::string_view decimal);
 
 } // namespace lumo::platform

@@ -1,4 +1,4 @@
-// Finds numbers by a hash, for tables whose entries are kept elsewhere.
+// A hash index of numbers, for tables whose entries are stored elsewhere.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,13 @@
 
 namespace lumo::platform {
 
-/// Slots of open addressing, at most three quarters of them taken.
+/// Uses open addressing; at most three quarters of the slots are in use.
 class HashIndex {
 public:
     static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
 
-    /// The number filed under `hash` for which `is_wanted(number)` holds. When there is none, files
-    /// `fresh` there and returns it.
+    /// The number stored under `hash` for which `is_wanted(number)` holds. If there is none, stores
+    /// `fresh` and returns it.
     template <class IsWanted>
     std::uint32_t find_or_add(std::uint32_t hash, std::uint32_t fresh, IsWanted is_wanted) {
         if (taken_ >= slots_.size() / 4 * 3) {

@@ -1,13 +1,13 @@
-// How deep a property list may nest. CoreFoundation counts differently in its two formats.
+// Limits of nesting in property lists. CoreFoundation counts differently in its two formats.
 #pragma once
 
 #include <cstddef>
 
 namespace lumo::platform {
 
-/// Arrays and dictionaries inside each other in XML, the outermost counted.
+/// The maximum number of nested arrays and dictionaries in XML, including the outermost.
 inline constexpr std::size_t most_containers_in_xml = 512;
-/// Levels below the root in a binary property list, leaves counted.
+/// The maximum number of levels below the root in a binary property list, including leaves.
 inline constexpr std::size_t most_levels_in_binary = 512;
 
 } // namespace lumo::platform

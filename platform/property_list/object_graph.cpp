@@ -1,5 +1,5 @@
-// Collecting goes breadth first: the nodes are the queue of what is still to be looked into, so
-// depth and circles do not matter here.
+// Collects breadth first: the nodes are also the queue of objects to be visited, so depth and
+// cycles cause no recursion.
 #include "property_list/object_graph.h"
 
 #include "core_foundation/hashing.h"
@@ -13,7 +13,7 @@
 namespace lumo::platform {
 namespace {
 
-/// The bits by which numbers, dates and UIDs are told apart within their kind.
+/// The bits that distinguish numbers, dates and UIDs of one kind.
 std::uint64_t bits_of(const Object& object) {
     switch (object.kind) {
     case Kind::number: {
@@ -47,8 +47,8 @@ bool same_high_bits(const Object& a, const Object& b) {
            static_cast<const WideNumber&>(a).high == static_cast<const WideNumber&>(b).high;
 }
 
-/// Would the two be written as the same bytes? The integer 5 and the real 5.0 would not, nor would
-/// 0.0 and -0.0. Containers and booleans are compared by identity.
+/// Whether the two would be written as the same bytes. The integer 5 and the real 5.0 would not,
+/// nor would 0.0 and -0.0. Containers and booleans are compared by identity.
 bool same_value(const Object& a, const Object& b) {
     if (&a == &b) {
         return true;
@@ -110,7 +110,8 @@ bool Collector::add_children(std::size_t node) {
     return true;
 }
 
-/// Containers that do not own what they hold may hold anything.
+/// A container that does not own its values may hold pointers that are not objects, so it must be
+/// empty.
 bool Collector::add_items(const Array& array) {
     if (!array.has(Container::owns_values)) {
         return array.items().empty();
@@ -148,7 +149,7 @@ bool Collector::add_ref(const Object* object) {
     return number.has_value();
 }
 
-/// The number of the object's node; nothing when it cannot be written.
+/// The index of the object's node; nothing when the object cannot be written.
 std::optional<std::uint32_t> Collector::number_of(const Object* object) {
     switch (object->kind) {
     case Kind::null:

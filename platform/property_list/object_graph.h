@@ -1,4 +1,4 @@
-// The objects of a property list as numbers, each value once: what a binary file is made of.
+// The objects of a property list by index, each value once, as in a binary file.
 #pragma once
 
 #include "core_foundation/object.h"
@@ -11,14 +11,13 @@
 
 namespace lumo::platform {
 
-/// Objects by number and, by these numbers, what the containers among them hold. The objects are
-/// borrowed.
+/// Objects by index, and the references of the containers among them. The objects are borrowed.
 struct ObjectGraph {
-    /// An object; of a container also its references, in a dictionary first those to the keys, then
-    /// those to the values.
+    /// An object and, for a container, its references; those of a dictionary are first the keys,
+    /// then the values.
     struct Node {
         const Object* object;
-        std::size_t first_ref = 0; ///< Where its references begin in `refs`.
+        std::size_t first_ref = 0; ///< Index of its first reference in `refs`.
         std::size_t ref_count = 0;
     };
 
@@ -27,13 +26,13 @@ struct ObjectGraph {
         return std::span{refs}.subspan(node.first_ref, node.ref_count);
     }
 
-    std::vector<Node> nodes; ///< The root comes first.
+    std::vector<Node> nodes; ///< The root is the first.
     std::vector<std::uint32_t> refs;
 };
 
-/// Everything that `root` holds. Leaves that are equal and of the same kind are one node;
-/// containers are one node each. Nothing when an object cannot stand in a property list or a key is
-/// no string. Containers may still refer to themselves.
+/// All objects reachable from `root`. Leaves that are equal and of the same kind share a node; each
+/// container has its own. Nothing when an object cannot be part of a property list or a key is not
+/// a string. The graph may still have cycles.
 std::optional<ObjectGraph> collect_objects(const Object* root);
 
 } // namespace lumo::platform

@@ -1,5 +1,5 @@
-// CoreFoundation's order but for the entries of a dictionary, which there follow from its hash
-// table.
+// The order of CoreFoundation, except for the entries of a dictionary, whose order there depends on
+// its hash table.
 #include "property_list/object_order.h"
 
 #include "core_foundation/string.h"
@@ -19,7 +19,7 @@ char16_t utf16_unit(const String& string, std::size_t at) {
     return string.is_ascii() ? static_cast<char16_t>(string.ascii()[at]) : string.utf16()[at];
 }
 
-/// The order of UTF-16 units.
+/// Compares by UTF-16 units.
 bool precedes(const String& a, const String& b) {
     if (a.is_ascii() && b.is_ascii()) {
         return a.ascii() < b.ascii();
@@ -33,7 +33,7 @@ bool precedes(const String& a, const String& b) {
     return a.length < b.length;
 }
 
-/// The nodes that are keys somewhere, in order.
+/// All nodes that are keys of a dictionary, sorted.
 std::vector<std::uint32_t> sorted_keys(ObjectGraph& graph) {
     std::vector<bool> is_key(graph.nodes.size());
     std::vector<std::uint32_t> keys;
@@ -53,7 +53,8 @@ std::vector<std::uint32_t> sorted_keys(ObjectGraph& graph) {
     return keys;
 }
 
-/// The keys are ranked once, so that strings are not compared for each dictionary anew.
+/// Sorts the entries of each dictionary by key. Keys are ranked once, so strings are not compared
+/// again for each dictionary.
 void sort_dictionaries(ObjectGraph& graph) {
     const std::vector<std::uint32_t> keys = sorted_keys(graph);
     std::vector<std::uint32_t> ranks(graph.nodes.size());
@@ -79,7 +80,7 @@ void sort_dictionaries(ObjectGraph& graph) {
     }
 }
 
-/// Numbers the nodes depth first.
+/// Numbers the nodes in depth-first order.
 class Numbering {
 public:
     explicit Numbering(ObjectGraph& graph)
@@ -87,7 +88,7 @@ public:
         order_.reserve(graph.nodes.size());
     }
 
-    /// False when a container holds itself.
+    /// Computes the numbers. False when a container contains itself.
     bool run() {
         enter(0);
         while (!open_.empty()) {
@@ -103,7 +104,7 @@ public:
         return true;
     }
 
-    /// Makes each node's number its place.
+    /// Moves each node to the index that is its number.
     void apply() {
         std::vector<ObjectGraph::Node> nodes;
         nodes.reserve(order_.size());
@@ -122,7 +123,7 @@ private:
     /// A container that is being numbered.
     struct Open {
         std::uint32_t node;
-        std::size_t next; ///< The reference to follow next.
+        std::size_t next; ///< The next reference to follow.
     };
 
     bool enter(std::uint32_t node) {

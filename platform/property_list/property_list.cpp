@@ -1,6 +1,5 @@
-// CoreFoundation's two functions for property lists. CoreFoundation would also read the old format
-// of NeXTSTEP, a notation of nothing but text in which most files mean something; here such a file
-// is refused.
+// CoreFoundation's two functions for property lists. CoreFoundation also reads the old text format
+// of NeXTSTEP, in which most text files are valid; here such files are rejected.
 #include "core_foundation/objects.h"
 #include "property_list/binary_reader.h"
 #include "property_list/binary_trailer.h"
@@ -21,8 +20,8 @@ struct Reading {
     CFPropertyListFormat format;
 };
 
-/// Binary when the frame of the file is; a binary file with a fault in it is not tried as XML,
-/// which begins otherwise.
+/// Reads the binary format if the trailer is valid, else XML. A binary file with an invalid object
+/// is not tried as XML, since it cannot be XML.
 Reading read_property_list(std::span<const std::uint8_t> bytes) {
     if (const auto trailer = read_binary_trailer(bytes)) {
         return {read_binary(bytes, *trailer), kCFPropertyListBinaryFormat_v1_0};
@@ -31,7 +30,7 @@ Reading read_property_list(std::span<const std::uint8_t> bytes) {
     return {read_xml({characters, bytes.size()}), kCFPropertyListXMLFormat_v1_0};
 }
 
-/// Calls `make` and gives its result, or null when it was too large for this machine.
+/// Returns the result of `make`, or null when it needs more memory than there is.
 template <class Make>
 auto unless_too_large(Make make) -> decltype(make()) {
     try {
@@ -43,7 +42,7 @@ auto unless_too_large(Make make) -> decltype(make()) {
     }
 }
 
-/// Null, with an error that says why in `*error` when the caller wants one.
+/// Returns null, with an error in `*error` if the caller requested one.
 std::nullptr_t failure(CFErrorRef* error, CFIndex code, std::string_view description) {
     if (error) {
         const Object* made = make_cocoa_error(code, description).release();

@@ -1,5 +1,5 @@
-// The strings that a reader met last. A state repeats a few keys thousands of times, and each needs
-// to be made only once.
+// A cache of the strings that a reader created last. A state repeats a few keys thousands of times,
+// and each should be created only once.
 #pragma once
 
 #include "core_foundation/string.h"
@@ -12,11 +12,11 @@
 
 namespace lumo::platform {
 
-/// One string for each hash; a new one takes the place of the old. So no input can make it grow or
-/// slow, and it promises nothing: equal strings are mostly, not always, one object.
+/// Keeps one string per slot; a new one replaces it. Thus memory and time are bounded for any
+/// input, but equal strings are only usually, not always, one object.
 class RecentStrings {
 public:
-    /// The string of `ascii`, made now or before.
+    /// The string of `ascii`, from the cache or new.
     Owned get(std::string_view ascii) {
         if (ascii.size() > longest) {
             return make_string_ascii(ascii);
@@ -32,7 +32,7 @@ private:
     static constexpr std::size_t longest = 64;
     static constexpr unsigned slot_bits = 10;
 
-    /// From the length and the first and last bytes, which are what keys differ in.
+    /// A hash of the length and the first and last bytes, in which keys differ.
     static std::size_t slot_of(std::string_view text) {
         std::uint64_t first = 0;
         std::uint64_t last = 0;

@@ -1,11 +1,11 @@
-// Single characters as UTF-8.
+// Encodes single characters in UTF-8.
 #pragma once
 
 #include <string>
 
 namespace lumo::platform {
 
-/// True for every code point but the surrogates.
+/// Whether `c` is a code point other than a surrogate.
 constexpr bool is_unicode_scalar(char32_t c) {
     return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF);
 }

@@ -1,11 +1,13 @@
-// How CoreFoundation finds the encoding of an XML property list:
+// How CoreFoundation determines the encoding of an XML property list:
 // 1. A byte order mark decides, and a declaration is then ignored.
-// 2. A NUL among the first two bytes means UTF-16 without a mark. CoreFoundation drops the first
-//    unit there and takes the order of the host, so such a file only reads when it opens with white
-//    space; we agree with it.
-// 3. A file that starts with "<?xml" may declare encoding="..." before the next "?" or ">", byte by
-//    byte as written here: no blank, any quote, which must be closed. Of the name only letters and
-//    digits count.
+// 2. A NUL among the first two bytes means UTF-16 without a mark. CoreFoundation then drops the
+// first
+//    unit and assumes the byte order of the host, so such a file is only readable when it begins
+//    with white space; this reader does the same.
+// 3. A file that starts with "<?xml" may declare encoding="..." before the next "?" or ">", exactly
+// as
+//    written here: no blanks, single or double quotes, which must be closed. Only letters and
+//    digits of the name are significant.
 // 4. Everything else is UTF-8.
 #include "property_list/xml_encoding.h"
 
@@ -20,7 +22,7 @@
 namespace lumo::platform {
 namespace {
 
-/// Appends `bytes` to `text` in UTF-8; false when the encoding does not define one of them.
+/// Appends `bytes`, converted to UTF-8, to `text`; false when the encoding does not define a byte.
 using Converter = bool (*)(std::string_view bytes, std::string& text);
 
 bool convert_latin_1(std::string_view bytes, std::string& text) {
@@ -80,8 +82,8 @@ bool convert_utf32(std::string_view bytes, std::string& text) {
     return true;
 }
 
-/// The encoding name that the tag at the start of `bytes` declares in quotes; nothing when it has
-/// none or its quotes are not closed.
+/// The encoding name that the tag at the start of `bytes` declares in quotes; nothing when there is
+/// no declaration or its quotes are not closed.
 std::optional<std::string_view> declared_encoding(std::string_view bytes) {
     constexpr std::string_view open = "<?xml";
     constexpr std::string_view word = "encoding=";
@@ -102,7 +104,7 @@ std::optional<std::string_view> declared_encoding(std::string_view bytes) {
     return name.substr(0, end);
 }
 
-/// The letters and digits of an encoding's name in lower case: nothing else of it counts.
+/// The letters and digits of an encoding's name in lower case; other characters are ignored.
 std::string plain_name(std::string_view name) {
     std::string plain;
     for (const char c : name) {
@@ -117,11 +119,11 @@ std::string plain_name(std::string_view name) {
 
 struct NamedConverter {
     std::string_view plain_name;
-    Converter convert; ///< null: the bytes are UTF-8 as they stand
+    Converter convert; ///< null: the bytes are UTF-8 already
 };
 
-/// The names that the registry of character sets (IANA) has for the encodings that are read.
-/// CoreFoundation reads US-ASCII as ISO-8859-1. It refuses Mac Roman, whose code it takes for none.
+/// The IANA names of the supported encodings. CoreFoundation reads US-ASCII as ISO-8859-1. It
+/// rejects Mac Roman, whose constant is 0 and means "no encoding" there.
 constexpr NamedConverter known_encodings[] = {
     {"utf8", nullptr},
     {"iso88591", convert_latin_1},

@@ -1,8 +1,8 @@
-// A property list in XML, read in one pass. Values that are finished wait on a stack; an element
-// that contains others remembers where its own begin there, and takes them over when it ends. So
-// the depth of a file costs no call stack, and elements know nothing of each other.
+// Reads a property list in XML in one pass. Finished values are pushed on a stack; an open
+// container stores where its own values begin and removes them when it ends. So nesting takes no
+// call stack.
 //
-//     <plist> one value </plist>             may be left out, may nest
+//     <plist> one value </plist>             optional, may nest
 //     <dict> <key>text</key> value ... </dict>   the later of two equal keys wins
 //     <array> value ... </array>
 //     <string>, <integer>, <real>, <data>, <date>, <true/>, <false/>
@@ -28,11 +28,11 @@
 namespace lumo::platform {
 namespace {
 
-/// An element that is still open. Values from `first` on are its own.
+/// An open element. The values from `first` on belong to it.
 struct Open {
     Element element; ///< plist, array or dict
     std::size_t first;
-    std::size_t times; ///< How many <plist> stand directly inside each other here.
+    std::size_t times; ///< Number of <plist> nested directly here.
 };
 
 class XmlReader {
@@ -60,7 +60,7 @@ private:
     std::vector<Open> open_;
     std::vector<Owned> values_;
     std::size_t depth_ = 0;
-    Owned last_dictionary_; ///< The one made last, null before the first.
+    Owned last_dictionary_; ///< The last one created, or null.
     RecentStrings strings_;
     std::vector<std::uint8_t> data_;
 };
@@ -88,7 +88,7 @@ Owned XmlReader::read() {
     return std::move(values_.back());
 }
 
-/// Reads a whole value, or the start tag of one that contains others.
+/// Reads a complete value, or the start tag of a container.
 bool XmlReader::read_element() {
     const auto tag = scanner_.start_tag();
     if (!tag || !takes(tag->element)) {
@@ -106,7 +106,8 @@ bool XmlReader::read_element() {
     }
 }
 
-/// May `element` stand here: keys and values in turn in a dictionary, one value in a plist?
+/// Whether `element` is allowed here: alternating keys and values in a dictionary, one value in a
+/// plist.
 bool XmlReader::takes(Element element) const {
     if (open_.empty() || open_.back().element == Element::array) {
         return true;
@@ -130,7 +131,8 @@ bool XmlReader::open(Element element) {
     return true;
 }
 
-/// A dictionary of nothing but a number under "CF$UID" is how a keyed archive writes a UID.
+/// The UID that a dictionary represents: keyed archives write one as a dictionary with a number
+/// under "CF$UID" as its only entry.
 std::optional<std::uint32_t> uid_in(const Dictionary& dictionary) {
     const std::span<const Entry> entries = dictionary.items();
     if (entries.size() != 1 || entries[0].value->kind != Kind::number) {
@@ -212,8 +214,8 @@ Owned XmlReader::read_value(Tag tag) {
     }
 }
 
-/// `text` with U+FFFD in place of each byte A9 that stands where a character must start; nothing
-/// when any other byte is no valid UTF-8.
+/// `text` with U+FFFD for each byte A9 at the start of a character; nothing when any other byte is
+/// invalid UTF-8.
 std::optional<std::string> with_stray_bytes_replaced(std::string_view text) {
     constexpr char stray_byte = '\xA9';
     std::string replaced;
@@ -231,8 +233,8 @@ std::optional<std::string> with_stray_bytes_replaced(std::string_view text) {
     return replaced;
 }
 
-/// A string of UTF-8 text. CoreFoundation lets one invalid byte pass, A9, the copyright sign of
-/// ISO-8859-1, so that a list with such a stray sign is not lost; null for any other.
+/// A string from UTF-8 text. CoreFoundation accepts one invalid byte, A9, the copyright sign of
+/// ISO-8859-1, so that a list with a stray one remains readable; null for any other invalid text.
 Owned make_text(std::string_view text) {
     if (Owned string = make_string(text)) {
         return string;
@@ -241,7 +243,7 @@ Owned make_text(std::string_view text) {
     return replaced ? make_string(*replaced) : nullptr;
 }
 
-/// A string or key, without a byte order mark at its start.
+/// Reads a string or key, without a byte order mark at its start.
 Owned XmlReader::read_text(Tag tag) {
     if (tag.empty) {
         return make_string_ascii({});

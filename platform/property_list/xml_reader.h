@@ -1,4 +1,4 @@
-// Property lists in XML.
+// Reads XML property lists.
 #pragma once
 
 #include "core_foundation/object.h"
@@ -7,9 +7,8 @@
 
 namespace lumo::platform {
 
-/// The value that an XML property list holds, or null when CoreFoundation would not take it.
-/// `bytes` may be in any of the encodings of xml_text. Nothing behind the root element is looked
-/// at.
+/// The value of an XML property list, or null when CoreFoundation would reject it. `bytes` may have
+/// any encoding of xml_text. Anything after the root element is ignored.
 Owned read_xml(std::string_view bytes);
 
 } // namespace lumo::platform

@@ -1,9 +1,8 @@
-// CoreFoundation's dialect is simpler than XML and not a subset of it: attributes end at the first
-// ">", even one inside quotes; a tag is empty when "/" stands just before its ">", and any other
-// "/" before the first blank belongs to its name; there is no internal document type subset;
-// comments and processing instructions may stand between elements only; entities are the five
-// predefined ones and numbers; line ends stay as they are, and control characters may stand
-// anywhere.
+// CoreFoundation's dialect is simpler than XML, but not a subset of it: attributes end at the first
+// ">", even inside quotes; a tag is empty when "/" immediately precedes its ">", and any other "/"
+// before the first blank is part of its name; there is no internal document type subset; comments
+// and processing instructions are allowed only between elements; entities are the five predefined
+// ones and numeric ones; line ends are not normalised, and control characters are allowed anywhere.
 #include "property_list/xml_scanner.h"
 
 #include "property_list/utf8.h"
@@ -42,13 +41,13 @@ constexpr std::uint64_t in_each_byte(std::uint8_t byte) {
     return 0x0101010101010101u * byte;
 }
 
-/// The high bit of each byte of `word` that is zero; bytes above the first one found may be wrong.
+/// Sets the high bit of each zero byte of `word`; bytes above the first one found may be wrong.
 constexpr std::uint64_t zero_bytes(std::uint64_t word) {
     return (word - in_each_byte(1)) & ~word & in_each_byte(0x80);
 }
 
-/// The first "<" or "&" from `at` on, or `end`. Sets `high` to a non-zero value when a byte on the
-/// way is not ASCII.
+/// The first "<" or "&" from `at` on, or `end`. Sets `high` to non-zero when a byte before it is
+/// not ASCII.
 const char* find_markup(const char* at, const char* end, std::uint64_t& high) {
     while (end - at >= 8) {
         std::uint64_t word = 0;
@@ -78,7 +77,8 @@ void XmlScanner::skip_blanks() {
     }
 }
 
-/// Moves behind the next `mark` that starts `from` characters ahead or later.
+/// Moves past the next `mark` that starts at least `from` characters ahead; false when there is
+/// none.
 bool XmlScanner::skip_past(std::string_view mark, std::size_t from) {
     const std::size_t found = rest().find(mark, from);
     if (found == std::string_view::npos) {
@@ -108,7 +108,7 @@ bool XmlScanner::skip_prolog() {
                 return false;
             }
         } else if (starts_with("<!--")) {
-            // Here, and only here, a comment is at least one character long: <!----> goes on.
+            // Only here, a comment has at least one character: <!----> does not end it.
             if (!skip_past("-->", 5)) {
                 return false;
             }
@@ -127,7 +127,7 @@ bool XmlScanner::skip_to_tag() {
             return false;
         }
         if (starts_with("<?")) {
-            // Here, and only here, <?> is complete.
+            // Only here, <?> is complete.
             if (!skip_past("?>", 1)) {
                 return false;
             }
@@ -192,7 +192,7 @@ std::optional<Text> XmlScanner::text() {
     return Text{scratch_, false};
 }
 
-/// Appends an entity or CDATA section and the plain text behind it to the scratch text.
+/// Appends an entity or CDATA section and the plain text after it to the scratch text.
 bool XmlScanner::append_piece() {
     if (at_ == end_ || !(*at_ == '&' ? append_entity() : append_character_data())) {
         return false;
@@ -234,7 +234,7 @@ bool XmlScanner::append_entity() {
     return starts_with("&#") && append_numeric_entity(rest().substr(2));
 }
 
-/// `digits` are what follows "&#". Without any digit the character is U+0000.
+/// Appends the character of a numeric entity; `digits` follow "&#". Without any digit it is U+0000.
 bool XmlScanner::append_numeric_entity(std::string_view digits) {
     constexpr std::size_t most_digits = 8;
     const int base = digits.starts_with('x') ? 16 : 10;

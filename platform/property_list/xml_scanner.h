@@ -1,5 +1,4 @@
-// The text of an XML property list and the place reached in it: blanks, comments, tags and the
-// text between them.
+// Scans the text of an XML property list: blanks, comments, tags and the text between them.
 #pragma once
 
 #include <cstddef>
@@ -25,7 +24,7 @@ enum class Element : std::uint8_t {
     plist
 };
 
-/// A start tag; `empty` when it closes itself.
+/// A start tag; `empty` when it is self-closing.
 struct Tag {
     Element element;
     bool empty;
@@ -33,33 +32,33 @@ struct Tag {
 
 /// The text of a <string>, <key> or <real>.
 struct Text {
-    std::string_view utf8; ///< Not checked; lives until the next text is read.
+    std::string_view utf8; ///< Not validated; valid until the next text is read.
     bool ascii;
 };
 
-/// Each function moves on behind what it has read; on failure the place is of no use any more.
+/// Each function advances past what it has read; after a failure the position is undefined.
 class XmlScanner {
 public:
     explicit XmlScanner(std::string_view text)
         : at_{text.data()}, end_{text.data() + text.size()} {}
 
-    /// Skips what may stand before the root element. False when none follows.
+    /// Skips everything allowed before the root element. False when none follows.
     bool skip_prolog();
-    /// Skips blanks, comments and processing instructions up to the next tag. False when something
-    /// else comes first.
+    /// Skips blanks, comments and processing instructions up to the next tag. False when anything
+    /// else precedes it.
     bool skip_to_tag();
-    /// Is the tag here an end tag?
+    /// Whether the current tag is an end tag.
     bool at_end_tag() const { return end_ - at_ > 1 && at_[1] == '/'; }
 
-    /// The start tag here, its attributes skipped; nothing for an unknown element.
+    /// Reads a start tag and skips its attributes; nothing for an unknown element.
     std::optional<Tag> start_tag();
-    /// Skips the end tag of `element`; false when something else stands here.
+    /// Skips the end tag of `element`; false when the input has anything else.
     bool end_tag(Element element);
 
     /// The text up to the next tag, with entities and CDATA resolved; nothing when one is
     /// malformed.
     std::optional<Text> text();
-    /// The bytes up to the next tag as they stand.
+    /// The bytes up to the next tag, unchanged.
     std::string_view raw_text();
 
 private:
@@ -76,7 +75,7 @@ private:
 
     const char* at_;
     const char* end_;
-    std::string scratch_; ///< The text of an element that is not one plain run.
+    std::string scratch_; ///< The text of an element that has entities or CDATA.
 };
 
 } // namespace lumo::platform

@@ -1,6 +1,6 @@
 // CoreFoundation's notations of numbers, dates and data. They are stricter than the C library's in
-// some places (no blank after a number) and looser in others (data skips what it does not know),
-// and a state must read the same here and there.
+// some places (no blank after a number) and laxer in others (unknown characters in data are
+// skipped), and a state must be read identically on both systems.
 #include "property_list/xml_values.h"
 
 #include "base/utf8.h"
@@ -18,9 +18,9 @@
 namespace lumo::platform {
 namespace {
 
-/// Bytes of the blank at the start of the text of an <integer>, which CoreFoundation takes byte by
-/// byte: controls, space, the bytes 0x7F to 0xA0 and, in UTF-8, U+2000 to U+200B and U+3000. 0 when
-/// there is none.
+/// The size in bytes of the blank at the start of the text of an <integer>, which CoreFoundation
+/// reads byte by byte: control characters, space, the bytes 0x7F to 0xA0 and, in UTF-8, U+2000 to
+/// U+200B and U+3000. 0 when there is none.
 std::size_t blank_size(std::string_view text) {
     const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
     if (text.empty()) {
@@ -41,7 +41,8 @@ void skip_blanks(std::string_view& text) {
     }
 }
 
-/// The same of the text of a <real>, which CoreFoundation takes character by character.
+/// Skips the blanks at the start of the text of a <real>, which CoreFoundation reads character by
+/// character.
 void skip_blank_characters(std::string_view& text) {
     while (!text.empty()) {
         const Utf8Character next = first_utf8_character(text);
@@ -62,7 +63,7 @@ bool is_decimal_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Takes the digits off the front of `text` and says how many there were.
+/// Removes the digits at the start of `text` and returns their number.
 std::size_t skip_digits(std::string_view& text) {
     std::size_t count = 0;
     while (count < text.size() && is_decimal_digit(text[count])) {
@@ -80,7 +81,7 @@ bool skip_one_of(std::string_view& text, std::string_view set) {
     return true;
 }
 
-/// Is `text` digits with at most one point among them, then perhaps an exponent?
+/// Whether `text` is digits with at most one point, then an optional exponent.
 bool is_decimal(std::string_view text) {
     std::size_t digits = skip_digits(text);
     if (skip_one_of(text, ".")) {
@@ -98,7 +99,7 @@ bool is_decimal(std::string_view text) {
     return text.empty();
 }
 
-/// Days from 2001-01-01 to the first of March of `year`, in the Gregorian calendar on both sides.
+/// Days from 2001-01-01 to the first of March of `year`, in the proleptic Gregorian calendar.
 std::int64_t days_to_march(std::int64_t year) {
     const auto floor_div = [](std::int64_t a, std::int64_t b) {
         return a / b - (a % b < 0 ? 1 : 0);
@@ -125,7 +126,7 @@ std::optional<unsigned> two_digits(std::string_view text, std::size_t at) {
 
 enum : std::int8_t { skipped = -1, refused = -2 };
 
-/// What each byte counts for in base64. The padding, "=", counts as zero.
+/// The value of each byte in base64. The padding, "=", has the value zero.
 constexpr std::array<std::int8_t, 256> base64_values = [] {
     std::array<std::int8_t, 256> values{};
     for (std::size_t i = 0; i < 256; ++i) {
@@ -218,7 +219,7 @@ bool decode_base64(std::string_view text, std::vector<std::uint8_t>& bytes) {
     bytes.reserve(text.size() / 4 * 3);
     std::uint32_t group = 0;
     int symbols = 0;
-    int padding = 0; // signs of equality in a row; blanks between them do not end the row
+    int padding = 0; // consecutive "="; blanks between them do not count
     for (const char c : text) {
         const std::int8_t value = base64_values[static_cast<std::uint8_t>(c)];
         if (value == refused) {

@@ -1,4 +1,5 @@
-// The one place of the platform's sampler that says CFRelease.
+// An owning reference to a CoreFoundation object; only here does the platform's sampler call
+// CFRelease.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -7,14 +8,14 @@
 
 namespace lumo::platform {
 
-/// Holds one reference to a CoreFoundation object, or nothing.
+/// Owns one reference to a CoreFoundation object, or nothing.
 template <class T>
 class Ref {
 public:
     Ref() = default;
-    /// Takes over the reference that a Create or Copy function handed out.
+    /// Takes ownership of the reference that a Create or Copy function returned.
     static Ref adopt(T created) { return Ref(created); }
-    /// Adds a reference to what a Get function lent.
+    /// Retains an object that a Get function returned.
     static Ref retain(T borrowed) {
         if (borrowed) {
             CFRetain(borrowed);
@@ -35,7 +36,7 @@ public:
 
     T get() const { return object_; }
     explicit operator bool() const { return object_ != nullptr; }
-    /// Hands the reference to the caller.
+    /// Releases ownership; the caller calls CFRelease.
     [[nodiscard]] T release() { return std::exchange(object_, nullptr); }
 
 private:

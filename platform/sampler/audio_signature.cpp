@@ -1,8 +1,9 @@
-// Files are told apart by the magic numbers of their containers (ISO/IEC 14496-12, Apple's Core
-// Audio Format). A bare stream has no such number, only a header of a few bits at each frame
+// Files are identified by the magic numbers of their containers (ISO/IEC 14496-12, Apple's Core
+// Audio Format). A bare stream has no such number, only a header of a few bits in each frame
 // (ISO/IEC 11172-3 and 13818-3 for MPEG audio layers I to III, 13818-7 for ADTS, ATSC A/52 for
-// AC-3), which chance and text in UTF-16 can produce; so the fields are checked, and where the
-// frame says how long it is, the next one has to be there and to be of the same kind.
+// AC-3), which random data and UTF-16 text can match. Therefore the fields are checked, and for
+// MPEG audio and ADTS, whose headers give the frame's length, a second frame of the same kind must
+// follow.
 #include "sampler/audio_signature.h"
 
 #include <array>
@@ -24,8 +25,8 @@ std::uint32_t big_endian(Bytes four) {
            std::uint32_t{four[2]} << 8 | four[3];
 }
 
-/// The fields of a frame header: 11 bits of ones, then version, layer, protection, bit rate,
-/// sampling rate, padding.
+/// The fields of a frame header: 11 one bits, then version, layer, protection, bit rate, sampling
+/// rate, padding.
 struct MpegHeader {
     std::uint32_t bits;
 
@@ -58,7 +59,7 @@ constexpr std::array<Rates, 3> mpeg2_rates{{
     {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160},
 }};
 
-/// The length of a valid header's frame in bytes.
+/// The length in bytes of the frame of a valid header.
 std::size_t frame_length(MpegHeader header) {
     constexpr std::array<std::uint32_t, 3> mpeg1_sampling{44100, 48000, 32000};
     const std::uint32_t halvings = header.is_mpeg1() ? 0 : header.version() == 2 ? 1 : 2;
@@ -72,8 +73,8 @@ std::size_t frame_length(MpegHeader header) {
     return slots * rate / sampling + header.padding();
 }
 
-/// Whether the frame that begins the head ends inside it, and either the head as well (but for a
-/// few bytes) or in front of a header for which `is_next` holds.
+/// Whether the first frame ends inside `head` and is followed by a header for which `is_next`
+/// holds, or by fewer bytes than a header has.
 template <class IsNext>
 bool is_followed(Bytes head, std::size_t length, std::size_t header_size, IsNext is_next) {
     return length >= header_size && head.size() >= length &&
@@ -133,7 +134,7 @@ bool is_container(Bytes head) {
            has_text_at(head, 0, "fLaC") || has_text_at(head, 0, "OggS");
 }
 
-/// RIFF files like WAVE: the bank's kind is their form.
+/// Sound banks are RIFF files like WAVE; the form type is the kind of bank.
 bool is_bank(Bytes head) {
     return has_text_at(head, 0, "RIFF") &&
            (has_text_at(head, 8, "sfbk") || has_text_at(head, 8, "DLS "));
@@ -147,7 +148,7 @@ std::uint64_t id3_tag_size(Bytes head) {
     if (head.size() < header_size || !has_text_at(head, 0, "ID3")) {
         return 0;
     }
-    std::uint64_t size = 0; // seven bits in each byte, so that no byte looks like a frame
+    std::uint64_t size = 0; // seven bits per byte, so that no byte matches a frame sync
     for (const std::uint8_t byte : head.subspan(6, 4)) {
         size = size << 7 | (byte & 0x7F);
     }

@@ -1,12 +1,12 @@
-// A chunk is a header of 84 bytes and its content, back to back with the next:
+// A chunk is a header of 84 bytes followed by its content; the next chunk follows immediately:
 //
 //      3  u8   type in the lower six bits, flags above
 //      4  u32  size of the content
-//     16  4cc  magic, which tells the byte order of every number in the chunk
-//     20  64   name, ended by a zero byte unless it fills the room
+//     16  4cc  magic, which gives the byte order of all numbers in the chunk
+//     20  64   name, NUL-terminated unless it fills the field
 //
-// The type stands in the fourth byte whatever the byte order. Flag 0x80 is of files whose sizes
-// have 15 bits and a mark above them; flag 0x40 changes nothing.
+// The type is in the fourth byte in either byte order. Flag 0x80 marks files whose sizes have 15
+// bits, with other data in the bits above; flag 0x40 has no effect.
 #include "sampler/exs_chunk.h"
 
 #include "sampler/exs_text.h"

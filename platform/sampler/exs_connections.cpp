@@ -1,9 +1,9 @@
-// Every layer has six fixed connections, numbered 0 to 5. From 6 on the others are numbered as they
-// come: volume by key, pitch bend, attack by velocity, the slots of the matrix, cutoff by key.
+// Every layer has six fixed connections with the IDs 0 to 5. From 6 on, IDs are assigned in this
+// order: volume by key, pitch bend, attack by velocity, the slots of the matrix, cutoff by key.
 //
-// They are written in another order than that of their numbers: first those that move an LFO or an
-// envelope, so that these are set before they move anything, then those from keyboard and MIDI,
-// then those from the layer's LFO and from its envelopes.
+// They are written in another order: first those that modulate an LFO or an envelope, so that these
+// are set before they modulate anything, then those from keyboard and MIDI, then those from the
+// layer's LFO and from its envelopes.
 #include "sampler/exs_connections.h"
 
 #include "sampler/exs_formulas.h"
@@ -15,7 +15,8 @@
 namespace lumo::platform {
 namespace {
 
-/// From -1000..1000 to the sampler's units, multiplied in the order in which the sampler does.
+/// Converts -1000..1000 to the sampler's units; the factors are in the sampler's own order, which
+/// determines rounding.
 float of_thousand(int amount, float full) {
     return static_cast<float>(amount) * 0.001F * full;
 }
@@ -31,7 +32,7 @@ ExsConnection ranged(std::uint32_t source, std::uint32_t destination, float low,
     return connection;
 }
 
-/// Takes `scale` dB off the gain where the source is at its lowest.
+/// Changes the gain by `scale` dB (0 or less) where the source is lowest.
 ExsConnection damping(std::uint32_t source, float scale,
                       ExsConnection::Transform transform = ExsConnection::concave) {
     ExsConnection connection = scaled(source, code::gain, scale);
@@ -68,8 +69,8 @@ ExsConnection pitch_by_bend(const ExsParameters& parameters) {
                   static_cast<float>(100 * up));
 }
 
-/// The attack is given for the loudest and for the softest note. A time of 0 is no number of
-/// octaves away from any other, so both must be above it.
+/// The attack is given for the loudest and the softest note. It is converted to octaves, so both
+/// times must be above 0.
 std::optional<ExsConnection> attack_by_velocity(const ExsParameters& parameters) {
     const int loud = parameters.value(ExsParameter::amp_attack);
     const int soft = parameters.value(ExsParameter::amp_attack_soft);
@@ -88,13 +89,13 @@ std::optional<ExsConnection> cutoff_by_key(const ExsParameters& parameters) {
     return scaled(code::key, code::cutoff, of_thousand(amount, 12000));
 }
 
-/// The LFO's own code, or nothing when it stands still: then it is not in the state.
+/// The LFO's code; nothing when the LFO is not running, since the state then does not contain it.
 std::optional<std::uint32_t> running_lfo(const ExsParameters& parameters, ExsParameter rate,
                                          std::uint32_t lfo) {
     return exs_lfo_rate(parameters.value(rate)) ? std::optional(lfo) : std::nullopt;
 }
 
-/// The sampler's code of a source (or via) of the matrix, if it has such a source.
+/// The sampler's code of a source (or via) of the matrix; nothing when it has no such source.
 std::optional<std::uint32_t> source_code(int source, const ExsParameters& parameters) {
     switch (source) {
     case -3:
@@ -124,7 +125,7 @@ struct Destination {
     float (*amount)(int); ///< from the matrix's units to the sampler's
 };
 
-/// Up to an octave, finest near 0.
+/// Up to one octave, with the finest resolution near 0.
 float pitch_amount(int amount) {
     const float part = static_cast<float>(amount) / 1000.0F;
     return std::copysign(1200.0F * (part * part * part * part), part);
@@ -167,7 +168,7 @@ std::optional<ExsConnection> slot_connection(ExsModulation slot, const ExsParame
     return connection;
 }
 
-/// Where a connection stands among those written.
+/// The rank of a connection in the written order.
 std::uint32_t written_rank(const ExsConnection& connection) {
     if (connection.destination < code::pitch) {
         return 0;

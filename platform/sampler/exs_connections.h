@@ -1,4 +1,4 @@
-// The connections of a layer: what moves what, and how far.
+// The connections of a layer: sources, destinations and amounts of modulation.
 #pragma once
 
 #include "sampler/exs_parameters.h"
@@ -9,8 +9,8 @@
 
 namespace lumo::platform {
 
-/// The sampler's numbers of sources and destinations. Below 128 a source is a MIDI controller.
-/// Those from `of_layer` on belong to a layer, whose number stands in the bits from 8 on.
+/// The sampler's codes of sources and destinations. Sources below 128 are MIDI controllers. Codes
+/// from `of_layer` on belong to a layer, whose index is in the bits from 8 on.
 namespace code {
 enum : std::uint32_t {
     none = 0,
@@ -35,25 +35,26 @@ enum : std::uint32_t {
     pan = 0x50200000,               // -1 to 1
 };
 
-/// `number` as that of another layer; numbers that belong to no layer stay.
+/// The code `number` for another layer; codes below `of_layer` are unchanged.
 constexpr std::uint32_t in_layer(std::uint32_t number, std::uint32_t layer) {
     return number < of_layer ? number : number + (layer << 8);
 }
-/// How many layers the numbers can tell apart: they have the bits 8 to 19 for it.
+/// The maximum number of layers: the codes have bits 8 to 19 for the index.
 inline constexpr std::size_t most_layers = 4096;
 } // namespace code
 
-/// What moves what: from `source`, scaled by `control`, to `destination`, in its units.
+/// A connection from `source`, scaled by `control`, to `destination`; the amounts are in the
+/// destination's units.
 struct ExsConnection {
     enum Transform { linear = 1, concave = 2 };
 
-    int id = 0; ///< its number in the layer
+    int id = 0; ///< unique in the layer
     std::uint32_t source = code::none;
     std::uint32_t destination = code::none;
     std::uint32_t control = code::none; ///< scales the source
     Transform transform = linear;
     bool inverse = false;
-    bool has_range = false; ///< goes from `low` to `high`; else `high` is its scale
+    bool has_range = false; ///< from `low` to `high`; else `high` is the scale
     float low = 0;
     float high = 0;
 };

@@ -1,4 +1,4 @@
-// An envelope is a row of seven stages: a sustain with a level, six others with a time and a curve.
+// An envelope has seven stages: a sustain with a level, and six others with a time and a curve.
 // Only the amplifier's envelope can differ between the layers of an instrument.
 #include "sampler/exs_envelope_state.h"
 

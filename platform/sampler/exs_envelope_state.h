@@ -1,4 +1,4 @@
-// The envelopes of a layer as a sampler state has them.
+// The envelopes of a layer, as stored in a sampler state.
 #pragma once
 
 #include "sampler/exs_formulas.h"
@@ -6,13 +6,13 @@
 
 namespace lumo::platform {
 
-/// The envelopes of an instrument, and the array of their states, ready to stand in every layer
-/// whose group does not change them.
+/// The envelopes of an instrument, and the array of their states, shared by all layers whose group
+/// does not change them.
 class ExsEnvelopesState {
 public:
     ExsEnvelopesState(const StateKeys& keys, const ExsParameters& parameters);
 
-    /// The array for the layer of `group`; null: of the zones without a group.
+    /// The array for the layer of `group` (null: the zones without a group).
     StateValue of_layer(const StateKeys& keys, const ExsGroup* group) const;
 
 private:

@@ -1,5 +1,5 @@
-// The formulas were fitted to states that the real sampler wrote for instruments at hand, down to
-// the last bit of their single-precision numbers; the order of the operations matters for that.
+// The formulas were fitted to states that the real sampler wrote for existing instruments, exact to
+// the last bit in single precision; this depends on the order of operations.
 #include "sampler/exs_formulas.h"
 
 #include <algorithm>
@@ -9,8 +9,8 @@
 namespace lumo::platform {
 namespace {
 
-/// 0 to 127 as 0 to `longest` seconds, along a fourth power. The power is rounded to single
-/// precision once: the square of a float is exact in a double.
+/// Maps 0..127 to 0..`longest` seconds by a fourth power. The power is rounded to single precision
+/// once, since the square of a float is exact in a double.
 float seconds(int value, float longest) {
     const double part = static_cast<float>(value) / 127.0F;
     const double square = part * part;
@@ -38,8 +38,8 @@ ExsEnvelope amp_envelope(const ExsParameters& parameters) {
     };
 }
 
-/// The instrument's times are of a full swing, the sampler's of what is left of it above or below
-/// the sustain level.
+/// The instrument's times are those of a full-scale change; the sampler's are those of the
+/// remaining change, above or below the sustain level.
 ExsEnvelope second_envelope(const ExsParameters& parameters) {
     const float sustain = level(parameters.value(ExsParameter::envelope_2_sustain));
     const float decay = seconds(parameters.value(ExsParameter::envelope_2_decay), longest_stage);

@@ -1,4 +1,4 @@
-// From the parameters of an EXS24 instrument to what the sampler counts in: seconds, Hz, dB.
+// Converts the parameters of an EXS24 instrument to the sampler's units: seconds, Hz, dB.
 #pragma once
 
 #include "sampler/exs_instrument.h"
@@ -19,21 +19,22 @@ struct ExsEnvelope {
     bool operator==(const ExsEnvelope&) const = default;
 };
 
-/// The envelope of the amplifier and the second one, which the matrix can use.
+/// The envelope of the amplifier, and the second envelope, which is available to the modulation
+/// matrix.
 std::array<ExsEnvelope, 2> exs_envelopes(const ExsParameters& parameters);
 
-/// The envelope of the amplifier, `amp` being the instrument's, for the zones of a group.
+/// The envelope of the amplifier for the zones of a group; `amp` is the instrument's.
 ExsEnvelope exs_group_envelope(ExsEnvelope amp, const ExsGroup& group);
 
-/// The pan of a zone or a group as the sampler has it, in percent. It keeps it as a part of 1, so
-/// most values come back with the rounding error of that.
+/// The pan of a zone or a group as the sampler stores it, in percent. The sampler computes it as a
+/// fraction of 1, so most values have a rounding error.
 float exs_pan(int percent);
 
-/// Hz, 20 to 20000.
+/// The cutoff frequency, 20 to 20000 Hz.
 float exs_cutoff(const ExsParameters& parameters);
-/// dB.
+/// The resonance in dB.
 float exs_resonance(const ExsParameters& parameters);
-/// The rate in Hz of an LFO with this rate parameter; nothing when it stands still.
+/// The rate in Hz of an LFO with this rate parameter; nothing when the LFO is not running.
 std::optional<float> exs_lfo_rate(int parameter);
 
 } // namespace lumo::platform

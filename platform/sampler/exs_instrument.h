@@ -1,4 +1,4 @@
-// An EXS24 instrument as plain records: what of its file a sampler state takes over.
+// An EXS24 instrument as plain records: the parts of its file that a sampler state uses.
 #pragma once
 
 #include "sampler/exs_parameters.h"
@@ -10,7 +10,7 @@
 
 namespace lumo::platform {
 
-/// Keys or velocities from `low` to `high`, both included; nothing when low > high.
+/// Keys or velocities from `low` to `high`, both inclusive; empty when low > high.
 struct ExsRange {
     int low = 0;
     int high = 127;
@@ -18,7 +18,7 @@ struct ExsRange {
     bool operator==(const ExsRange&) const = default;
 };
 
-/// A stretch of keys and velocities that plays one sample.
+/// A range of keys and velocities that plays one sample.
 struct ExsZone {
     std::string name;
     int root_key = 60;
@@ -31,15 +31,15 @@ struct ExsZone {
     bool pitch_tracking = true;
     bool muted = false;
     bool loop_on = false;
-    std::int32_t sample_start = 0; ///< frames from the start of the sample's file, as are
-    std::int32_t sample_end = 0; ///< the first one that is not played (0 or less: the file's end),
-    std::int32_t loop_start = 0; ///< the first one of the loop
-    std::int32_t loop_end = 0;   ///< and the first one behind the loop
-    std::int32_t group = -1;     ///< position in ExsInstrument::groups; may be out of range
-    std::int32_t sample = -1;    ///< position in ExsInstrument::samples; may be out of range
+    std::int32_t sample_start = 0; ///< in frames from the start of the file, as are
+    std::int32_t sample_end = 0;   ///< the end, exclusive (0 or less: the file's end),
+    std::int32_t loop_start = 0;   ///< the start of the loop
+    std::int32_t loop_end = 0;     ///< and its end, exclusive
+    std::int32_t group = -1;       ///< index in ExsInstrument::groups; may be out of range
+    std::int32_t sample = -1;      ///< index in ExsInstrument::samples; may be out of range
 };
 
-/// The MIDI controller that selects a group, and the values at which it does.
+/// The MIDI controller that selects a group, and the range of values that does.
 struct ExsSelection {
     int controller = 0;
     ExsRange values;
@@ -47,7 +47,7 @@ struct ExsSelection {
     bool operator==(const ExsSelection&) const = default;
 };
 
-/// Zones that are switched on and off together.
+/// Zones with common settings.
 struct ExsGroup {
     std::string name = {};
     int volume = 0; ///< dB
@@ -56,18 +56,18 @@ struct ExsGroup {
     ExsRange velocities = {};
     bool muted = false;
     bool on_release = false;                         ///< sounds when a key is released
-    std::optional<std::uint32_t> release_decay = {}; ///< ms; nothing: decays like the instrument
+    std::optional<std::uint32_t> release_decay = {}; ///< ms; nothing: the instrument's decay
     std::int32_t attack_offset = 0;                  ///< ms, added to the instrument's attack
     std::optional<ExsSelection> selection = {};      ///< nothing: no controller selects the group
 };
 
-/// An audio file, where it was when the instrument was saved.
+/// An audio file, by its path when the instrument was saved.
 struct ExsSample {
     std::string path;         ///< POSIX, UTF-8
     std::uint32_t frames = 0; ///< 0: unknown
 };
 
-/// All of a file.
+/// The contents of a file.
 struct ExsInstrument {
     std::vector<ExsZone> zones;     ///< in the order of their chunks, as are
     std::vector<ExsGroup> groups;   ///< the groups

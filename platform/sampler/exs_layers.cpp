@@ -1,6 +1,7 @@
-// A group's mute is its zones'; its other limits are the layer's, and its zones keep their own. The
-// sampler numbers the zones of a layer by ascending low key, so they are sorted here, once for all
-// layers and by counting: there are 128 keys and maybe very many zones.
+// Muting a group mutes its zones; its other limits apply to the layer, and its zones keep their
+// own. The sampler numbers the zones of a layer by ascending low key, so they are sorted here, once
+// for all layers. Counting sort is used, since there are only 128 keys but possibly very many
+// zones.
 #include "sampler/exs_layers.h"
 
 #include <algorithm>
@@ -13,7 +14,7 @@ namespace lumo::platform {
 namespace {
 
 struct GroupedZone {
-    std::size_t layer; ///< 0: no group, else 1 + the group's position
+    std::size_t layer; ///< 0: no group, else group index + 1
     ExsPlacedZone placed;
 };
 
@@ -21,7 +22,7 @@ bool empty(ExsRange range) {
     return range.low > range.high;
 }
 
-/// Whether a number from the file is a position in a list.
+/// Whether a number from the file is a valid index of a list.
 template <class T>
 bool is_position(std::int32_t number, const std::vector<T>& list) {
     return number >= 0 && static_cast<std::size_t>(number) < list.size();

@@ -1,5 +1,5 @@
-// A file, its records, their layers, the state. An instrument is read whole: a few hundred bytes a
-// zone.
+// Loads a file in four steps: bytes, records, layers, state. The whole file is read into memory: a
+// few hundred bytes per zone.
 #include "sampler/exs_load.h"
 
 #include "base/descriptor.h"
@@ -23,7 +23,8 @@ namespace {
 
 constexpr off_t largest_file = off_t{1} << 30;
 
-/// Reads as many bytes as `bytes` has room for, or as the file has. False: errno tells.
+/// Reads until `bytes` is full or the file ends, and shrinks `bytes` to the number read. False,
+/// with errno set, on a failure.
 bool read_all(int fd, std::vector<std::uint8_t>& bytes) {
     std::size_t done = 0;
     while (done < bytes.size()) {

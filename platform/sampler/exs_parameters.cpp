@@ -1,11 +1,10 @@
-// Parameter numbers never changed between the versions of EXS24; the newer ones only added some.
-// Files leave out what is at its default, and drop the whole chunk when everything is: the
-// defaults here are those of such files, which differ from the knobs of a new instrument in the
-// output volume (0 dB, not -6).
+// Parameter IDs are the same in all versions of EXS24; newer versions only added some. Files omit
+// parameters at their defaults, and the whole chunk when all are. These defaults differ from the
+// settings of a new instrument in the output volume (0 dB, not -6).
 //
-// The matrix lies in two runs of numbers. Its first ten slots are six numbers each (destination,
-// source, via, two amounts, inverted via) with the inversion of the source and the bypass in runs
-// of their own; the other ten are eight numbers each.
+// The matrix is in two ranges of IDs. Each of the first ten slots has six consecutive IDs
+// (destination, source, via, two amounts, inverted via), with the inversion of the source and the
+// bypass in separate ranges; the other ten have eight consecutive IDs each.
 #include "sampler/exs_parameters.h"
 
 #include <algorithm>
@@ -47,9 +46,9 @@ constexpr std::array ranges{
     Range{ExsParameter::level_by_velocity, -60, -96, 0},
 };
 
-/// Where the numbers of one matrix slot are.
+/// The IDs of one slot of the matrix.
 struct SlotIds {
-    std::size_t first; ///< destination, source, via, low, high in a row
+    std::size_t first; ///< destination, source, via, low, high, consecutive
     std::size_t via_inverted;
     std::size_t source_inverted;
     std::size_t bypassed;
@@ -65,8 +64,8 @@ constexpr SlotIds slot_ids(int slot) {
     return {first, first + 6, first + 5, first + 7};
 }
 
-/// What the first two slots hold in a new instrument: envelope 2 moves the cutoff (by nothing
-/// yet), LFO 1 the pitch as far as the modulation wheel is up.
+/// The defaults of the first two slots: envelope 2 modulates the cutoff (with amount 0), LFO 1 the
+/// pitch, scaled by the modulation wheel.
 constexpr std::array<std::array<std::int16_t, 5>, 2> standard_slots{
     {{8, -14, -1, 0, 0}, {6, -12, 1, 0, 343}}};
 

@@ -1,4 +1,4 @@
-// The parameters of an EXS24 instrument: numbered 16-bit values, of which a file holds any subset.
+// The parameters of an EXS24 instrument: 16-bit values with IDs, of which a file has any subset.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace lumo::platform {
 
-/// The numbers of the parameters that a sampler state takes over.
+/// The IDs of the parameters that a sampler state uses.
 enum class ExsParameter : std::uint16_t {
     bend_up = 3,           ///< semitones
     bend_down = 4,         ///< semitones, -1: as bend_up
@@ -17,8 +17,8 @@ enum class ExsParameter : std::uint16_t {
     filter_resonance = 29, ///< 0 to 1000
     filter_cutoff = 30,    ///< 0 to 1000
     filter_on = 44,
-    filter_key_track = 46, ///< 1000: the cutoff follows the keys fully
-    lfo_1_rate = 61,       ///< 98: 4.8 Hz, 12 steps an octave, 34: standing still
+    filter_key_track = 46, ///< 1000: full key tracking
+    lfo_1_rate = 61,       ///< 98: 4.8 Hz, 12 steps per octave, 34: off
     lfo_2_rate = 63,
     envelope_2_attack = 76, ///< times: 0 to 127
     envelope_2_decay = 78,
@@ -35,26 +35,26 @@ enum class ExsParameter : std::uint16_t {
 
 /// One slot of the modulation matrix.
 struct ExsModulation {
-    int destination = 0; ///< 0 or less: none
-    int source = 0; ///< above 0 a MIDI controller, below -1 one of the sampler's own, else none
-    int via = -1;   ///< what scales the source; numbered like it
-    int low = 0;    ///< amount where `via` is lowest, -1000 to 1000
-    int high = 0;   ///< amount where `via` is highest, and the amount without a via
-    bool inverted = false; ///< the source is turned round
+    int destination = 0;   ///< 0 or less: none
+    int source = 0;        ///< above 0: MIDI controller, below -1: internal source, else none
+    int via = -1;          ///< scales the source; same numbers as `source`
+    int low = 0;           ///< amount where `via` is lowest, -1000 to 1000
+    int high = 0;          ///< amount where `via` is highest, and the amount without a via
+    bool inverted = false; ///< the source is inverted
 };
 
-/// All values of one instrument. What a file does not set has the value of a new instrument; what
-/// it sets beyond a parameter's range counts as the nearest end of the range.
+/// All values of one instrument. A parameter that a file does not set has the default of the file
+/// format; a value out of range is clamped.
 class ExsParameters {
 public:
     static constexpr int slot_count = 20;
 
     ExsParameters();
-    /// Numbers that no known parameter has are passed over.
+    /// Sets a parameter; unknown IDs are ignored.
     void set(std::uint16_t id, std::int16_t value);
     int value(ExsParameter parameter) const { return at(static_cast<std::size_t>(parameter)); }
-    /// Slot `slot` (0 to slot_count - 1) of the matrix. A bypassed slot has no destination; an
-    /// inverted via comes out as exchanged amounts.
+    /// Slot `slot` (0 to slot_count - 1) of the matrix. A bypassed slot has destination 0; an
+    /// inverted via is returned as exchanged amounts.
     ExsModulation modulation(int slot) const;
 
 private:

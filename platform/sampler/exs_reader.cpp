@@ -1,11 +1,11 @@
-// An EXS24 file is a row of chunks without a header or an end mark: one for the instrument, one
-// for each zone, group and sample, at most one for the parameters, and in newer files some that
-// only an editor needs, which are passed over. Zones name their group and sample by position
-// among the chunks of that type, wherever those stand in the file.
+// An EXS24 file is a sequence of chunks without a file header or end mark: one for the instrument,
+// one for each zone, group and sample, at most one for the parameters, and in newer files some that
+// only an editor needs, which are skipped. Zones refer to their group and sample by index among the
+// chunks of that type, wherever those are in the file.
 //
-// No field tells the version. The generations differ by the size of their chunks, and every
-// longer chunk only appends to the shorter one, so each field is read where the chunk reaches
-// that far and has its default elsewhere.
+// No field has the version. The generations differ in the size of their chunks, and longer chunks
+// only append to shorter ones, so each field is read if the chunk contains it, and else has its
+// default.
 #include "sampler/exs_reader.h"
 
 #include "sampler/exs_chunk.h"
@@ -17,12 +17,12 @@
 namespace lumo::platform {
 namespace {
 
-/// Keys and velocities are MIDI values, whatever the byte.
+/// Limits a byte to the range of MIDI keys and velocities.
 int midi(std::uint8_t value) {
     return std::min<int>(value, 127);
 }
 
-/// Beyond full left or right is full left or right.
+/// Limits the pan to full left and full right.
 int pan(std::int8_t percent) {
     return std::clamp<int>(percent, -100, 100);
 }
@@ -55,7 +55,7 @@ ExsZone read_zone(const ExsChunk& chunk) {
     return zone;
 }
 
-/// A group has three places for a condition that selects it, and room for one controller.
+/// A group has three fields for a condition that selects it, but only one controller.
 std::optional<ExsSelection> read_selection(const ExsChunk& chunk) {
     constexpr std::uint8_t by_controller = 3;
     for (const std::size_t condition : {168U, 176U, 177U}) {
@@ -89,7 +89,7 @@ ExsGroup read_group(const ExsChunk& chunk) {
     };
 }
 
-/// The chunk's own name comes last: old systems cut it down to 31 characters.
+/// The chunk's own name is used last: old systems truncated it to 31 characters.
 ExsSample read_sample(const ExsChunk& chunk) {
     constexpr std::size_t text_room = 256;
     std::string name = chunk.text(420, text_room);
@@ -99,9 +99,9 @@ ExsSample read_sample(const ExsChunk& chunk) {
     return {.path = exs_path(chunk.text(164, text_room), name), .frames = chunk.u32(88)};
 }
 
-/// Two tables one behind the other: `count` numbers of a byte and `count` values, then pairs of a
-/// number and a value. The count of the pairs is stale in many files, so they are read to the
-/// chunk's end; number 0 is an empty place in both. False when the first table does not fit.
+/// Reads two consecutive tables: `count` IDs of one byte and `count` values, then pairs of an ID
+/// and a value. The count of the pairs is wrong in many files, so they are read to the end of the
+/// chunk; ID 0 is an unused entry in both. False when the first table exceeds the chunk.
 bool read_parameters(const ExsChunk& chunk, ExsParameters& parameters) {
     constexpr std::size_t ids = ExsChunk::header_size + 4;
     const std::size_t count = chunk.u32(ExsChunk::header_size);

@@ -1,5 +1,5 @@
-// Filter, LFOs and connections as dictionaries. Amplifier and oscillator are nothing but switched
-// on.
+// Filter, LFOs and connections as dictionaries. Amplifier and oscillator have no settings; they are
+// just enabled.
 #include "sampler/exs_sound_state.h"
 
 #include "sampler/exs_formulas.h"
@@ -22,7 +22,7 @@ StateValue filter_state(const StateKeys& keys, const ExsParameters& parameters) 
         .make();
 }
 
-/// The layers' LFO stays when it stands still, but without a rate.
+/// The layers' LFO is always present, but has no rate when it is not running.
 StateValue layer_lfos_state(const StateKeys& keys, const ExsParameters& parameters) {
     StateDictionary lfo;
     lfo.integer(keys.id, 0).real(keys.delay, 0).boolean(keys.enabled, true);
@@ -32,7 +32,7 @@ StateValue layer_lfos_state(const StateKeys& keys, const ExsParameters& paramete
     return state_array({lfo.make()});
 }
 
-/// The two LFOs that all layers share are left out when they stand still.
+/// The two LFOs shared by all layers are omitted when they are not running.
 StateValue instrument_lfos_state(const StateKeys& keys, const ExsParameters& parameters) {
     std::vector<StateValue> lfos;
     int id = 240;

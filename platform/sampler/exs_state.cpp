@@ -1,8 +1,8 @@
-// One dictionary for the instrument, one for each layer. Layers differ in their zones, in what
-// their group adds and in the numbers of their connections; all else comes from the instrument's
-// one set of parameters, so it is made once and is shared by all layers.
+// One dictionary for the instrument and one for each layer. Layers differ in their zones, in the
+// settings of their group and in the codes of their connections; everything else depends on the
+// instrument's parameters, so it is created once and shared by all layers.
 //
-// What is at its default is left out, but for the keys that the sampler always writes.
+// Values at their defaults are omitted, except for the keys that the sampler always writes.
 #include "sampler/exs_state.h"
 
 #include "sampler/exs_sound_state.h"
@@ -12,7 +12,7 @@
 namespace lumo::platform {
 namespace {
 
-/// A group that a controller selects has all three keys, whatever the range of its values.
+/// A group that a controller selects has all three keys, even for the full range of values.
 void set_selection(StateDictionary& state, const StateKeys& keys, const ExsSelection& selection) {
     state.integer(keys.selecting_controller, selection.controller)
         .integer(keys.selecting_min, selection.values.low)

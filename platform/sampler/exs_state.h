@@ -11,9 +11,9 @@
 
 namespace lumo::platform {
 
-/// What AUSampler has under "Instrument" once it has loaded `instrument`, laid out in `layers`,
-/// from a file named `file_name` (extension and all). Nothing when there are more layers than it
-/// can tell apart. Linear time and memory.
+/// The dictionary that AUSampler stores under "Instrument" after it has loaded `instrument`, with
+/// the layers `layers`, from a file named `file_name` (including the extension). Null when there
+/// are more than 4096 layers. Linear time and memory.
 Ref<CFDictionaryRef> exs_instrument_state(const ExsInstrument& instrument,
                                           const std::vector<ExsLayer>& layers,
                                           const std::string& file_name);

@@ -1,10 +1,9 @@
-// Names of the classic Mac OS are MacRoman; later ones are UTF-8. The two are told apart by their
-// bytes alone: text in MacRoman with a letter beyond ASCII is hardly ever valid UTF-8 too. A name
-// that filled its room may have been cut within a character; what is whole of it still counts as
-// UTF-8.
+// Names from the classic Mac OS are MacRoman; later ones are UTF-8. The encoding is determined by
+// the bytes alone: MacRoman text with letters beyond ASCII is hardly ever valid UTF-8. A name that
+// fills its field may be truncated within a character; its complete characters are then checked.
 //
-// The classic systems wrote paths with colons, the volume first and a colon at the end of a
-// folder. A slash was an ordinary letter to them, and is a colon to the systems since.
+// The classic systems wrote paths with colons: the volume first, and a colon after each folder. A
+// slash was an ordinary character there; later systems show it as a colon.
 #include "sampler/exs_text.h"
 
 #include "base/utf8.h"
@@ -39,7 +38,7 @@ bool is_ascii(std::string_view text) {
     return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-/// How many bytes at the end begin a character of UTF-8 without ending it, if any do.
+/// The number of bytes at the end that are the start of an incomplete UTF-8 character.
 std::size_t unfinished_character(std::span<const std::uint8_t> bytes) {
     constexpr std::size_t longest = 3;
     for (std::size_t count = 1; count <= std::min(longest, bytes.size()); ++count) {
@@ -54,7 +53,7 @@ bool colon_path(std::string_view directory) {
     return !directory.starts_with('/') && directory.find(':') != std::string_view::npos;
 }
 
-/// Colons between the parts become slashes, slashes in them colons.
+/// Converts separators: colons become slashes, and slashes become colons.
 std::string posix_parts(std::string_view parts) {
     std::string result(parts);
     for (char& letter : result) {

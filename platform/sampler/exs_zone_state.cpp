@@ -1,4 +1,4 @@
-// One dictionary for each zone. What is at its default is left out, but for the keys that the
+// One dictionary for each zone. Values at their defaults are omitted, except for the keys that the
 // sampler always writes.
 #include "sampler/exs_zone_state.h"
 
@@ -10,7 +10,7 @@
 namespace lumo::platform {
 namespace {
 
-/// The full range is the default.
+/// Stores a range unless it is the full range, which is the default.
 void set_range(StateDictionary& state, ExsRange range, const StateValue& low_key,
                const StateValue& high_key) {
     if (range != ExsRange{}) {
@@ -18,15 +18,15 @@ void set_range(StateDictionary& state, ExsRange range, const StateValue& low_key
     }
 }
 
-/// The length of the sample; when the instrument does not have it, longer than any, so that every
-/// end is written.
+/// The length of the sample in frames; the maximum when it is unknown, so that every end is
+/// written.
 std::int64_t sample_frames(const ExsPlacedZone& placed) {
     return placed.sample->frames != 0 ? placed.sample->frames
                                       : std::numeric_limits<std::int64_t>::max();
 }
 
-/// A start at 0 and an end at the sample's end are the default. A crop that cannot be (turned
-/// round, or behind the sample's end) is taken for none.
+/// Stores the crop. A start at 0 and an end at the sample's end are the defaults. An invalid crop
+/// (empty, reversed, or starting after the sample's end) is ignored.
 void set_crop(StateDictionary& state, const StateKeys& keys, const ExsPlacedZone& placed) {
     const std::int64_t frames = sample_frames(placed);
     const std::int64_t start = std::max(placed.zone->sample_start, 0);
@@ -43,8 +43,8 @@ void set_crop(StateDictionary& state, const StateKeys& keys, const ExsPlacedZone
     }
 }
 
-/// A loop over the whole sample is the default, and so is an end at the sample's end. A loop that
-/// cannot be is taken for the whole sample.
+/// Stores the loop. The whole sample is the default, and so is an end at the sample's end. An
+/// invalid loop is ignored, which gives the whole sample.
 void set_loop(StateDictionary& state, const StateKeys& keys, const ExsPlacedZone& placed) {
     const std::int64_t frames = sample_frames(placed);
     const std::int64_t start = placed.zone->loop_start;

@@ -1,4 +1,4 @@
-// The zones of a layer as a sampler state has them.
+// The zones of a layer, as stored in a sampler state.
 #pragma once
 
 #include "sampler/exs_layers.h"
@@ -10,20 +10,20 @@
 
 namespace lumo::platform {
 
-/// The number under which the sampler knows the sample at this position among the instrument's;
-/// numbers start afresh with each instrument.
+/// The sampler's ID of the sample at this index in the instrument; IDs are unique per instrument
+/// only.
 std::int64_t exs_waveform(std::size_t sample_number);
 
-/// The array of these zones, numbered from 0 in their order.
+/// The array of these zones, with IDs from 0 in their order.
 StateValue exs_zones_state(const StateKeys& keys, const std::vector<ExsPlacedZone>& zones);
 
-// Keys that zones and layers have in common; each is left out at its default.
+// Keys that zones and layers have in common; each is omitted at its default.
 
-/// "min key", "max key", "min vel" and "max vel"; a pair is left out when its range is full.
+/// "min key", "max key", "min vel" and "max vel"; a pair is omitted for the full range.
 void set_exs_ranges(StateDictionary& state, const StateKeys& keys, ExsRange notes,
                     ExsRange velocities);
 
-/// "gain" in dB and "pan" in percent; each is left out at 0.
+/// "gain" in dB and "pan" in percent; each is omitted at 0.
 void set_exs_level(StateDictionary& state, const StateKeys& keys, int volume, int pan);
 
 } // namespace lumo::platform

@@ -1,5 +1,6 @@
-// A state of thousands of zones has tens of thousands of entries with the same few keys. So the
-// keys are made once, and a dictionary is made with all its entries at hand, in one allocation.
+// A state with thousands of zones has tens of thousands of entries with the same few keys.
+// Therefore keys are created once, and each dictionary is created with all its entries in one
+// allocation.
 #include "sampler/state_dictionary.h"
 
 #include <utility>

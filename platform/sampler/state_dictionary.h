@@ -1,4 +1,4 @@
-// Makes the dictionaries of a sampler state.
+// Creates the dictionaries of a sampler state.
 #pragma once
 
 #include "ref.h"
@@ -13,21 +13,21 @@
 
 namespace lumo::platform {
 
-/// A value of a state; made once, it may stand in many places.
+/// A value of a state. It can be shared by several containers.
 using StateValue = Ref<CFTypeRef>;
 
-/// A whole number of 64 bits.
+/// A 64-bit integer.
 StateValue state_integer(std::int64_t value);
-/// A real of single precision, in which the sampler counts.
+/// A real of single precision, the sampler's own precision.
 StateValue state_real(float value);
 /// A boolean.
 StateValue state_boolean(bool value);
-/// `text` in UTF-8; what is not becomes an empty text.
+/// A string from UTF-8; an empty string when `text` is not valid UTF-8.
 StateValue state_text(const std::string& text);
-/// An array that holds these values as well.
+/// An array of these values, which it retains.
 StateValue state_array(const std::vector<StateValue>& values);
 
-/// The keys of the dictionaries, each made once for a whole state.
+/// The keys of the dictionaries, each created once per state.
 struct StateKeys {
     StateValue amplifier = state_text("Amplifier");
     StateValue coarse_tune = state_text("coarse tune");
@@ -80,7 +80,7 @@ struct StateKeys {
     StateValue zones = state_text("Zones");
 };
 
-/// Gathers up to `most` entries with different keys, then makes the dictionary of exactly these.
+/// Collects up to `most` entries with different keys, then creates a dictionary of exactly these.
 class StateDictionary {
 public:
     static constexpr std::size_t most = 24;
@@ -99,7 +99,7 @@ public:
     StateDictionary& text(const StateValue& key, const std::string& value) {
         return set(key, state_text(value));
     }
-    /// A dictionary of the entries so far.
+    /// Creates a dictionary of the entries so far.
     StateValue make() const;
 
 private:

@@ -1,5 +1,5 @@
-# What every target of the project shares: the language, warnings, sanitizers, hidden
-# visibility, and one folder for the tool and the library beside it.
+# Settings of all targets: language standard, warnings, sanitizers, hidden visibility, and one
+# output folder for the tool and the library.
 include_guard()
 include(CheckPIESupported)
 include(GNUInstallDirs)
@@ -13,25 +13,25 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
-check_pie_supported(LANGUAGES CXX) # so that executables are linked with -pie
+check_pie_supported(LANGUAGES CXX) # links executables with -pie
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
   set(CMAKE_BUILD_TYPE Release)
 endif()
 
-if(LUMO_LIBCXX) # by GoogleTest as well, so for all that is built here
+if(LUMO_LIBCXX) # for all targets, since GoogleTest needs it too
   add_compile_options(-stdlib=libc++)
   add_link_options(-stdlib=libc++)
 endif()
 
-# Warnings, hardening and sanitizers, linked by every target of ours and by no other.
+# Warnings, hardening and sanitizers, linked by all targets of the project and no others.
 add_library(lumo_build_flags INTERFACE)
 target_compile_options(lumo_build_flags INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
   -Wnon-virtual-dtor -Woverloaded-virtual $<$<BOOL:${LUMO_WERROR}>:-Werror>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # g++ 12 warns of overlapping copies inside its own std::string (its bug 105651).
+  # g++ 12 wrongly warns about overlapping copies in std::string (GCC bug 105651).
   target_compile_options(lumo_build_flags INTERFACE -Wno-restrict)
 endif()
-# A release is hardened, and the same bytes whatever folder the sources and the build are in.
+# A release is hardened, and reproducible in any source and build folder.
 set(release_options -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 if(NOT APPLE)
   list(APPEND release_options -fstack-protector-strong -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2)
@@ -45,12 +45,13 @@ if(LUMO_SANITIZE)
   target_link_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE})
 endif()
 
-# Tests are most of what is compiled, in three builds, so they are not optimised; what they test is.
+# Most of the compiled code is tests, in three builds, so it is not optimised; the code under test
+# is.
 add_library(lumo_test_flags INTERFACE)
 target_compile_options(lumo_test_flags INTERFACE $<$<CONFIG:RelWithDebInfo>:-O0 -g1>)
 
-# lumo_add_test(NAME SOURCES... [LIBS ...] [LABELS ...]): a GoogleTest program, each of its
-# tests known to CTest under its own name.
+# lumo_add_test(NAME SOURCES... [LIBS ...] [LABELS ...]): a GoogleTest program, each of whose tests
+# is registered with CTest under its own name.
 function(lumo_add_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS;LABELS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
@@ -59,12 +60,13 @@ function(lumo_add_test name)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 600 PROPERTIES TIMEOUT 1800 LABELS "${arg_LABELS}")
 endfunction()
 
-# What Python's unittest prints when all held but some were skipped; CTest then calls it skipped.
+# The output of Python's unittest when no test failed but some were skipped; CTest then reports the
+# test as skipped.
 set(LUMO_PYTHON_SKIPPED "OK \\(skipped=")
 
-# lumo_add_fuzzer(NAME SOURCES... [LIBS ...]): a fuzz target. Without LUMO_FUZZ it is linked
-# with a plain main that replays files, so that it compiles in every build and cannot rot, and its
-# kept inputs in fuzz/corpus/NAME are a test. All of them are in bin/fuzz and the target fuzzers.
+# lumo_add_fuzzer(NAME SOURCES... [LIBS ...]): a fuzz target. Without LUMO_FUZZ it is linked with a
+# main that replays files, so that it is compiled in every build, and the inputs kept in
+# fuzz/corpus/NAME become a test. The programs are in bin/fuzz; the target fuzzers builds them all.
 add_custom_target(fuzzers)
 function(lumo_add_fuzzer name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
@@ -84,9 +86,9 @@ function(lumo_add_fuzzer name)
   endif()
 endfunction()
 
-# lumo_add_benchmark(NAME SOURCES... [LIBS ...]): a benchmark program that prints ratios
-# against a reference measured beside it; bench/run tells how it is called. All of them are in
-# bin/bench and the target benchmarks.
+# lumo_add_benchmark(NAME SOURCES... [LIBS ...]): a benchmark program that prints ratios against a
+# reference measured beside it; bench/run documents its usage. The programs are in bin/bench; the
+# target benchmarks builds them all.
 add_custom_target(benchmarks)
 function(lumo_add_benchmark name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})

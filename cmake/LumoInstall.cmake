@@ -1,10 +1,10 @@
-# What an installation holds: the tool and its library side by side in a folder of their own, a
-# link to the tool in bin/, its manual page, completions and documents, and what a program needs
-# that uses the library itself:
+# The contents of an installation: the tool and its library in a folder of their own, a link to the
+# tool in bin/, its manual page, completions and documents, and what a program needs that uses the
+# library itself:
 #   find_package(lumo-relink REQUIRED)
 #   target_link_libraries(program PRIVATE lumo::relink)
-# The folders are GNUInstallDirs': lib may be lib64 or a folder of Debian's multiarch. With paths
-# relative to the prefix, as they are by default, an installed tree can be moved.
+# The folders are those of GNUInstallDirs; the library folder may be lib, lib64 or one of Debian's
+# multiarch folders. With paths relative to the prefix, the default, an installed tree can be moved.
 include_guard()
 include(CMakePackageConfigHelpers)
 

@@ -1,6 +1,5 @@
-# Packages of an installation, made by the target `package`: a .deb on Linux (preset `deb`, which has
-# Debian's folders), a .tar.gz for a Mac, whose folder can be put anywhere. Name and version are the
-# project's.
+# Packages of an installation, built by the target `package`: a .deb on Linux (preset `deb`, with
+# Debian's folders), a relocatable .tar.gz for a Mac. Name and version are the project's.
 include_guard()
 
 set(CPACK_PACKAGE_NAME ${PROJECT_NAME})
@@ -14,7 +13,7 @@ if(APPLE)
   set(CPACK_GENERATOR TGZ)
   set(CPACK_PACKAGE_FILE_NAME ${PROJECT_NAME}-${PROJECT_VERSION}-macos)
   if(CMAKE_CROSSCOMPILING)
-    # One build makes files for one processor; script/build-macos joins those of both there.
+    # A build is for one processor; script/build-macos stores the universal files there.
     set(CPACK_LUMO_UNIVERSAL_FILES ${PROJECT_SOURCE_DIR}/build/macos)
   endif()
 else()
@@ -28,7 +27,7 @@ else()
       "Loads EXS24 instruments and AUSampler presets, copies their samples into
 a show, writes the sampler's state with references into the show, and
 checks that it loads from there. No sound is made.")
-  # Each library that the two files need is looked up in the package that brings it.
+  # Finds the packages that provide the libraries the two files need.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 endif()

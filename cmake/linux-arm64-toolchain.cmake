@@ -1,6 +1,6 @@
-# Makes programs for Linux on arm64 with Debian's clang 19 and lld, and the unpacked packages that
-# script/arm64-root put into a folder. LUMO_LLVM and LUMO_ARM64_ROOT name other places than the usual
-# ones. The programs find their libraries in that folder, so an emulator runs them as they are.
+# Builds programs for Linux on arm64 with Debian's clang 19 and lld, and the packages that
+# script/arm64-root unpacks. LUMO_LLVM and LUMO_ARM64_ROOT replace the default paths. The programs
+# load their libraries from that folder, so an emulator can run them unchanged.
 set(LUMO_ARM64_ROOT ${CMAKE_CURRENT_LIST_DIR}/../build/arm64-root CACHE PATH "Unpacked packages")
 set(LUMO_LLVM /usr/lib/llvm-19 CACHE PATH "Where clang and lld are")
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES LUMO_ARM64_ROOT LUMO_LLVM)
@@ -19,10 +19,10 @@ set(CMAKE_C_COMPILER ${LUMO_LLVM}/bin/clang)
 set(CMAKE_CXX_COMPILER ${LUMO_LLVM}/bin/clang++)
 set(CMAKE_AR ${LUMO_LLVM}/bin/llvm-ar)
 set(CMAKE_RANLIB ${LUMO_LLVM}/bin/llvm-ranlib)
-set(CMAKE_CXX_FLAGS_INIT -ffp-contract=off) # the last bits of a sum are those of x86_64
+set(CMAKE_CXX_FLAGS_INIT -ffp-contract=off) # floating-point results equal those of x86_64
 
-# pkg-config names usr/include, which clang is to meet after the C++ headers only: as a plain
-# include folder it is passed over.
+# pkg-config returns usr/include, which clang must search only after the C++ headers. Passed with -I
+# and not with -isystem, it is ignored, since it is a system folder already.
 set(CMAKE_NO_SYSTEM_FROM_IMPORTED ON)
 
 set(libraries ${arm64_root}/lib/aarch64-linux-gnu:${arm64_root}/usr/lib/aarch64-linux-gnu)

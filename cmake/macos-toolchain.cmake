@@ -1,6 +1,6 @@
-# Makes Mac programs on Linux with Debian's clang 19 and lld, and the build root that
-# packaging/macos-sdk/assemble puts together. LUMO_MACOS_ARCH is arm64 or x86_64, one a build
-# folder; LUMO_MACOS_SDK and LUMO_LLVM name other places than the usual ones.
+# Builds Mac programs on Linux with Debian's clang 19 and lld, and the build root that
+# packaging/macos-sdk/assemble creates. LUMO_MACOS_ARCH is arm64 or x86_64, one per build folder;
+# LUMO_MACOS_SDK and LUMO_LLVM replace the default paths.
 set(LUMO_MACOS_ARCH arm64 CACHE STRING "The processor to build for")
 set(LUMO_MACOS_SDK ${CMAKE_CURRENT_LIST_DIR}/../build/macos-sdk CACHE PATH "The build root")
 set(LUMO_LLVM /usr/lib/llvm-19 CACHE PATH "Where clang and lld are")
@@ -27,13 +27,14 @@ foreach(tool AR RANLIB STRIP NM OTOOL INSTALL_NAME_TOOL)
   set(CMAKE_${tool} ${LUMO_LLVM}/bin/llvm-${name})
 endforeach()
 
-# clang would prefer the libc++ headers beside itself, which are set up for Linux.
+# clang would otherwise use its own libc++ headers, which are configured for Linux.
 set(CMAKE_CXX_FLAGS_INIT "-stdlib++-isystem ${sdk}/usr/include/c++/v1")
 foreach(kind EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT -fuse-ld=lld)
 endforeach()
 
-# CMake asks the host which macOS it runs before it believes in run paths. This is read later.
+# CMake enables run paths only after it has queried the macOS version of the host. This file is
+# included later.
 set(CMAKE_USER_MAKE_RULES_OVERRIDE ${CMAKE_CURRENT_LIST_DIR}/macos-rules.cmake)
 
 set(CMAKE_FIND_ROOT_PATH ${sdk})

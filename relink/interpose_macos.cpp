@@ -289,7 +289,7 @@ struct Pair {
     Function* original;
 };
 
-// A macro, because only a variable can be put into a section.
+// A macro, because the section attribute requires a named variable.
 #define LUMO_INTERPOSE(original)                                                                   \
     __attribute__((used, section("__DATA,__interpose"))) constinit const Pair original##_pair{     \
         original##_shim, ::original};

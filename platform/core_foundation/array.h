@@ -11,7 +11,7 @@
 
 namespace lumo::platform {
 
-/// An array of objects or, with null callbacks, of bare pointers.
+/// An array of objects or, with null callbacks, of raw pointers.
 struct Array : Container {
     Array(std::uint8_t flags, std::size_t room) : Container{Kind::array, flags, room} {}
 

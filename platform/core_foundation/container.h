@@ -1,4 +1,4 @@
-// What arrays, dictionaries and sets have in common.
+// The common header of arrays, dictionaries and sets.
 #pragma once
 
 #include "core_foundation/object.h"

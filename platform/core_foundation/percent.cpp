@@ -1,4 +1,4 @@
-// The syntax of URLs as far as file references need it (RFC 3986).
+// URL syntax (RFC 3986), as far as file references need it.
 #include "core_foundation/percent.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Percent-encoding of bytes in URLs, and the parts of a URL.
+// Percent-encoding, and the parts of a URL.
 #pragma once
 
 #include <optional>
@@ -10,14 +10,13 @@ namespace lumo::platform {
 /// Percent-encodes a path: letters, digits and -_.!~*'()/:@&=+$, are unchanged, every other byte
 /// becomes "%" and two upper-case hexadecimal digits.
 std::string percent_encoded(std::string_view path);
-/// The bytes that percent-encoded text stands for; nothing when a "%" has no two hexadecimal digits
-/// behind it.
+/// Decodes percent-encoded text; nothing when a "%" is not followed by two hexadecimal digits.
 std::optional<std::string> percent_decoded(std::string_view text);
-/// Whether the text has only characters that a URL may have, and whole percent-encodings.
+/// Whether the text has only characters allowed in URLs, and valid percent-encodings.
 bool is_url_text(std::string_view text);
 /// The path of a URL, still encoded, without query and fragment; nothing when it has none.
 std::optional<std::string_view> path_of_url(std::string_view url);
-/// A path without its "." and ".." components, as far as they can be resolved in it.
+/// Removes the "." and ".." components of a path, as far as they can be resolved lexically.
 std::string without_dot_components(std::string_view path);
 
 } // namespace lumo::platform

@@ -1,5 +1,5 @@
 // copyfile: copies a file with its metadata. The subset of macOS's <copyfile.h> that the project
-// uses, with the same names and values.
+// uses; names and values are the same.
 #pragma once
 
 #include <stdint.h>
@@ -22,12 +22,12 @@ typedef uint32_t copyfile_flags_t;
 #define COPYFILE_NOFOLLOW_SRC (1 << 18)
 #define COPYFILE_CLONE (1 << 24)
 
-/// Copies the regular file `from` to `to` as `flags` say, which name COPYFILE_DATA at least;
-/// COPYFILE_CLONE stands for EXCL, STAT, XATTR, DATA and NOFOLLOW_SRC as well (a symbolic link is
-/// then copied as a link) and shares the blocks where the volume can. `state` is null. Returns 0,
-/// or -1 with errno set. The destination appears complete or not at all, and never, whatever the
-/// flags, onto an existing file (EEXIST). Metadata that the volume of `to` cannot hold, an owner
-/// that may not be given and the set-id bits are left out.
+/// Copies the regular file `from` to `to` as selected by `flags`, which must contain COPYFILE_DATA
+/// or COPYFILE_CLONE. COPYFILE_CLONE implies EXCL, STAT, XATTR, DATA and NOFOLLOW_SRC (so a
+/// symbolic link is copied as a link), and shares blocks if the volume supports it. `state` must be
+/// null. Returns 0, or -1 with errno set. The destination appears complete or not at all; an
+/// existing file is never replaced, whatever the flags (EEXIST). Metadata that the volume of `to`
+/// does not support, an owner that may not be set and the set-id bits are skipped.
 int copyfile(const char* from, const char* to, copyfile_state_t state, copyfile_flags_t flags);
 
 #ifdef __cplusplus

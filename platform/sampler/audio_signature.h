@@ -1,4 +1,4 @@
-// Recognises audio and sound banks by the first bytes of a file.
+// Identifies audio files and sound banks by their first bytes.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// The part of AudioToolbox that hosts AUSampler: components, units, the sampler's properties.
-// Same names, values and layouts as on macOS.
+// The part of AudioToolbox that is needed to host AUSampler: components, units and the sampler's
+// properties. Names, values and layouts are those of macOS.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -76,8 +76,11 @@ OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance);
 // permission (-54) and one that is not audio (1954115647); the first failure is returned. Getting
 // it returns a new mutable dictionary, which the caller releases.
 //
-// kAUSamplerProperty_LoadInstrument, an AUSamplerInstrumentData: loads an EXS24 instrument (other
-// types: -10868) and opens its samples, with the same statuses. It cannot be read.
+// kAUSamplerProperty_LoadInstrument, an AUSamplerInstrumentData: loads an EXS24 instrument and
+// opens its samples. It fails for a `fileURL` that is null or not a URL (-10851), for other types
+// and more layers than the sampler can number (-10868), and for a file that is not a valid EXS24
+// file or larger than 1 GiB (-10871); for the file and its samples also with the statuses of
+// samples above. It cannot be read.
 //
 // A load that fails leaves the unit unchanged.
 

@@ -83,11 +83,18 @@ class Trial:
         return ""
 
     def _nearest_first(self, name):
-        """The programs made of this source: first those that noticed most in its folder, then the
-        quick ones."""
+        """The programs made of this source: first those that noticed most in its folder, then
+        those whose tests are named like the source or its folder, then the quick ones."""
         able = [program for program in self._bench.programs if name in program.sources]
         return sorted(able, key=lambda program: (-self._noticed_by[Path(name).parent, program.name],
-                                                 program.cpu))
+                                                 -nearness(name, program), program.cpu))
+
+
+def nearness(name, program):
+    """Whether the program has tests that are named like the source, and like its folder."""
+    tests = [Path(source).stem for source in program.sources if source.startswith("tests/")]
+    return sum(any(word in test for test in tests)
+               for word in (Path(name).stem, Path(name).parent.name))
 
 
 def run(project, shares, count, seed, out=sys.stdout, progress=sys.stderr):

@@ -98,6 +98,16 @@ class Changes(unittest.TestCase):
         self.assertEqual(change.apply(source), "int a;\nint b = (7 + 1); // 7\n")
 
 
+class Order(unittest.TestCase):
+    def test_tests_named_like_a_source_are_near(self):
+        program = workbench.Program("reading", [], {}, [], {
+            "tests/platform/exs_reader.cpp", "tests/platform/sampler_host.cpp",
+            "platform/sampler/exs_text.cpp"})
+        self.assertEqual([mutate.nearness(name, program) for name in (
+            "platform/sampler/exs_reader.cpp", "platform/sampler/exs_text.cpp", "exs/shape.cpp",
+            "relink/session.cpp")], [2, 1, 1, 0])
+
+
 PROJECT = {
     ".gitignore": "/build/\n",
     "CMakePresets.json": """\

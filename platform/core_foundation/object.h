@@ -59,9 +59,9 @@ inline void retain(const Object* object) noexcept {
     }
 }
 
-/// Removes a reference; true when it was the last, and the object must be destroyed. A
-/// single-threaded process uses no atomic instructions here; they would take half the time of
-/// releasing a large property list.
+/// Removes a reference; true when it was the last, and the object must be destroyed. Uses no atomic
+/// instructions in a single-threaded process: they would make up half of the time of releasing a
+/// large property list.
 inline bool drop(const Object* object) noexcept {
     const std::uint32_t count = object->references.load(std::memory_order_acquire);
     if ((count & immortal) != 0) {

@@ -31,10 +31,10 @@ struct ExsZone {
     bool pitch_tracking = true;
     bool muted = false;
     bool loop_on = false;
-    std::int32_t sample_start = 0; ///< in frames from the start of the file, as are
-    std::int32_t sample_end = 0;   ///< the end, exclusive (0 or less: the file's end),
-    std::int32_t loop_start = 0;   ///< the start of the loop
-    std::int32_t loop_end = 0;     ///< and its end, exclusive
+    std::int32_t sample_start = 0; ///< first frame that is played, from the start of the file
+    std::int32_t sample_end = 0;   ///< end frame, exclusive; 0 or less: the file's end
+    std::int32_t loop_start = 0;   ///< first frame of the loop
+    std::int32_t loop_end = 0;     ///< end frame of the loop, exclusive
     std::int32_t group = -1;       ///< index in ExsInstrument::groups; may be out of range
     std::int32_t sample = -1;      ///< index in ExsInstrument::samples; may be out of range
 };
@@ -69,9 +69,9 @@ struct ExsSample {
 
 /// The contents of a file.
 struct ExsInstrument {
-    std::vector<ExsZone> zones;     ///< in the order of their chunks, as are
-    std::vector<ExsGroup> groups;   ///< the groups
-    std::vector<ExsSample> samples; ///< and the samples
+    std::vector<ExsZone> zones;     ///< in the order of their chunks
+    std::vector<ExsGroup> groups;   ///< in the order of their chunks
+    std::vector<ExsSample> samples; ///< in the order of their chunks
     ExsParameters parameters;
 };
 

@@ -1,4 +1,4 @@
-// What libsndfile writes it writes; the other formats are put together from their headers.
+// Formats that libsndfile can write are written by it; the others are assembled from their headers.
 #include "audio_bytes.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
-// Audio files for tests: real ones made by libsndfile, and beginnings of those it does not write.
+// Audio files for tests: whole files written by libsndfile, and the first bytes of formats that it
+// cannot write.
 #pragma once
 
 #include <sndfile.h>
@@ -11,16 +12,16 @@
 
 namespace lumo::test {
 
-/// The format of libsndfile that most samples have.
+/// The libsndfile format of most samples.
 constexpr int wav = SF_FORMAT_WAV | SF_FORMAT_PCM_16;
 
-/// Writes a tenth of a second of a tone in a format of libsndfile (SF_FORMAT_...), 44.1 kHz mono.
-/// Fails the test when it cannot.
+/// Writes 0.1 s of a tone, 44.1 kHz mono, in a libsndfile format (SF_FORMAT_...). Fails the test
+/// when it cannot.
 void write_audio(const std::filesystem::path& path, int format);
 
-/// The number in `bytes` big-endian bytes.
+/// `number` as `bytes` big-endian bytes.
 std::string big_endian(std::uint64_t number, int bytes);
-/// The number in `bytes` little-endian bytes.
+/// `number` as `bytes` little-endian bytes.
 std::string little_endian(std::uint64_t number, int bytes);
 
 /// `count` MPEG-1 layer III frames of silence, 128 kbit/s at 44.1 kHz.
@@ -29,13 +30,14 @@ std::string mp3_frames(int count);
 std::string adts_frames(int count, std::size_t length);
 /// The first bytes of an AC-3 stream.
 std::string ac3_head();
-/// An MPEG-4 file's first box, of a brand.
+/// The first box of an MPEG-4 file, with the given brand.
 std::string mpeg4_head(std::string_view brand);
-/// A Core Audio file up to its description, which names a codec.
+/// A Core Audio file up to and including its description chunk, which names the codec.
 std::string core_audio_head(std::string_view codec);
-/// An ID3v2.4 tag with `size` bytes of nothing in it.
+/// An ID3v2.4 tag with `size` zero bytes as its content.
 std::string id3_tag(std::size_t size);
-/// A RIFF file of `form`, four letters, with one empty list: "sfbk" and "DLS " are sound banks.
+/// A RIFF file with the four-letter type `form` and one empty list: "sfbk" and "DLS " are sound
+/// banks.
 std::string bank_bytes(std::string_view form);
 
 } // namespace lumo::test

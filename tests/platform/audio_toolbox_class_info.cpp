@@ -1,4 +1,4 @@
-// Class info: what is taken, what is refused, what is read back.
+// Class info: what is accepted, what is refused, and what is read back.
 #include "sampler_host.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ protected:
     OSStatus set(std::string_view xml) const { return sampler.set(parse(xml)); }
 };
 
-// --- which are taken ----------------------------------------------------------------------------
+// --- accepted -----------------------------------------------------------------------------------
 
 TEST_F(ClassInfo, IsADictionary) {
     EXPECT_EQ(sampler.set(nullptr), refused);
@@ -96,7 +96,7 @@ TEST_F(ClassInfo, ThatIsRefusedChangesNothing) {
     EXPECT_TRUE(CFEqual(before.get(), sampler.state().get()));
 }
 
-// --- what is read back --------------------------------------------------------------------------
+// --- read back ----------------------------------------------------------------------------------
 
 TEST_F(ClassInfo, OfAFreshUnitHasTheDefaults) {
     const Ref<CFDictionaryRef> state = sampler.state();
@@ -203,7 +203,7 @@ TEST_F(ClassInfo, KeepsTheParametersInItsData) {
                 value(static_cast<CFDictionaryRef>(class_info_with(other_data).get()), "data")));
 }
 
-/// Whether the unit has this data, that of no parameter changed.
+/// Whether the state's data is that of a unit whose parameters were never changed.
 bool has_default_data(const Ref<CFDictionaryRef>& state) {
     const Sampler fresh;
     return CFEqual(value(state.get(), "data"), value(fresh.state().get(), "data"));

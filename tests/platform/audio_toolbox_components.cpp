@@ -1,4 +1,4 @@
-// Finding the sampler and making units of it.
+// Finding the sampler component and creating units of it.
 #include "sampler_host.h"
 
 #include <AudioToolbox/AudioToolbox.h>

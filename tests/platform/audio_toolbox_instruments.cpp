@@ -49,7 +49,7 @@ protected:
     StatePaths state() const { return state_paths(sampler.state().get()); }
 };
 
-/// A zone for each of these samples.
+/// An instrument with one zone for each of these samples.
 ExsBuilder with_samples(const std::vector<fs::path>& paths) {
     ExsBuilder builder;
     for (std::size_t i = 0; i < paths.size(); ++i) {
@@ -90,7 +90,7 @@ TEST_F(ExsInstruments, AreReadInAsManyPiecesAsTheyComeIn) {
     write_file(folder / "Pad.exs", bytes);
     const LimitedReads limited(100);
     EXPECT_EQ(load(folder / "Pad.exs"), 0);
-    EXPECT_EQ(limited.room(), bytes.size()); // of which none is beyond what the file was to have
+    EXPECT_EQ(limited.room(), bytes.size()); // no read asked for bytes beyond the file's size
 }
 
 TEST_F(ExsInstruments, EndWhereTheirFileEndsWhateverItsSizeWas) {

@@ -1,4 +1,4 @@
-// The bytes in which class info keeps parameters.
+// The bytes in which class info stores parameters.
 #include "audio_bytes.h"
 #include "audio_toolbox/sampler_parameters.h"
 

@@ -1,4 +1,4 @@
-// The property calls: one test for each rule about arguments, and its status.
+// The property calls: one test for each rule about their arguments and the status that it returns.
 #include "sampler_host.h"
 
 #include <AudioToolbox/AudioToolbox.h>
@@ -155,7 +155,7 @@ TEST_F(AudioUnitProperties, EachGetGivesADictionaryOfItsOwnThatCanBeChanged) {
     EXPECT_EQ(text_at(sampler.state().get(), "name"), "Untitled");
 }
 
-// --- asking -------------------------------------------------------------------------------------
+// --- property info ------------------------------------------------------------------------------
 
 TEST_F(AudioUnitProperties, InfoTellsSizeAndThatClassInfoCanBeSet) {
     UInt32 size = 0;

@@ -1,4 +1,4 @@
-// A state with keys that no instrument of ours writes, as real samplers do.
+// A state with keys that real samplers write and no instrument imported here produces.
 #include "platform/round_trip.h"
 #include "sampler_host.h"
 #include "support/state_paths.h"

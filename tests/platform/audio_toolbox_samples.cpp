@@ -1,4 +1,4 @@
-// The samples of a preset: in which order they are opened, and what becomes of the load.
+// The samples of a preset: the order in which they are opened, and the status of the load.
 #include "audio_bytes.h"
 #include "recorded_opens.h"
 #include "sampler_host.h"
@@ -118,7 +118,7 @@ TEST_F(PresetSamples, NamedByNoPathAreNotFound) {
 }
 
 TEST_F(PresetSamples, NamedByWhatNoFileSystemHasAreNotFound) {
-    // Half a surrogate pair behind the path of a sample that is there.
+    // An unpaired surrogate after the path of a sample that exists.
     given_instead = folder / "kick.wav";
     write_audio(given_instead, wav);
     const std::u16string path = u"/recorded/kick.wav\xD800";

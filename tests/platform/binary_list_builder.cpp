@@ -1,4 +1,4 @@
-// Objects, the table of their offsets, the trailer; nothing is checked.
+// Writes the objects, the offset table and the trailer; nothing is checked.
 #include "platform/binary_list_builder.h"
 
 namespace lumo::test {

@@ -1,4 +1,4 @@
-// Counts and remarks by row, printed in the order of their names.
+// Counts and remarks are stored by row and printed in the order of the row names.
 #include "platform/conformance_table.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// A count of how recorded results of CoreFoundation compare with what this platform gives.
+// Counts how this platform's results compare with the recorded results of CoreFoundation.
 #pragma once
 
 #include <cstddef>
@@ -8,21 +8,21 @@
 
 namespace lumo::test {
 
-/// One row for each function (or group of cases) that was compared.
+/// One row for each compared function or group of cases.
 class ConformanceTable {
 public:
-    /// A case whose results were compared; `detail` says what was seen when they were not the same.
+    /// Adds a case whose results were compared; `detail` describes the difference if there is one.
     void compare(const std::string& row, bool is_equal, const std::string& detail);
-    /// A case in which another result is wanted; the reason is printed once for each row.
+    /// Adds a case in which the result differs by design; the reason is printed once for each row.
     void differs_on_purpose(const std::string& row, const std::string& reason);
-    /// A case of a function, encoding or flag that the platform does not have.
+    /// Adds a case of a function, encoding or flag that the platform does not have.
     void not_offered(const std::string& row, const std::string& what);
 
     /// Prints the table, the reasons and the first few differences to standard output.
     void print(const std::string& title) const;
-    /// How many cases of all rows gave the same.
+    /// The number of cases, over all rows, with equal results.
     std::size_t equal() const;
-    /// How many did not, though they should have.
+    /// The number of cases, over all rows, with unintended differences.
     std::size_t differing() const { return differences_.size(); }
 
 private:

@@ -1,4 +1,4 @@
-// What copyfile carries over besides the data.
+// The metadata that copyfile copies besides the data.
 #include "in_child.h"
 #include "support/temp_folder.h"
 
@@ -32,7 +32,7 @@ struct stat status_of(const fs::path& path) {
     return status;
 }
 
-/// The value of an extended attribute; "(none)" when there is none.
+/// The value of an extended attribute; "(none)" when the file does not have it.
 std::string attribute(const fs::path& path, const char* name) {
     std::string value(65536, '\0');
     const ssize_t size = getxattr(path.c_str(), name, value.data(), value.size());
@@ -44,7 +44,7 @@ bool set_attribute(const fs::path& path, const char* name, std::string_view valu
     return setxattr(path.c_str(), name, value.data(), value.size(), 0) == 0;
 }
 
-/// An access control list as the kernel takes it: owner rw-, user 4242 rw-, group r--, mask rw-,
+/// An access control list in the kernel's format: owner rw-, user 4242 rw-, group r--, mask rw-,
 /// others ---.
 std::string acl_bytes() {
     std::string bytes = "\2\0\0\0"s; // the version
@@ -76,7 +76,8 @@ protected:
     int copy(copyfile_flags_t flags = COPYFILE_ALL | COPYFILE_CLONE) const {
         return copyfile(from.c_str(), to.c_str(), nullptr, flags) == 0 ? 0 : errno;
     }
-    /// Copies in a process of a user without rights; who is not the superuser has none anyway.
+    /// Copies in a process of an unprivileged user. A process that does not run as root is
+    /// unprivileged already.
     int copy_as_nobody() const {
         fs::permissions(folder.path(), fs::perms::all);
         fs::permissions(show, fs::perms::all);

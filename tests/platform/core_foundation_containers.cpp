@@ -1,4 +1,5 @@
-// Arrays and dictionaries through CoreFoundation's functions: what they hold, own and refuse.
+// Arrays and dictionaries through CoreFoundation's functions: contents, ownership, refused
+// arguments.
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-// The objects behind CoreFoundation's types, as readers of property lists make them.
+// The objects behind CoreFoundation's types, as the property list readers make them.
 #include "core_foundation/objects.h"
 
 #include <gtest/gtest.h>
@@ -68,7 +68,7 @@ TEST(Strings, AndDataAreComparedAlikeWhetherOrNotTheirHashesAreKnown) {
     const std::uint8_t bytes[] = {'a', 'b', 'c'};
     const Owned string = make_string("abc");
     const Owned data = make_data(bytes);
-    for (int i = 0; i < 2; ++i) { // the second time all hashes are known
+    for (int i = 0; i < 2; ++i) { // in the second pass all hashes are cached
         const Owned other = make_string("abd");
         const Owned part = make_data({bytes, 2});
         if (i == 1) {
@@ -180,7 +180,7 @@ TEST(Dictionaries, LetTheFirstOrTheLastOfEqualKeysWin) {
     EXPECT_EQ(value_of(last_wins, "a"), 3);
 }
 
-/// The keys of `row` with other values, `offset` more than in `row`.
+/// The keys and values of `row`, with `offset` added to each value.
 std::vector<Owned> same_keys(const Dictionary& row, std::int64_t offset) {
     std::vector<Owned> entries;
     for (const Entry& entry : row.items()) {
@@ -283,7 +283,7 @@ Owned nested_arrays(int depth) {
     return object;
 }
 
-/// Arrays, dictionaries and sets inside each other.
+/// Arrays, dictionaries and sets in turn, each inside the one before, `depth` levels deep.
 Owned nested_in_turns(int depth) {
     Owned object = make_integer(1 << 20);
     for (int i = 0; i < depth; ++i) {

@@ -8,7 +8,7 @@
 namespace lumo::test {
 namespace {
 
-/// Text is only written in these; nothing in the tool writes any other.
+/// Whether the platform writes text in this encoding. The tool writes no other.
 bool can_write(const std::string& encoding) {
     return encoding == "UTF8" || encoding == "UTF16" || encoding == "UTF16BE" ||
            encoding == "ASCII";
@@ -78,7 +78,7 @@ void compare_c_string(ConformanceTable& table, const Json& row) {
         return;
     }
     const std::string expected = from_hex(row["written"]);
-    // After a failure only the first byte is of any use to a caller.
+    // After a failure a caller can use the first byte only.
     const std::size_t compared = ok ? expected.size() : std::min<std::size_t>(expected.size(), 1);
     const bool is_same = buffer.compare(0, compared, expected, 0, compared) == 0;
     const std::size_t size = row["bufsize"];
@@ -149,7 +149,7 @@ Holder<CFMutableDictionaryRef> make_dictionary() {
                                           &kCFTypeDictionaryValueCallBacks));
 }
 
-/// The entry that stays when one of two equal keys comes second.
+/// The value that a dictionary holds after `put` was called for two equal keys.
 Json value_after(void (*put)(CFMutableDictionaryRef, const void*, const void*)) {
     const auto dictionary = make_dictionary();
     for (const char* value : {"first", "second"}) {

@@ -42,7 +42,8 @@ std::string resolved(const std::filesystem::path& folder, const std::string& pat
     return text;
 }
 
-/// The resolved path of a record, which was made in /tmp, in the folder that this test runs in.
+/// The resolved path of a record, moved from /tmp, where the records were made, to the current
+/// folder of this test.
 Json resolved_here(const Json& row, const std::string& path) {
     if (!row["fsrResolved"].is_string() || path.empty() || path.front() == '/') {
         return row["fsrResolved"];

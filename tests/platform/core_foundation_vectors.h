@@ -1,5 +1,5 @@
-// What the tests over recorded CoreFoundation results share: strings of the records, and
-// references that release themselves.
+// Shared by the tests over recorded CoreFoundation results: the strings of the records, and owners
+// of references.
 #pragma once
 
 #include "platform/conformance_table.h"
@@ -18,8 +18,8 @@
 
 namespace lumo::test {
 
-/// Whether the project's own CoreFoundation is tested. It promises things that Apple's does not, in
-/// place of some recorded results; of any other library the recorded result is wanted.
+/// Whether the project's own CoreFoundation is tested. It deliberately differs from some recorded
+/// results; any other library must return the recorded result.
 inline constexpr bool is_own_core_foundation = LUMO_OWN_COREFOUNDATION != 0;
 
 /// The deleter of Holder.
@@ -31,13 +31,13 @@ struct Release {
 template <class Ref>
 using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
 
-/// Takes over the reference that such a function handed out.
+/// Takes ownership of the reference that such a function returned.
 template <class Ref>
 Holder<Ref> hold(Ref reference) {
     return Holder<Ref>{reference};
 }
 
-/// Bytes as lower-case hexadecimal digits, two each.
+/// Bytes as lower-case hexadecimal digits, two per byte.
 inline std::string to_hex(const std::string& bytes) {
     static const char* digits = "0123456789abcdef";
     std::string hex;
@@ -49,7 +49,8 @@ inline std::string to_hex(const std::string& bytes) {
     return hex;
 }
 
-/// The value of an encoding named in the records; nothing for one that the platform need not have.
+/// The value of an encoding named in the records; std::nullopt for one that the platform does not
+/// have to offer.
 inline std::optional<CFStringEncoding> encoding_named(const std::string& name) {
     static const std::map<std::string, CFStringEncoding> encodings = {
         {"UTF8", kCFStringEncodingUTF8},

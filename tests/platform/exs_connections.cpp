@@ -1,4 +1,4 @@
-// The connections of an instrument: the fixed ones, those that parameters ask for, and the matrix.
+// The connections of an instrument: the fixed ones, those set by parameters, and the matrix.
 #include "sampler/exs_connections.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@
 namespace lumo::platform {
 namespace {
 
-/// What a real instrument without the two slots of a new one sets.
+/// The parameters of a real instrument, without the two matrix slots that a new one has.
 ExsParameters plain() {
     ExsParameters parameters;
     parameters.set(173, 0);
@@ -33,7 +33,7 @@ std::optional<ExsConnection> find(const std::vector<ExsConnection>& connections,
     return found == connections.end() ? std::nullopt : std::optional(*found);
 }
 
-/// The connection of the first slot: it comes behind the six fixed ones and the pitch bend.
+/// The connection of the first slot; it follows the six fixed ones and the pitch bend.
 std::optional<ExsConnection> slot(const ExsParameters& parameters) {
     return find(exs_connections(parameters), 7);
 }

@@ -1,4 +1,4 @@
-// The expected values are those of states that the real sampler wrote, to the last bit.
+// The expected values are those in states that the real sampler wrote, exact to the last bit.
 #include "sampler/exs_formulas.h"
 
 #include <gtest/gtest.h>
@@ -52,7 +52,7 @@ TEST(ExsFormulas, SecondEnvelopesTimesAreOfTheWayAboveAndBelowItsSustain) {
 }
 
 TEST(ExsFormulas, FourthPowerOfATimeIsRoundedOnce) {
-    // Rounded after each multiplication it would be 0.80409073829650879.
+    // Rounding after each multiplication would give 0.80409073829650879.
     EXPECT_EQ(exs_envelopes(with({{80, 49}, {79, 35}}))[1].release, 0.80409079790115356F);
     EXPECT_EQ(exs_envelopes(with({{78, 49}, {79, 92}}))[1].decay, 0.80409079790115356F);
 }

@@ -1,5 +1,5 @@
-// Groups, crops and tuning of an EXS24 instrument: from the fields of its file, in both byte
-// orders, to the keys of its state.
+// Groups, crops and tuning of an EXS24 instrument: file fields in both byte orders, and the state
+// keys that they become.
 #include "platform/exs_states.h"
 
 #include <gtest/gtest.h>

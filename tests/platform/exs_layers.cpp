@@ -8,7 +8,7 @@
 namespace lumo::platform {
 namespace {
 
-/// An instrument with one sample and as many groups as asked for.
+/// An instrument with one sample and `groups` groups.
 ExsInstrument with_groups(std::size_t groups) {
     ExsInstrument instrument;
     instrument.samples.resize(1);
@@ -127,7 +127,7 @@ TEST(ExsLayers, UsedSamplesAreThoseOfPlacedZonesInTheOrderOfTheirChunks) {
     instrument.zones[1].sample = 1;
     instrument.zones[2].sample = 4;
     instrument.zones[3].sample = 3; // outside its group
-    instrument.zones[4].sample = 2; // has no key
+    instrument.zones[4].sample = 2; // covers no key
     EXPECT_EQ(exs_used_samples(instrument, exs_layers(instrument)),
               (std::vector<std::size_t>{1, 3, 4}));
 }

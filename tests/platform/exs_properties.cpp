@@ -1,5 +1,5 @@
-// What holds for every instrument that can be read, over instruments made at random and over files
-// with bytes changed at random. The random numbers are the same in every run.
+// Properties of every instrument that can be read, tested over randomly generated instruments and
+// over files with randomly changed bytes. The seed is fixed, so every run tests the same.
 #include "platform/round_trip.h"
 #include "support/exs_builder.h"
 
@@ -23,7 +23,7 @@ public:
         }
         return text;
     }
-    /// A value of a field: mostly a likely one.
+    /// A field's value: between -1 and `likely` in nine of ten calls, any value otherwise.
     std::int32_t word(int likely) {
         return up_to(9) == 0 ? std::uniform_int_distribution<std::int32_t>()(engine_)
                              : between(-1, likely);

@@ -1,4 +1,4 @@
-// Reading EXS24 files: every generation of them, every field, every way to be damaged.
+// Reading EXS24 files: every generation, every field, and every kind of damage.
 #include "sampler/exs_reader.h"
 
 #include "support/exs_builder.h"
@@ -20,7 +20,7 @@ std::optional<ExsInstrument> read(const std::string& bytes) {
     return read_exs({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
 }
 
-/// A file with one chunk of each kind, in any layout.
+/// A file with one chunk of each kind in the given layout.
 std::string one_of_each(const ExsLayout& layout) {
     return ExsBuilder(layout)
         .zone({.name = "Zone #1",
@@ -516,7 +516,7 @@ TEST(ExsReader, SizeThatLeavesTheFileIsRefused) {
 
 TEST(ExsReader, SizeThatEndsWithinItsChunkIsRefused) {
     std::string bytes = ExsBuilder().zone({}).bytes();
-    bytes[84 + 80 + 4] = 100; // of 136: what follows is no chunk
+    bytes[84 + 80 + 4] = 100; // instead of 136: what follows is not a chunk
     EXPECT_FALSE(read(bytes));
 }
 

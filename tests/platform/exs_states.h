@@ -15,12 +15,12 @@ namespace lumo::test {
 /// The state of the instrument in an EXS24 file named "Pad.exs"; null when the file is refused or
 /// its instrument has no state.
 platform::Ref<CFDictionaryRef> state_of_bytes(const std::string& bytes);
-/// The same as a table; empty when there is none.
+/// The same state as a table; empty when there is none.
 StatePaths state_of(const ExsBuilder& builder);
 
 /// The value at `path`; "absent" when there is none.
 StateEntry value(const StatePaths& state, const std::string& path);
-/// The keys right below `path`, and those below them with their paths.
+/// The keys directly below `path`, and those below them with their paths.
 std::vector<std::string> keys_below(const StatePaths& state, const std::string& path);
 
 inline StateEntry number(double value) {

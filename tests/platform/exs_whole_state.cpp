@@ -1,5 +1,5 @@
-// An instrument with everything that a zone and a group can bring into a state, in both byte
-// orders, against its whole state.
+// The whole state of an instrument that uses every field of zones and groups that a state contains,
+// in both byte orders.
 #include "platform/exs_states.h"
 #include "platform/round_trip.h"
 
@@ -74,7 +74,7 @@ ExsBuilder full_instrument(const char* magic) {
         .parameters({{7, -6}, {5, 6}, {82, 39}, {84, 127}, {81, 92}, {85, 52}, {80, 49}, {79, 35}});
 }
 
-/// The entries of a state, made of parts that occur more than once.
+/// The entries of a state, assembled from parts that occur more than once.
 class Expected {
 public:
     StatePaths paths;
@@ -123,7 +123,7 @@ public:
             part(path, {{"scale", number(connection.high)}});
         }
     }
-    /// What is the same in all layers but for the layer's number.
+    /// The entries that differ between layers only in the layer's number.
     void layer(int id, double attack, double decay) {
         const std::string path = "Layers/" + std::to_string(id);
         part(path, {{"ID", number(id)},

@@ -1,5 +1,5 @@
-// Children are forked; system calls are refused by a seccomp filter, a program of the kernel's
-// packet filter that sees their numbers and arguments.
+// Children are forked. System calls are refused by a seccomp filter: a BPF program over their
+// numbers and arguments.
 #include "in_child.h"
 
 #include <grp.h>

@@ -1,5 +1,5 @@
-// What a program defines itself is called before the C library's function of that name. The real
-// work is done by the system call.
+// A function that the program defines takes precedence over the C library's function of that name.
+// The system call does the actual read.
 #include "limited_reads.h"
 
 #include <sys/syscall.h>

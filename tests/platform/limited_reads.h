@@ -1,5 +1,5 @@
-// Stands before the C library's `read` in a test program, as a disk that gives less than was asked
-// for: over a network, or cut short while it is read.
+// Replaces the C library's `read` in a test program by one that returns fewer bytes than requested,
+// as for a file on a network or one that is truncated while it is read.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,8 @@ namespace lumo::test {
 
 constexpr std::size_t no_limit = std::numeric_limits<std::size_t>::max();
 
-/// While it lives, one `read` gives at most `at_once` bytes and all together at most `in_all`.
+/// While an object exists, one `read` returns at most `at_once` bytes, and all of them together
+/// return at most `in_all`.
 class LimitedReads {
 public:
     explicit LimitedReads(std::size_t at_once, std::size_t in_all = no_limit);
@@ -17,7 +18,7 @@ public:
     LimitedReads(const LimitedReads&) = delete;
     LimitedReads& operator=(const LimitedReads&) = delete;
 
-    /// How many bytes there were room for at most: those given before a `read`, and its size.
+    /// The largest total that was requested: the bytes returned before a `read`, plus its size.
     std::size_t room() const;
 };
 

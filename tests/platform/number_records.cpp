@@ -1,4 +1,4 @@
-// Whole numbers are made by the type that their record names, reals by their width.
+// Whole numbers are made with the type that their record names, reals with their width.
 #include "platform/number_records.h"
 
 #include <array>
@@ -8,7 +8,8 @@
 namespace lumo::test {
 namespace {
 
-/// A decimal of up to 128 bits as the two words of the number type that has no public name.
+/// A number of up to 128 bits, made with the number type that has no public name and takes two
+/// 64-bit words.
 Holder<CFNumberRef> make_wide(const std::string& decimal) {
     __extension__ using Wide = unsigned __int128;
     Wide value = 0;
@@ -26,7 +27,7 @@ Holder<CFNumberRef> make_integer(const Json& source) {
     if (source.value("w", 64) == 128) {
         return make_wide(text);
     }
-    // The machines that run this are little-endian: the low bytes of the value come first.
+    // Supported machines are little-endian: the low bytes of the value come first.
     const std::int64_t value = std::strtoll(text.c_str(), nullptr, 10);
     return hold(CFNumberCreate(nullptr, number_types().at(source.value("ct", "SInt64")), &value));
 }

@@ -1,4 +1,4 @@
-// Numbers as the recorded results of CoreFoundation tell them.
+// Numbers described by the recorded results of CoreFoundation.
 #pragma once
 
 #include "platform/core_foundation_vectors.h"
@@ -8,7 +8,7 @@
 
 namespace lumo::test {
 
-/// The number types by their short names ("SInt64").
+/// The number types by the short names that records use ("SInt64").
 const std::map<std::string, CFNumberType>& number_types();
 
 /// The number of a record of type "int" or "real".

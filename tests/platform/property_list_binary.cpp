@@ -1,4 +1,4 @@
-// Binary property lists, as CoreFoundation reads them. Public headers only.
+// Binary property lists, read as in CoreFoundation. Uses public headers only.
 #include "platform/binary_list_builder.h"
 #include "platform/property_list_text.h"
 
@@ -65,12 +65,13 @@ TEST(PropertyListBinary, RefusesObjectsThatReachIntoTheTable) {
 }
 
 TEST(PropertyListBinary, RefusesAnObjectThatIsNotBeforeTheTable) {
-    // One object at 8 and the table at 9: the only entry of the table is also the marker of "true".
+    // One object at 8 and the table at 9. With the value 9 the table's only entry refers to itself,
+    // and is the marker of "true" as well.
     std::string file = BinaryList{.objects = {"\x09"}, .offset_width = 1}.bytes();
     ASSERT_EQ(read_and_describe(file), "true");
     for (int offset = 9; offset < 256; ++offset) {
         if (offset == ';') {
-            continue; // with which CoreFoundation reads the bytes as OpenStep text
+            continue; // with it CoreFoundation reads the bytes as OpenStep text
         }
         file[9] = static_cast<char>(offset);
         EXPECT_EQ(read_and_describe(file), refused) << offset;
@@ -119,7 +120,7 @@ TEST(PropertyListBinary, TheFileMustEndWithTheTrailer) {
     const std::string whole = BinaryList{.objects = {"\xA2\x01\x01", "\x51x"}}.bytes();
     ASSERT_EQ(read_and_describe(whole), "[\"x\", \"x\"]");
     EXPECT_EQ(read_and_describe(whole + '\0'), refused);
-    // CoreFoundation reads the first 8 bytes alone, and any of them, as a word of OpenStep text.
+    // CoreFoundation reads the first 8 bytes, or fewer of them, as an unquoted OpenStep string.
     for (std::size_t size = 9; size < whole.size(); ++size) {
         ASSERT_EQ(read_and_describe(whole.substr(0, size)), refused) << size;
     }

@@ -1,6 +1,6 @@
-// What the project's own CoreFoundation promises beyond Apple's: no sharing of values makes a file
-// or the time it takes grow without bound, and no depth stops the process. These tests are no part
-// of a build with another CoreFoundation.
+// Guarantees of the project's own CoreFoundation that Apple's does not give: sharing of values
+// never makes the size or the time of a file grow without bound, and no depth ends the process.
+// These tests are not built with another CoreFoundation.
 #include "platform/binary_list_builder.h"
 #include "platform/property_list_text.h"
 
@@ -18,13 +18,13 @@ std::string repeated(const std::string& part, std::size_t times) {
     return whole;
 }
 
-/// The number of objects in a binary property list.
+/// The number of objects in a binary property list that has fewer than 65,536.
 unsigned count_of(const std::string& bytes) {
     return static_cast<unsigned char>(bytes.at(bytes.size() - 17)) +
            256u * static_cast<unsigned char>(bytes.at(bytes.size() - 18));
 }
 
-/// The first key of the dictionary that is an array's item `index`.
+/// The first key of the dictionary at `index` of an array.
 CFTypeRef key_in(CFPropertyListRef array, CFIndex index) {
     const void* key = nullptr;
     const void* dictionary = CFArrayGetValueAtIndex(static_cast<CFArrayRef>(array), index);
@@ -32,7 +32,8 @@ CFTypeRef key_in(CFPropertyListRef array, CFIndex index) {
     return key;
 }
 
-/// An array of so many arrays of 40,000 references each, which all end in the same bytes.
+/// An array of `count` arrays of 40,000 references each, all of which share the bytes of their last
+/// references.
 BinaryList overlapping_arrays(std::size_t count) {
     const std::string head = "\xAF\x11\x9C\x40"; // as references: 44817 and 40000, which are leaves
     BinaryList list{.objects = {}, .offset_width = 4, .ref_width = 2};
@@ -46,7 +47,7 @@ BinaryList overlapping_arrays(std::size_t count) {
     return list;
 }
 
-/// Each array holds the next one twice.
+/// `levels` arrays, each of which holds the next one twice.
 BinaryList doubling(std::size_t levels) {
     BinaryList list;
     for (std::size_t i = 1; i <= levels; ++i) {
@@ -77,7 +78,8 @@ TEST(PropertyListBounds, SharingIsNotWrittenOut) {
 }
 
 TEST(PropertyListBounds, SharedPartsCountForTheDepthToo) {
-    // Each array holds all the deeper ones, the deepest first, so that none is ever read twice.
+    // Each array holds all deeper ones, the deepest first, so that each has already been read when
+    // it is referred to again.
     BinaryList list;
     for (std::size_t i = 0; i < 200; ++i) {
         std::string array = "\xAF\x10" + big_endian(199 - i, 1);
@@ -123,7 +125,7 @@ TEST(PropertyListBounds, OverlappingContainersDoNotMultiply) {
 TEST(PropertyListBounds, ThereAreNotManyMoreObjectsThanBytes) {
     const auto all_in_one_place = [](std::size_t count) {
         BinaryList list{.objects = {}, .offset_width = 1, .ref_width = 3};
-        list.objects.resize(count - 1); // these begin where the last one does
+        list.objects.resize(count - 1); // these empty objects start at the offset of the last one
         list.objects.push_back("\x09");
         return read_and_describe(list.bytes());
     };

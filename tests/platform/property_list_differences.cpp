@@ -1,5 +1,5 @@
-// Where the project's own CoreFoundation differs from Apple's on purpose; docs/property-lists.md
-// has the reasons. These tests are no part of a build with another CoreFoundation.
+// Deliberate differences between the project's own CoreFoundation and Apple's;
+// docs/property-lists.md has the reasons. These tests are not built with another CoreFoundation.
 #include "platform/binary_list_builder.h"
 #include "platform/number_records.h"
 #include "platform/property_list_text.h"
@@ -16,19 +16,19 @@ namespace {
 
 using namespace std::string_literals;
 
-/// The number of objects in a binary property list.
+/// The number of objects in a binary property list that has fewer than 65,536.
 unsigned count_of(const std::string& bytes) {
     return static_cast<unsigned char>(bytes.at(bytes.size() - 17)) +
            256u * static_cast<unsigned char>(bytes.at(bytes.size() - 18));
 }
 
-/// The URL of a text.
+/// The URL made of a string.
 Holder<CFURLRef> url_of(const char* text) {
     const auto string = hold(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));
     return hold(CFURLCreateWithString(nullptr, string.get(), nullptr));
 }
 
-/// The path of a URL, not resolved.
+/// The path of a URL, not resolved against a base.
 std::string path_of(CFURLRef url) {
     std::array<UInt8, 256> path{};
     EXPECT_TRUE(CFURLGetFileSystemRepresentation(url, false, path.data(), path.size()));
@@ -91,7 +91,7 @@ TEST(PropertyListDifferences, WideNumbersAreStoredOnceByAllTheirBits) {
 }
 
 TEST(PropertyListDifferences, KeysAreInTheOrderOfTheirUtf16Units) {
-    // Each with the last unit that tells it from the one before; a surrogate is below U+FF21.
+    // Each key with its object in the file, ordered by UTF-16 units: a surrogate is below U+FF21.
     const std::vector<std::pair<std::string, std::string>> keys = {
         {"a", "Qa"},
         {"a\xC3\xA9", "b\0a\0\xE9"s},

@@ -24,7 +24,7 @@ void compare_reading(const Json& record, const std::string& row, ConformanceTabl
                   name + " gave " + seen.substr(0, 200) + ", not " + wanted.substr(0, 200));
 }
 
-/// The records of a file, and how many of them give the same here at least.
+/// A file of records, and the minimum number of them whose results must be equal here.
 struct Case {
     const char* name;
     std::size_t min_equal;

@@ -1,5 +1,5 @@
-// What we write, read by others: python's plistlib and libplist. libplist also writes it again,
-// which shows how small such a file can be.
+// Files written here, read by Python's plistlib and by libplist. libplist also writes them again,
+// for a comparison of sizes.
 #include "platform/property_list_text.h"
 #include "support/run_process.h"
 #include "support/temp_folder.h"
@@ -24,7 +24,7 @@ OtherList read_by_libplist(const std::string& bytes) {
     return {list, plist_free};
 }
 
-/// Calls plist_to_bin or plist_to_xml.
+/// Reads `bytes` with libplist and writes them with `write`: plist_to_bin or plist_to_xml.
 template <class Write, class Free>
 std::string written_by_libplist(const std::string& bytes, Write write, Free free_bytes) {
     const OtherList list = read_by_libplist(bytes);
@@ -44,8 +44,8 @@ std::uint64_t number_at(const std::string& bytes, std::size_t at, std::size_t wi
     return value;
 }
 
-/// How many of the reals in a binary property list have 8 bytes and would fit 4. libplist writes
-/// them in 4, since it does not keep how precise a number is.
+/// The number of reals in a binary property list that are stored in 8 bytes although 4 would hold
+/// their value. libplist stores these in 4, since it does not keep a number's precision.
 std::size_t narrow_reals(const std::string& bytes) {
     const std::size_t trailer = bytes.size() - 32;
     const std::size_t width = number_at(bytes, trailer + 6, 1);
@@ -83,7 +83,7 @@ const std::string every_kind =
     "<key>same</key><array><dict><key>a</key><true/></dict><dict><key>a</key><true/></dict>"
     "<array/><dict/><string>a</string><data>AAAA</data><data>AAAA</data></array></dict>";
 
-/// Rows of dictionaries with the same keys, as states have them.
+/// An array of `count` dictionaries with the same keys, as in a sampler state.
 std::string zones(int count) {
     std::string row;
     for (int i = 0; i < count; ++i) {

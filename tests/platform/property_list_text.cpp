@@ -1,4 +1,4 @@
-// Objects and records are described by the same words, piece by piece.
+// Objects and records are described in the same notation.
 #include "platform/property_list_text.h"
 
 #include "platform/number_records.h"
@@ -47,7 +47,8 @@ std::string bytes_of(CFDataRef data) {
     return {bytes, static_cast<std::size_t>(CFDataGetLength(data))};
 }
 
-/// Whole numbers are told by their written form, since 128 bits have no public access.
+/// A whole number is identified by its binary form, since numbers of 128 bits have no public
+/// accessor.
 std::string integer_text(CFNumberRef number) {
     const std::string bytes = written(number);
     if (bytes.size() < 9 || bytes[8] != 0x14) {
@@ -68,7 +69,7 @@ std::string number_text(CFNumberRef number) {
     return (single ? "real32 " : "real ") + real_text(value);
 }
 
-/// A UID has no public type: it is what is left, and told by its written form.
+/// A UID has no public type: it is an object of no other type, identified by its binary form.
 std::string uid_text(CFTypeRef object) {
     const std::string bytes = written(object);
     if (bytes.size() < 10 || static_cast<unsigned char>(bytes[8]) >> 4 != 8) {
@@ -126,7 +127,8 @@ std::string set_text(CFSetRef set) {
     return sorted(std::move(parts), "set(", ")");
 }
 
-/// The units of UTF-8 text. A byte order mark counts as a character as long as it is not the first.
+/// The UTF-16 units of UTF-8 text, a leading byte order mark included: CoreFoundation drops a mark
+/// at the start only, so another character is put before it.
 Json units_of_utf8(const std::string& utf8) {
     const std::string text = "." + utf8;
     const auto string = hold(

@@ -8,21 +8,22 @@
 
 namespace lumo::test {
 
-/// One line that tells the kinds and values of everything in a property list, dictionary entries in
-/// a fixed order: {"key": [1, real 2.5, "text", true, <00ff>, date 0, uid 7]}. Whole numbers of 128
-/// bits read "1 wide", reals of single precision "real32 2.5", units beyond ASCII "\00e9".
+/// One line with the types and values of everything in a property list, dictionary entries in a
+/// fixed order: {"key": [1, real 2.5, "text", true, <00ff>, date 0, uid 7]}. Whole numbers of 128
+/// bits are 16 bytes in hexadecimal, "0x... wide", reals of single precision "real32 2.5", units
+/// beyond ASCII "\00e9".
 std::string described(CFTypeRef list);
-/// The same of a property list as the recorded results tell it.
+/// The same for a property list in the notation of the recorded results.
 std::string described(const Json& record);
 
-/// What read_and_describe gives for bytes that are no property list.
+/// The result of read_and_describe for bytes that are no property list.
 inline const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
-/// What written gives for an object that a property list cannot hold.
+/// The result of `written` for an object that a property list cannot hold.
 inline const std::string not_written = "refused: \"NSCocoaErrorDomain\" 3851";
 
-/// What reading `bytes` gives, described, or "refused: domain code".
+/// The description of the property list in `bytes`, or "refused: domain code".
 std::string read_and_describe(std::string_view bytes);
-/// The same, with the format that was recognised in front: "xml ", "binary " or "openstep ".
+/// The same, prefixed with the recognised format: "xml ", "binary " or "openstep ".
 std::string read_with_format(std::string_view bytes);
 
 /// A property list read from `bytes`, which must be one.

@@ -13,8 +13,8 @@ namespace {
 
 using Any = Holder<CFTypeRef>;
 
-/// A string of all of `utf8`. CoreFoundation leaves out one mark at the start, so a text that
-/// begins with one is given another.
+/// A string of all of `utf8`. CoreFoundation drops one byte order mark at the start, so a text that
+/// begins with a mark gets a second one.
 Any text_object(const std::string& utf8) {
     const std::string mark = "\xEF\xBB\xBF";
     const std::string text = utf8.starts_with(mark) ? mark + utf8 : utf8;
@@ -23,7 +23,7 @@ Any text_object(const std::string& utf8) {
                                        false)};
 }
 
-/// "rep" of a record: a part and how often it is repeated.
+/// The text of a record's "rep": a part and its number of repetitions.
 std::string repeated(const Json& repetition, bool hex) {
     const std::string text = repetition[0].get<std::string>();
     const std::string part = hex ? from_hex(text) : text;
@@ -49,8 +49,8 @@ Any data_object(const Json& record) {
                             static_cast<CFIndex>(bytes.size()))};
 }
 
-/// UIDs and sets cannot be made by public functions, but a property list may hold them. `objects`
-/// are those of a binary one, `table` their offsets.
+/// A UID or a set: no public function makes them, so they are read from a binary property list with
+/// these objects and this offset table.
 Any object_in_binary(const std::string& objects, const std::string& table) {
     const std::string zeros(7, '\0');
     const std::string count(1, static_cast<char>(table.size()));
@@ -103,7 +103,7 @@ Any nest(std::size_t depth) {
     return inner;
 }
 
-/// Makes the objects that the record of a write tells of.
+/// Makes the objects that a record of "write" describes.
 class ObjectMaker {
 public:
     Any make(const Json& record) {
@@ -112,7 +112,7 @@ public:
         }
         Any object = make_new(record);
         remember(record, object.get());
-        return object; // containers were known before, so that they may hold themselves
+        return object; // containers are remembered earlier, so that they can hold themselves
     }
 
 private:
@@ -170,7 +170,7 @@ private:
         return Any{dictionary};
     }
 
-    /// What is repeated stands in the same list, so that a borrowed reference will do.
+    /// Borrows the object: the list that is being made keeps it alive.
     void remember(const Json& record, CFTypeRef object) {
         if (record.contains("id")) {
             known_[record["id"].get<std::string>()] = object;
@@ -180,7 +180,7 @@ private:
     std::map<std::string, CFTypeRef> known_;
 };
 
-/// Cases in which we store once what CoreFoundation stores at each place.
+/// Cases in which equal values are stored once here and several times by CoreFoundation.
 bool is_stored_once(const std::string& name) {
     static const std::set<std::string> names = {"array-fill-true-20",
                                                 "array-fill-true-300",
@@ -233,14 +233,15 @@ void compare_accepted(const std::string& name, const Json& record, CFTypeRef obj
     } else if (has_three_byte_indices(name)) {
         table.differs_on_purpose("write", "references and offsets may take 3 bytes");
     } else if (!is_own_core_foundation) {
-        // That of a Mac stores small integers once, which the recorded library does not.
+        // A Mac's CoreFoundation stores small integers once; the recorded library does not.
         table.differs_on_purpose("write", "the system's library shares more");
     } else {
         table.compare("write", false, name + " has other bytes");
     }
 }
 
-/// Keeps an object for ever: one that holds itself cannot be freed, and here leak checkers see it.
+/// Never releases an object: one that holds itself cannot be freed. It stays reachable, so that
+/// leak checkers do not report it.
 void keep(Any object) {
     static auto* kept = new std::vector<CFTypeRef>;
     kept->push_back(object.release());

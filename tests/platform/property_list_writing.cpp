@@ -1,4 +1,4 @@
-// Writing binary property lists. Public headers only.
+// Writing binary property lists. Uses public headers only.
 #include "platform/binary_list_builder.h"
 #include "platform/property_list_text.h"
 
@@ -10,7 +10,7 @@ namespace {
 
 using namespace std::string_literals;
 
-/// What is read back from the written form of the XML property list.
+/// The description of an XML property list after it was written in binary form and read back.
 std::string read_back(const std::string& xml) {
     return read_with_format(written(read_list(xml).get()));
 }

@@ -1,4 +1,4 @@
-// Property lists in XML, as CoreFoundation reads them. Public headers only.
+// Property lists in XML, read as in CoreFoundation. Uses public headers only.
 #include "platform/property_list_text.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// The notations of XML property lists, each by itself.
+// The notations of single values in XML property lists.
 #include "property_list/xml_encoding.h"
 #include "property_list/xml_values.h"
 

@@ -1,5 +1,5 @@
-// What a program defines itself is called before the C library's function of that name, also by
-// other libraries. The real work is done by the system call.
+// A function that the program defines takes precedence over the C library's function of that name,
+// for other libraries too. The system call opens the file.
 #include "recorded_opens.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-// What is a sample and what is not.
+// Which files are accepted as samples and which are refused.
 #include "audio_bytes.h"
 #include "in_child.h"
 #include "sampler/sample_file.h"
@@ -29,7 +29,7 @@ namespace {
 
 using namespace lumo::test;
 
-// CoreAudio's numbers.
+// CoreAudio's error numbers.
 constexpr OSStatus failed = -36;
 constexpr OSStatus no_descriptor = -42;
 constexpr OSStatus not_found = -43;
@@ -51,7 +51,7 @@ protected:
     }
 };
 
-// --- what is ------------------------------------------------------------------------------------
+// --- accepted -----------------------------------------------------------------------------------
 
 TEST_F(SampleFile, IsWhatLibsndfileWrites) {
     constexpr int containers[] = {SF_FORMAT_WAV,  SF_FORMAT_WAVEX, SF_FORMAT_RF64, SF_FORMAT_W64,
@@ -144,7 +144,7 @@ TEST_F(SampleFile, IsToldByItsBytesAndNotByItsName) {
     EXPECT_EQ(open_bytes("Dear diary,"), not_audio);
 }
 
-// --- what is not --------------------------------------------------------------------------------
+// --- refused ------------------------------------------------------------------------------------
 
 TEST_F(SampleFile, IsNotAnythingElse) {
     for (const std::string& bytes :
@@ -156,7 +156,7 @@ TEST_F(SampleFile, IsNotAnythingElse) {
 }
 
 TEST_F(SampleFile, IsNotATextThatBeginsLikeAFrame) {
-    std::string text = "\xFF\xFE"s; // the mark of UTF-16
+    std::string text = "\xFF\xFE"s; // UTF-16's byte order mark
     for (const char letter : "half a page of text that goes on for a while"s) {
         text += letter + "\0"s;
     }
@@ -180,7 +180,7 @@ TEST_F(SampleFile, IsNotAFrameWithImpossibleFields) {
         EXPECT_EQ(open_bytes(header + std::string(5000, '\0')), not_audio);
     }
     std::string ac3 = ac3_head();
-    ac3[4] = '\xD4'; // no such sampling rate
+    ac3[4] = '\xD4'; // not a valid sampling rate
     EXPECT_EQ(open_bytes(ac3), not_audio);
     EXPECT_EQ(open_bytes(adts_frames(3, 3)), not_audio);
 }
@@ -201,7 +201,7 @@ TEST_F(SampleFile, IsNotAnythingButARegularFile) {
     EXPECT_EQ(open_sample("/dev/zero"), not_audio);
     EXPECT_EQ(open_sample("/dev/null"), not_audio);
     ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
-    EXPECT_EQ(open_sample(path), not_audio); // and did not wait
+    EXPECT_EQ(open_sample(path), not_audio); // without waiting for a writer
     fs::remove(path);
     const int end = socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
@@ -289,7 +289,7 @@ TEST_F(SampleFile, IsNotLeftOpen) {
 
 // --- hostile headers ----------------------------------------------------------------------------
 
-/// What a process has read from files so far, in bytes.
+/// The number of bytes that this process has read so far.
 std::uint64_t bytes_read() {
     std::ifstream stream("/proc/self/io");
     std::string label;
@@ -298,8 +298,7 @@ std::uint64_t bytes_read() {
     return count;
 }
 
-/// Opens the file in a process of its own and says whether it stayed within bounds of memory and of
-/// what it read.
+/// Opens the file in a child process. Fails when that takes 96 MiB more memory or reads 40 MiB.
 testing::AssertionResult opens_within_bounds(const fs::path& path) {
     constexpr long most_kilobytes = 96 << 10;
     constexpr std::uint64_t most_read = 40 << 20;
@@ -342,7 +341,7 @@ TEST_F(SampleFile, WithAHostileHeaderTakesNeitherTimeNorMemory) {
         const fs::path file = folder / std::to_string(number++);
         write_file(file, beginning + std::string(1 << 20, '\xFF'));
         EXPECT_TRUE(opens_within_bounds(file));
-        ASSERT_EQ(truncate(file.c_str(), off_t{1} << 36), 0); // 64 GB, nearly all of it a hole
+        ASSERT_EQ(truncate(file.c_str(), off_t{1} << 36), 0); // 64 GiB, nearly all of it a hole
         EXPECT_TRUE(opens_within_bounds(file));
     }
 }
@@ -352,8 +351,8 @@ TEST_F(SampleFile, WithMetadataWithoutAnEndTakesNeitherTimeNorMemory) {
     constexpr std::streamoff largest = 0xFFFFFF;
     write_audio(path, SF_FORMAT_FLAC | SF_FORMAT_PCM_16);
     std::string head = read_file(path).substr(0, stream_info_end);
-    head[4] = '\0';                               // there is more metadata
-    for (const char* kind : {"\1", "\2", "\4"}) { // padding, an application's, comments
+    head[4] = '\0';                               // not the last metadata block
+    for (const char* kind : {"\1", "\2", "\4"}) { // padding, application, comment
         std::ofstream stream(path, std::ios::binary | std::ios::trunc);
         stream << head;
         for (int block = 0; block < 100; ++block) {

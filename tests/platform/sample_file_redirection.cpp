@@ -1,4 +1,4 @@
-// How samples are opened: through the C library, under their paths as recorded.
+// Samples are opened through the C library, by their recorded paths.
 #include "audio_bytes.h"
 #include "recorded_opens.h"
 #include "sampler/sample_file.h"
@@ -18,7 +18,7 @@ using namespace lumo::test;
 using Paths = std::vector<std::string>;
 using Samples = std::vector<SampleReference>;
 
-/// Audio files at these paths.
+/// References to audio samples at these paths.
 Samples samples(const Paths& paths) {
     Samples references;
     for (const std::string& path : paths) {

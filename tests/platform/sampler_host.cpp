@@ -1,4 +1,4 @@
-// Every call of AudioToolbox is checked where it is made.
+// The result of every AudioToolbox call is checked.
 #include "sampler_host.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// A sampler unit for tests, and the property lists that it is given.
+// A sampler unit for tests, and the property lists that tests pass to it.
 #pragma once
 
 #include "ref.h"
@@ -13,15 +13,15 @@ namespace lumo::test {
 
 using platform::Ref;
 
-/// Statuses that tests expect, as numbers.
+/// Statuses that tests expect.
 constexpr OSStatus parameter_error = -50;
 constexpr OSStatus not_found = -43;
 constexpr OSStatus not_audio = 1954115647; // 'typ?'
 
-/// The description of the sampler.
+/// The component description of the sampler.
 AudioComponentDescription sampler_description();
 
-/// An initialised sampler unit. The test fails when there is none.
+/// An initialised sampler unit. The test fails when it cannot be made.
 class Sampler {
 public:
     Sampler();
@@ -33,14 +33,14 @@ public:
     /// Sets the class info. Returns the status.
     OSStatus set(CFPropertyListRef list) const;
     OSStatus set(const Ref<CFPropertyListRef>& list) const { return set(list.get()); }
-    /// The class info; nothing, and the test fails, when it cannot be read.
+    /// The class info. When it cannot be read, the test fails and the result is null.
     Ref<CFDictionaryRef> state() const;
 
 private:
     AudioUnit unit_ = nullptr;
 };
 
-/// The property list that an element of XML stands for.
+/// The property list written as this XML element.
 Ref<CFPropertyListRef> parse(std::string_view xml);
 
 /// Entries that every class info for the sampler has, as XML.
@@ -49,7 +49,7 @@ constexpr std::string_view sampler_numbers = "<key>manufacturer</key><integer>16
                                              "<key>type</key><integer>1635085685</integer>"
                                              "<key>version</key><integer>0</integer>";
 
-/// A class info with these entries beside the numbers.
+/// A class info with these entries (XML) in addition to `sampler_numbers`.
 Ref<CFPropertyListRef> class_info_with(std::string_view entries);
 /// A class info with this dictionary of file references, as XML between the dict tags.
 Ref<CFPropertyListRef> class_info_with_references(std::string_view entries);

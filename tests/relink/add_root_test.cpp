@@ -1,4 +1,4 @@
-// What a walk brings into the index.
+// Which files SampleIndex::add_root adds.
 #include "index_paths.h"
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
@@ -15,7 +15,7 @@ using test::TempFolder;
 using test::write_file;
 using Paths = std::vector<std::string>;
 
-/// The paths that `root` brings, without `root` and the slash behind it.
+/// The paths that add_root adds for `root`, without `root` and the slash after it.
 Paths walk(const fs::path& root) {
     SampleIndex index;
     index.add_root(root.string());
@@ -29,7 +29,7 @@ Paths walk(const fs::path& root) {
 
 TEST(SampleIndexType, is_a_plain_value_of_map_and_count) {
     const SampleIndex index;
-    EXPECT_LE(index.files.bucket_count(), 1u); // libstdc++'s map holds one in itself, libc++'s none
+    EXPECT_LE(index.files.bucket_count(), 1u); // an empty map has one in libstdc++, none in libc++
     EXPECT_EQ(index.files.max_load_factor(), 1.0f);
     EXPECT_EQ(index.entries, 0u);
     static_assert(std::is_nothrow_move_assignable_v<SampleIndex>);
@@ -111,7 +111,7 @@ TEST(AddRoot, AddsARootOnceThoughNewFilesCameFirst) {
     }
     SampleIndex index;
     index.add_root(folder.path().string());
-    // Enough of them that some come before the old ones in any order of the disk.
+    // So many that some come before the old files in any order in which the disk lists them.
     for (int i = 0; i < 50; ++i) {
         write_file(folder / ("new " + std::to_string(i) + ".wav"), "");
         write_file(folder / ("New " + std::to_string(i) + "/a.wav"), "");

@@ -1,4 +1,4 @@
-// Look-ups that other libraries make in their own code reach the session as well.
+// Look-ups made inside other libraries reach the session as well.
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
 
@@ -35,7 +35,7 @@ protected:
         relink::begin(index);
     }
 
-    /// Ends the session and checks that it did what it was opened for.
+    /// Ends the session and checks that it redirected the missing file and nothing else.
     void TearDown() override {
         const relink::Result result = relink::end();
         EXPECT_EQ(result.relinked,

@@ -1,4 +1,5 @@
-// Which indexed file stands for a recorded path. The index is filled by hand: find sees no disk.
+// Which indexed file find returns for a recorded path. The tests fill the index themselves, as find
+// does not access the disk.
 #include <lumo/relink.h>
 
 #include <gtest/gtest.h>
@@ -8,7 +9,7 @@ namespace {
 
 using Found = std::optional<std::string>;
 
-/// An index of files that need not exist, under `key`.
+/// An index with these paths under `key`. The files do not have to exist.
 SampleIndex index_of(const std::string& key, const std::vector<std::string>& paths) {
     SampleIndex index;
     for (const std::string& path : paths) {
@@ -155,7 +156,7 @@ TEST(FindByMangledName, wants_31_characters_a_start_and_four_upper_case_digits) 
              "12_Legacy_Pulsar_SH101_#3BA.wav",  // three digits
              "12_Legacy_Pulsar_SH10#3BG81.wav",  // no hexadecimal digit
              "12_Legacy_Pulsar_SH1#_BA81A.wav",  // no digit
-             "12_Legacy_Pulsar_SH1_3BA81A.wav",  // no mark
+             "12_Legacy_Pulsar_SH1_3BA81A.wav",  // no '#'
              "12_Legacy_Pulsar_SH101_#3BA81A0",  // no extension
          }) {
         EXPECT_EQ(index_of(long_key, {long_path}).find(name), std::nullopt) << name;
@@ -163,7 +164,7 @@ TEST(FindByMangledName, wants_31_characters_a_start_and_four_upper_case_digits) 
     EXPECT_EQ(
         index_of("12345678901234567890123456789.wav", {"/a/12345678901234567890123456789.wav"})
             .find("#ABCDEF1234567890ABCDEF0123.wav"),
-        std::nullopt); // no start
+        std::nullopt); // nothing before the '#'
 }
 
 TEST(FindByMangledName, leaves_a_note_name_alone) {

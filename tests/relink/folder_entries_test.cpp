@@ -1,4 +1,4 @@
-// The entries of one folder, however the system gives them.
+// Reading the entries of one folder, with every implementation that a system may need.
 #include "folder_entries.h"
 #include "support/temp_folder.h"
 
@@ -13,7 +13,7 @@ namespace {
 
 using Names = std::set<std::string>;
 
-/// The names that are taken from what is at `path`; "(left open)" among them when its descriptor is
+/// The names that read_entries reports for `path`, and "(left open)" when the descriptor is still
 /// open afterwards.
 Names names_in(const std::filesystem::path& path) {
     Names names;

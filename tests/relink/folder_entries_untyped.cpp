@@ -1,4 +1,4 @@
-// The entries of a folder as a file system gives them that does not tell their types.
+// The entries of a folder as on a file system that does not report their types.
 #include "folder_entries.h"
 
 #include <dirent.h>

@@ -1,4 +1,4 @@
-// The paths that an index holds, for tests.
+// The paths in an index, for tests.
 #pragma once
 
 #include <lumo/relink.h>

@@ -1,4 +1,4 @@
-// The C library's functions behind the shims, and what a shim gives where the system has none.
+// The C library's functions behind the shims, and the result where the system lacks a function.
 #include "real_function.h"
 
 #include <gtest/gtest.h>

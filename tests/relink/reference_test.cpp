@@ -1,5 +1,5 @@
-// Random trees, walked and searched by the library and by a plain program that follows the same
-// rules without any thought of speed.
+// Compares the library with a simple reference implementation of the same rules: walks and searches
+// of random trees.
 #include "index_paths.h"
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
@@ -25,7 +25,7 @@ using test::TempFolder;
 using Paths = std::vector<std::string>;
 using Random = std::mt19937;
 
-/// Spellings of names; those of one row are the same name to the library.
+/// Spellings of names; the library treats those in one row as the same name.
 using Spellings = std::vector<std::vector<std::string>>;
 
 const Spellings& folder_names() {
@@ -51,7 +51,7 @@ const std::string& pick(Random& random, const Spellings& names) {
     return row[random() % row.size()];
 }
 
-/// The number of the row that a name stands in; names of no row are their own.
+/// The first spelling in the row that contains `name`; `name` itself when no row does.
 std::string meaning(const std::string& name) {
     for (const Spellings* names : {&folder_names(), &file_names()}) {
         for (const auto& row : *names) {
@@ -71,10 +71,10 @@ Paths components(const std::string& path) {
     return result;
 }
 
-/// What is to be made in a tree: a folder, a file or a link, in any order.
+/// A file, or a link to a folder, to be made in a tree. The order of items does not matter.
 struct Item {
     std::string path;
-    std::string link; // what a link leads to, from the top of the tree
+    std::string link; // a link's target, relative to the top of the tree
 };
 
 std::vector<Item> draw_tree(Random& random) {
@@ -107,7 +107,7 @@ void make_tree(const fs::path& top, std::vector<Item> tree, Random& random) {
     std::shuffle(tree.begin(), tree.end(), random);
     for (const Item& item : tree) {
         const fs::path path = top / item.path;
-        std::error_code refused; // a name that is not UTF-8, by some file systems
+        std::error_code refused; // some file systems refuse names that are not UTF-8
         fs::create_directories(path.parent_path(), refused);
         if (refused) {
             continue;
@@ -121,7 +121,8 @@ void make_tree(const fs::path& top, std::vector<Item> tree, Random& random) {
     }
 }
 
-/// The samples under a root by the rules of the walk: own folders first, then the smallest link.
+/// The samples under a root by the rules of the walk: its own folders first, then its links, always
+/// the bytewise smallest that is left.
 class PlainWalk {
 public:
     explicit PlainWalk(const std::string& root) {
@@ -159,7 +160,7 @@ private:
     std::set<std::string> links_;
 };
 
-/// Which of `samples` stands for `recorded`: every rule by its definition.
+/// The one of `samples` that replaces `recorded`, with every rule applied by its definition.
 std::optional<std::string> plain_find(const Paths& samples, const std::string& recorded) {
     using Rank = std::tuple<std::ptrdiff_t, std::size_t, std::string>; // the smallest wins
     std::optional<Rank> best;

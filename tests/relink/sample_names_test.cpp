@@ -1,4 +1,5 @@
-// The keys under which names are the same, and which names and paths are those of samples.
+// The keys that are equal for names treated as the same, and which names and paths are those of
+// samples.
 #include "sample_names.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What a session records and gives, seen through the C library and the standard library.
+// What a session records and returns, observed through the C library and the standard library.
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
 
@@ -26,7 +26,7 @@ using test::read_file;
 using test::TempFolder;
 using test::write_file;
 
-/// A library with some samples, and paths at which they are no more.
+/// A sample library with an index of it, and paths that do not exist.
 class Session : public testing::Test {
 protected:
     void SetUp() override {
@@ -232,7 +232,7 @@ TEST_F(Session, takes_paths_relative_to_the_current_folder) {
     EXPECT_EQ(result.unresolved, Paths{"no such folder/tom.wav"});
 }
 
-/// A look-up with a folder's descriptor beside the name.
+/// Look-ups with a folder's descriptor and a name.
 class SessionWithFolder : public Session {
 protected:
     void SetUp() override {
@@ -282,7 +282,7 @@ TEST_F(SessionWithFolder, gives_a_file_of_a_relative_root_from_the_current_folde
 }
 
 TEST_F(Session, leaves_calls_without_a_path_to_the_real_function) {
-    int (*volatile call)(const char*, int, ...) = open; // whose declaration forbids it
+    int (*volatile call)(const char*, int, ...) = open; // its declaration forbids a null path
     relink::begin(index);
     errno = 0;
     const int result = call(nullptr, O_RDONLY);
@@ -304,7 +304,7 @@ TEST_F(Session, leaves_flags_and_offsets_of_an_opened_file_as_asked) {
 }
 
 TEST_F(Session, takes_no_other_error_for_absence) {
-    // A link to itself stands for every error but absence: no user may pass it.
+    // A link to itself is an example of an error other than absence: it fails for every user.
     std::filesystem::create_directory(folder / "there");
     std::filesystem::create_symlink("kick.wav", folder / "there/kick.wav");
     relink::begin(index);
@@ -414,7 +414,7 @@ TEST_F(Session, GivesTheErrorOfAnIndexedFileThatIsThere) {
     EXPECT_EQ(result.relinked, (Pairs{{path("gone/kick.wav"), path("library/kick.wav")}}));
 }
 
-/// What a user sees whom permissions bind: when the tests run as root, no user in particular.
+/// Sessions of a user to whom permissions apply: user 65534 when the tests run as root.
 class SessionOfAUser : public Session {
 protected:
     void SetUp() override {
@@ -430,7 +430,8 @@ protected:
         std::filesystem::permissions(path("closed"), std::filesystem::perms(0700));
     }
 
-    /// Expects that `holds` does in a process of the user; skips the test when there is none.
+    /// Expects `holds` to return true in a process of that user. Skips the test when the process
+    /// cannot become that user or the user cannot read the test's folder.
     void expect_of_user(const std::function<bool()>& holds) const {
         const auto run = [&] {
             const bool is_bound = geteuid() != 0 || (setgid(65534) == 0 && setuid(65534) == 0);

@@ -1,6 +1,6 @@
-// One test for each file function that is taken over: it reaches an indexed file for a sample that
-// is not at its recorded path. Take a shim out, and the test that has its name fails.
-#undef _FORTIFY_SOURCE // which would have other functions called for those named below
+// One test for each file function that has a shim: it reaches an indexed file for a sample that is
+// not at its recorded path. Without a shim, the test with its name fails.
+#undef _FORTIFY_SOURCE // it would replace the functions named below by others
 
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
@@ -19,7 +19,7 @@
 #include <functional>
 #include <ostream>
 
-// What fortified programs and those built with an older glibc call; no header declares them here.
+// Called by fortified programs and by programs built with an older glibc; no header declares them.
 // NOLINTBEGIN(bugprone-reserved-identifier): the names are glibc's
 extern "C" {
 int __open_2(const char* path, int flags);
@@ -67,17 +67,17 @@ bool reads(FILE* stream) {
     return is_right;
 }
 
-/// Reads after `reopen` gave another file to a stream.
+/// Reads a stream after `reopen` opened `path` in it.
 bool reads_after(FILE* (*reopen)(const char*, const char*, FILE*), const char* path) {
     FILE* const stream = fopen("/dev/null", "r");
     FILE* const reopened = reopen(path, "r", stream);
     if (!reopened) {
-        fclose(stream); // closed already; glibc leaves its memory to this call
+        fclose(stream); // already closed; in glibc this call frees its memory
     }
     return reads(reopened);
 }
 
-/// Calls `call(&status)` and says whether it told of the sample.
+/// Whether `call(&status)` returns the status of the sample.
 template <class Status>
 bool tells(const std::function<int(Status*)>& call) {
     Status status{};
@@ -89,7 +89,7 @@ bool tells_extended(const char* path) {
     return statx(AT_FDCWD, path, 0, STATX_SIZE, &status) == 0 && status.stx_size == size;
 }
 
-/// Whether `resolved` (freed here unless it is `storage`) is the path of the sample in the library.
+/// Whether `resolved` is the path of the sample in the library. Frees it unless it is `storage`.
 bool leads_to_the_sample(char* resolved, const char* storage = nullptr) {
     const bool is_right = resolved && std::string(resolved).ends_with("/library/kick.wav");
     if (resolved != storage) {
@@ -104,7 +104,7 @@ using Path = const char*;
 
 struct Shim {
     const char* name;
-    /// Uses the function on a path; whether it then had the sample.
+    /// Calls the function with a path; returns whether it reached the sample.
     std::function<bool(Path)> has_sample;
 };
 

@@ -1,5 +1,5 @@
 // One test for each file function in the interpose section: it reaches an indexed file for a sample
-// that is not at its recorded path. Leave a tuple out, and the test that has its name fails.
+// that is not at its recorded path. Without a tuple, the test with its name fails.
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
 
@@ -25,7 +25,7 @@
 #include <thread>
 #include <vector>
 
-// As relink/interpose_macos.cpp declares them.
+// Declared as in relink/interpose_macos.cpp.
 extern "C" {
 int open_nocancel(const char*, int, ...) __asm("_open$NOCANCEL");
 int openat_nocancel(int, const char*, int, ...) __asm("_openat$NOCANCEL");
@@ -50,11 +50,11 @@ namespace fs = std::filesystem;
 
 constexpr const char* bytes = "the sound of a kick";
 constexpr off_t size = 19;
-constexpr int untouched = 77; ///< an error number that nothing here sets
+constexpr int untouched = 77; ///< an error number that no call here sets
 const unsigned long guard = 0x6c756d6f;
 constexpr unsigned guarded_dup = 2;
 
-/// Whether the descriptor, which is closed, reads the sample. errno stays as it is.
+/// Whether the sample can be read from the descriptor. Closes it and leaves errno unchanged.
 bool reads(int file) {
     const int error = errno;
     std::array<char, 64> read{};
@@ -79,13 +79,13 @@ bool reads(FILE* stream) {
     return is_right;
 }
 
-/// Calls `call(&status)` and says whether the status is the sample's.
+/// Whether `call(&status)` returns the status of the sample.
 bool gives_status(const std::function<int(struct stat*)>& call) {
     struct stat status {};
     return call(&status) == 0 && S_ISREG(status.st_mode) && status.st_size == size;
 }
 
-/// Whether `resolved`, which is freed, is the path of the sample in the library.
+/// Whether `resolved` is the path of the sample in the library. Frees it; errno is unchanged.
 bool leads_to_the_sample(char* resolved) {
     const int error = errno;
     const bool is_right = resolved && std::string(resolved).ends_with("/library/kick.wav");
@@ -94,7 +94,8 @@ bool leads_to_the_sample(char* resolved) {
     return is_right;
 }
 
-/// Asks for three descriptors: the second shares the text of the first, the third always exists.
+/// Calls accessx_np with three descriptors: the second shares the text of the first, the third is
+/// the path of the root folder, which always exists.
 bool is_accessible(const char* path) {
     struct {
         accessx_descriptor paths[3];
@@ -130,7 +131,7 @@ using Path = const char*;
 
 struct Shim {
     const char* name;
-    /// Uses the function on a path; whether it then had the sample.
+    /// Calls the function with a path; returns whether it reached the sample.
     std::function<bool(Path)> has_sample;
 };
 
@@ -188,7 +189,7 @@ const std::vector<Shim>& shims() {
              return getattrlistat(AT_FDCWD, p, &wanted, &length, sizeof length, 0) == 0 &&
                     length == 4;
          }},
-        {"getxattr", // of a file system that has attributes
+        {"getxattr", // on a file system with extended attributes
          [](Path p) {
              char value = 0;
              return getxattr(p, "lumo", &value, 1, 0, 0) == 1 && value == 'v';
@@ -267,7 +268,7 @@ TEST_P(TheShimOf, PassesOverWhatIsNoSample) {
 
 TEST_P(TheShimOf, IsUsedByManyThreads) {
     if (std::string(GetParam().name) == "clonefile") {
-        return; // all threads would make one file; the shim is look_up, as everywhere
+        return; // all threads would make the same file; its shim calls look_up, as all shims do
     }
     relink::begin(index);
     std::vector<std::thread> threads;
@@ -293,7 +294,7 @@ TEST_P(TheShimOf, IsUsedByManyThreads) {
 INSTANTIATE_TEST_SUITE_P(Function, TheShimOf, testing::ValuesIn(shims()),
                          [](const auto& test) { return test.param.name; });
 
-/// A function that gives the status of a file, and the kind of file that it sees in a link to one.
+/// A function that returns a file's status, and the file type that it reports for a link to a file.
 struct StatusShim {
     const char* name;
     mode_t kind;
@@ -379,7 +380,7 @@ TEST_F(TheShimsOf, ReadlinkGivesTheTextOfAnIndexedLink) {
     EXPECT_EQ(result.relinked.size(), 1u);
 }
 
-// The library resolves the link itself, with calls that arrive at its own shims.
+// The library resolves the link itself; its calls arrive at its own shims.
 TEST_F(TheShimsOf, AllLeaveALinkThatIsThere) {
     const std::string link = (folder / "links/snare.wav").string();
     fs::create_directory(folder / "links");

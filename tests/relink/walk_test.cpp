@@ -1,4 +1,4 @@
-// The walk of a root where the disk is not a plain tree.
+// Walks of roots that are not plain trees: links, unreadable folders, long and deep paths.
 #include "folder_walk.h"
 #include "support/temp_folder.h"
 
@@ -36,7 +36,7 @@ Paths walk_with_root(const std::string& root) {
     return paths;
 }
 
-/// The same, without `root` and the slash behind it.
+/// The same paths, without `root` and the slash after it.
 Paths walk(const fs::path& root) {
     Paths paths = walk_with_root(root.string());
     for (std::string& path : paths) {
@@ -100,7 +100,7 @@ TEST(Walk, takes_the_bytewise_smallest_link_that_waits) {
     fs::create_directory(folder / "root");
     fs::create_symlink("../out/one", folder / "root/b");
     fs::create_symlink("../out/two", folder / "root/a");
-    fs::create_symlink("../one", folder / "out/two/c"); // waits as a/c once a was read
+    fs::create_symlink("../one", folder / "out/two/c"); // queued as a/c after a was read
     EXPECT_EQ(walk(folder / "root"), Paths{"a/c/a.wav"});
 }
 
@@ -171,7 +171,7 @@ TEST(Walk, works_where_standard_input_is_closed) {
     EXPECT_EXIT(_exit(walk_there() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
-/// Makes `depth` folders, one in the other, and a sample in the last; gives the sample's path.
+/// Makes `depth` nested folders and a sample in the innermost; returns the sample's path.
 std::string make_deep(const fs::path& top, const std::string& name, int depth) {
     std::string path;
     int folder = open(top.c_str(), O_RDONLY | O_DIRECTORY);
@@ -204,7 +204,7 @@ TEST(Walk, finds_its_way_where_paths_are_about_as_long_as_the_system_takes) {
     const TempFolder folder;
     const std::size_t top = folder.path().string().size() + 1;
     for (std::size_t length = PATH_MAX - 3; length <= PATH_MAX + 3; ++length) {
-        // Folders of 100 bytes, then one that makes the path to its slash `length` bytes long.
+        // Folders with names of 100 bytes, then one up to whose slash the path has `length` bytes.
         const std::size_t count = (length - top) / 101 - 1;
         const std::string last(length - top - count * 101 - 1, 'l');
         const TempFolder tree;
@@ -229,7 +229,7 @@ TEST(Walk, passes_over_a_folder_that_may_not_be_read) {
     fs::permissions(folder.path(), fs::perms(0755));
     fs::permissions(folder / "closed", fs::perms::none);
     const auto walk_as_nobody = [&] {
-        // To the super-user every folder is open, so it becomes somebody else.
+        // Root can read every folder, so a process of root's becomes another user.
         if (geteuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0)) {
             return 2;
         }
@@ -269,7 +269,7 @@ TEST(Walk, goes_on_when_folders_vanish_under_it) {
     EXPECT_EQ(found, 1);
 }
 
-/// A library of Apple's, moved below `folder`; its path.
+/// Makes a part of Apple's sound library below `folder`; returns its path.
 fs::path make_apple_library(const TempFolder& folder) {
     write_file(folder / "disk/Library/Application Support/Logic/EXS Factory Samples/C3.wav", "");
     return folder / "disk/Library/Application Support/Logic";

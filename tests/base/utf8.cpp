@@ -1,4 +1,4 @@
-// Which bytes are UTF-8, and which characters they are.
+// Which bytes are valid UTF-8, and which characters they encode.
 #include "base/utf8.h"
 
 #include <gtest/gtest.h>

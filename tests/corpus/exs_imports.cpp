@@ -1,4 +1,5 @@
-// Every real EXS24 instrument, imported by the tool, ends as the list beside the instruments says.
+// The tool's import of every real EXS24 instrument has the result in the list beside the
+// instruments.
 #include "support/import_run.h"
 #include "support/temp_folder.h"
 

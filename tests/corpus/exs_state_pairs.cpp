@@ -14,8 +14,8 @@ namespace {
 
 const std::filesystem::path corpus = std::filesystem::path(LUMO_SHARED) / "corpus";
 
-/// Without what is not the instrument's: the name that a host gave the state, the folders of the
-/// samples and, in one of them, the LFOs of an instrument that had been loaded before and stayed.
+/// The state without entries that do not come from the instrument: the name that a host set, the
+/// folders of the samples and, in one state, LFOs left by an instrument that was loaded before.
 StatePaths comparable(const StatePaths& state) {
     StatePaths paths;
     for (auto [path, value] : state) {
@@ -31,7 +31,7 @@ StatePaths comparable(const StatePaths& state) {
     return paths;
 }
 
-/// Empty, and the test fails, when the file is no property list.
+/// The state in a file. Empty, and the test fails, when the file is not a property list.
 StatePaths state_in(const std::filesystem::path& path) {
     const std::string bytes = read_file(path);
     CFDataRef data = CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),

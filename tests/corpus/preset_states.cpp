@@ -1,5 +1,5 @@
-// States that the real sampler saved, through the embedded one and back; and those that the
-// embedded one makes of real instruments.
+// Round trips through the embedded sampler: of states that the real sampler saved, and of states
+// that the embedded one makes of real instruments.
 #include "platform/round_trip.h"
 #include "platform/sampler_host.h"
 #include "support/temp_folder.h"
@@ -16,7 +16,7 @@ namespace {
 
 const fs::path corpus = fs::path(LUMO_SHARED) / "corpus";
 
-/// Null when the file is no property list.
+/// The property list in a file; null when there is none.
 Ref<CFPropertyListRef> read_preset(const fs::path& path) {
     const std::string bytes = read_file(path);
     const auto data = Ref<CFDataRef>::adopt(
@@ -26,8 +26,8 @@ Ref<CFPropertyListRef> read_preset(const fs::path& path) {
         kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
 }
 
-/// The state without its samples, whose paths are those of other machines, and without what hosts
-/// add for themselves.
+/// The state without its samples, whose paths are valid on other machines only, and without entries
+/// that hosts add.
 Ref<CFMutableDictionaryRef> without_samples(CFPropertyListRef preset) {
     auto state = Ref<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutableCopy(
         kCFAllocatorDefault, 0, static_cast<CFDictionaryRef>(preset)));
@@ -56,7 +56,7 @@ TEST(RealPresets, ReadBackAsTheyWereSaved) {
     EXPECT_GE(compared, 9);
 }
 
-/// The state of an instrument or a preset with no sample opened. False when it is refused.
+/// Loads the state of an instrument or a preset without opening samples. False when it is refused.
 bool load(const fs::path& path, platform::SamplerState& state) {
     if (path.extension() == ".exs") {
         return platform::load_exs(path, state.loaded) == 0;

@@ -17,11 +17,11 @@ using nlohmann::json;
 
 const fs::path corpus = fs::path(LUMO_SHARED) / "corpus";
 
-/// The manifest takes this template for a property list. It has a bare word among its references,
-/// to be replaced before use, and CoreFoundation refuses text there.
+/// The manifest lists this template as a property list. Its references contain a bare word, a
+/// placeholder, and CoreFoundation refuses text there.
 const std::string unfilled_template = "aupreset/templates/Template.aupreset";
 
-/// One run of the tool over all presets, for all tests.
+/// One run of the tool over all presets, shared by all tests.
 class CorpusPresets : public testing::Test {
 protected:
     struct Show {

@@ -1,4 +1,5 @@
-// The example instrument imports as the README shows, and is what its scripts make.
+// The example instrument imports as the README shows, and its files are those that its scripts
+// make.
 #include "support/run_process.h"
 #include "support/temp_folder.h"
 
@@ -11,7 +12,7 @@ namespace {
 
 const std::filesystem::path source = LUMO_SOURCE;
 
-/// A folder with a copy of the examples, in which the README's commands can be given.
+/// A folder with a copy of the examples, in which the README's commands can run.
 class ExampleFolder {
 public:
     ExampleFolder() {
@@ -21,7 +22,7 @@ public:
 
     std::filesystem::path operator/(std::string_view name) const { return folder_ / name; }
 
-    /// What the tool prints for an instrument, called as the README calls it.
+    /// The standard output of the README's command for an instrument.
     std::string import(const std::string& instrument) const {
         return run_process({LUMO_TOOL, "--package", "Show.lumo", "--states", "Show.lumo/states",
                             "examples/glass/" + instrument},
@@ -41,7 +42,7 @@ std::string without_load_time(std::string line) {
     return line;
 }
 
-/// The first line of `text` that starts with `start`, with its end; empty when there is none.
+/// The first line of `text` that starts with `start`, with its newline; empty when there is none.
 std::string line_that_starts_with(const std::string& text, const std::string& start) {
     const std::size_t before = text.find("\n" + start);
     if (before == std::string::npos) {

@@ -1,4 +1,4 @@
-// Counting layers on cells, compared with looking at each cell of each layer.
+// Counting layers per cell, compared with a test of each cell of each layer.
 #include "coverage.h"
 
 #include <gtest/gtest.h>

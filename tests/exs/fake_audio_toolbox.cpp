@@ -1,4 +1,4 @@
-// Units are numbered objects of the heap, so that a unit used after its end is seen by sanitizers.
+// Units are numbered objects on the heap, so that sanitizers detect the use of a disposed unit.
 #include "fake_audio_toolbox.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ FakeAudioToolbox& audio_toolbox() {
 namespace {
 
 struct Unit {
-    int number; ///< of the units made, from 0
+    int number; ///< in order of creation, from 0
 };
 
 int loads() {

@@ -1,4 +1,4 @@
-// An AudioToolbox that does as a test says, linked in place of the real one.
+// An AudioToolbox controlled by a test, linked in place of the real one.
 #pragma once
 
 #include "list_values.h"
@@ -11,17 +11,17 @@
 
 namespace lumo::test {
 
-/// What the units do, and what was asked of them. Every test begins with a fresh one.
+/// The behaviour of the units, and a record of the calls. Every test begins with a new one.
 struct FakeAudioToolbox {
     bool has_component = true;
     OSStatus instance_status = 0;
-    /// The statuses of initialising the first, the second unit and so on; 0 beyond.
+    /// The statuses that initialising the first, the second unit and so on returns; 0 for the rest.
     std::vector<OSStatus> initialise_statuses;
-    /// What loading an instrument or a state does, and its status: called with the number of the
-    /// load, from 1.
+    /// Called when an instrument or a state is loaded, with the number of the load, from 1; returns
+    /// the load's status.
     std::function<OSStatus(int load)> load = [](int) { return 0; };
     OSStatus get_status = 0;
-    /// The state that a unit gives.
+    /// The state that is read from a unit.
     Value state = dictionary({});
 
     AudioComponentDescription description = {};
@@ -33,7 +33,7 @@ struct FakeAudioToolbox {
     int units_alive = 0;
 };
 
-/// The one that the functions of AudioToolbox use.
+/// The instance that the functions of AudioToolbox use.
 FakeAudioToolbox& audio_toolbox();
 
 } // namespace lumo::test

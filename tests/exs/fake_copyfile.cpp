@@ -1,4 +1,4 @@
-// As the real one it refuses to replace anything.
+// Like the real one, it does not replace an existing file.
 #include "fake_copyfile.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-// Where no test has set up a fake, poll is the real one.
+// Unless a test has set up a fake, the real poll is called.
 #include "fake_poll.h"
 
 #include <dlfcn.h>

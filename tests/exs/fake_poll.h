@@ -1,4 +1,4 @@
-// A poll that waits, or does as a test says, linked in place of the real one.
+// A poll controlled by a test, linked in place of the real one.
 #pragma once
 
 #include <poll.h>
@@ -8,11 +8,11 @@
 
 namespace lumo::test {
 
-/// What poll does, and what it was asked, until the end of a test's scope.
+/// Replaces poll and records its timeouts as long as the object exists.
 class FakePoll {
 public:
-    /// `action` is called in place of a wait, with the number of the call, from 1; what it returns
-    /// poll returns.
+    /// `action` is called instead of waiting, with the number of the call, from 1; poll returns its
+    /// result.
     explicit FakePoll(std::function<int(int call)> action);
     ~FakePoll();
     FakePoll(const FakePoll&) = delete;
@@ -20,7 +20,7 @@ public:
 
     int wait(int timeout_ms);
 
-    /// How long each call was to wait at most, in milliseconds; -1 is without limit.
+    /// The timeout of each call in milliseconds; -1: no limit.
     std::vector<int> timeouts_ms;
 
 private:

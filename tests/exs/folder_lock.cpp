@@ -1,4 +1,4 @@
-// Keeping imports into one folder apart.
+// The lock that serialises imports into one folder.
 #include "folder_lock.h"
 
 #include "support/descriptors.h"
@@ -14,7 +14,7 @@ namespace {
 using lumo::exs::FolderLock;
 using namespace lumo::test;
 
-/// Whether another process could lock the folder now.
+/// Whether the folder is not locked.
 bool is_free(const std::filesystem::path& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
     const bool could = flock(descriptor, LOCK_EX | LOCK_NB) == 0;

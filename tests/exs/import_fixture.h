@@ -1,5 +1,4 @@
-// Imports into a show in a temporary folder, with a sampler and a copyfile that do as the test
-// says.
+// Imports into a show in a temporary folder, with a sampler and a copyfile controlled by the test.
 #pragma once
 
 #include "fake_audio_toolbox.h"
@@ -15,7 +14,7 @@
 
 namespace lumo::test {
 
-/// A test that imports into a show of its own and ends with every sampler disposed of.
+/// A test that imports into its own show and checks at the end that every sampler was disposed of.
 class ImportTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -27,13 +26,13 @@ protected:
 
     void TearDown() override { EXPECT_EQ(audio_toolbox().units_alive, 0); }
 
-    /// Imports a preset of this name that is a property list.
+    /// Writes a valid preset with this name and imports it.
     exs::Report import_preset(const std::string& name = "Kit.aupreset") {
         write_file(folder / name, preset_text({}));
         return exs::import_instrument((folder / name).string(), options);
     }
 
-    /// Lets the sampler's state refer to these files, the first as "Sample:1" and so on.
+    /// Makes the sampler's state refer to these files, the first as "Sample:1" and so on.
     static void set_samples(const std::vector<std::filesystem::path>& paths) {
         std::vector<std::pair<std::string, Value>> references;
         references.reserve(paths.size());

@@ -1,4 +1,4 @@
-// What an import asks of AUSampler, and what it says when that fails.
+// The AudioToolbox calls of an import, and the errors it reports when they fail.
 #include "import_fixture.h"
 #include "sampler_host.h"
 
@@ -18,7 +18,7 @@ using Texts = std::vector<std::string>;
 
 class ImportLoading : public ImportTest {};
 
-/// Looks for a sample as a sampler does.
+/// Whether a sample exists, looked up as a sampler does it.
 bool finds(const std::string& path) {
     struct stat status = {};
     return stat(path.c_str(), &status) == 0;

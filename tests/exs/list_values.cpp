@@ -1,4 +1,4 @@
-// Each function makes one object by the public functions of CoreFoundation.
+// Objects are made with the public functions of CoreFoundation.
 #include "list_values.h"
 
 namespace lumo::test {

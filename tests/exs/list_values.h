@@ -1,4 +1,4 @@
-// Property lists written down in tests: dictionary({{"Layers", array({...})}, {"gain", real(0)}}).
+// Property lists as expressions: dictionary({{"Layers", array({...})}, {"gain", real(0)}}).
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -10,10 +10,10 @@
 
 namespace lumo::test {
 
-/// A CoreFoundation object with one reference, which its last copy drops.
+/// A CoreFoundation object. Copies share one reference, which the last one releases.
 using Value = std::shared_ptr<const void>;
 
-/// Takes over the reference that a Create function handed out.
+/// Takes ownership of the reference that a Create function returned.
 Value adopt(CFTypeRef object);
 
 /// Objects of these values; `text` is null when the bytes are not UTF-8.
@@ -25,11 +25,11 @@ Value data(const std::string& bytes);
 Value array(const std::vector<Value>& values);
 Value dictionary(const std::vector<std::pair<std::string, Value>>& entries);
 
-/// A dictionary with one value of each kind, by the name of its kind; "text" is `path`, and what
-/// can hold it holds it as well.
+/// A dictionary with one value of each kind, under the name of its kind. "text" is `path`; the
+/// array, the data and the dictionary contain it too.
 Value values_of_every_kind(const std::string& path);
 
-/// The value for `key` in a dictionary, with a reference of its own; null when there is none.
+/// The value for `key` in a dictionary, retained; null when there is none.
 Value entry(const Value& dictionary, const char* key);
 
 /// The value as a dictionary.

@@ -1,4 +1,4 @@
-// Reading the bytes of a preset, wherever they come from.
+// Reading the bytes of a preset from files of any kind.
 #include "preset_file.h"
 
 #include "support/descriptors.h"

@@ -1,4 +1,4 @@
-// Reading a preset from a pipe. Time does not pass in these tests: a wait ends when the test says.
+// Reading a preset from a pipe. No test waits: a fake poll decides how each wait ends.
 #include "fake_poll.h"
 #include "preset_file.h"
 #include "support/temp_folder.h"
@@ -16,7 +16,7 @@ namespace {
 
 using namespace lumo::test;
 
-constexpr int out_of_time = 0; ///< what poll returns
+constexpr int out_of_time = 0; ///< the result of poll at a timeout
 constexpr int ready = 1;
 
 class PresetPipe : public testing::Test {
@@ -24,8 +24,8 @@ protected:
     void SetUp() override { ASSERT_EQ(mkfifo(path.c_str(), 0600), 0); }
     void TearDown() override { close_writer(); }
 
-    // For reading too, as a pipe without a reader cannot be opened for writing alone. A second
-    // reader changes nothing for the first.
+    // Opened for reading too, as a pipe without a reader cannot be opened for writing only. The
+    // additional reader does not affect the first.
     void open_writer() {
         writer = open(path.c_str(), O_RDWR | O_CLOEXEC);
         ASSERT_GE(writer, 0);
@@ -84,7 +84,7 @@ TEST_F(PresetPipe, WhoseWriterComesLateIsReadToItsEnd) {
         close_writer();
         return ready;
     });
-    // A pipe keeps its bytes as long as somebody has it open, as the reader does by then.
+    // A pipe keeps its bytes as long as it is open; here the reader has opened it.
     EXPECT_EQ(read(), "preset");
 }
 
@@ -102,7 +102,7 @@ TEST_F(PresetPipe, WhoseWriterLeavesWithoutAWordIsEmpty) {
 }
 
 TEST_F(PresetPipe, WhoseWriterIsDoneEndsWithoutAWait) {
-    // As behind the shell's <(...), when the program in it has ended already.
+    // As with the shell's <(...), when the program inside has already ended.
     open_writer();
     write_bytes("preset");
     FakePoll poll([&](int) {

@@ -1,4 +1,4 @@
-// Texts and numbers out of property lists, and property lists into files.
+// Reading strings and numbers from property lists, and writing property lists to files.
 #include "property_list.h"
 
 #include "list_values.h"

@@ -1,4 +1,4 @@
-// The shape of a state: zones, layers, key range, stacking.
+// Measuring the shape of a state: zones, layers, key range, stacking.
 #include "list_values.h"
 #include <lumo/exs.h>
 

@@ -1,5 +1,5 @@
-// All that needs memory is done before the fork: in the child other threads may have left the heap
-// locked.
+// All allocations are made before the fork: in the child the heap may be locked by a thread that
+// does not exist there.
 #include "support/child_process.h"
 
 #include <fcntl.h>

@@ -1,4 +1,4 @@
-// Whether code under test leaves files open.
+// Detects whether code under test leaves files open.
 #pragma once
 
 #include <fcntl.h>
@@ -6,7 +6,8 @@
 
 namespace lumo::test {
 
-/// The number that the next file to be opened gets: the same again when all others are closed.
+/// The descriptor that the next opened file will have: unchanged when all files opened meanwhile
+/// have been closed.
 inline int next_descriptor() {
     const int descriptor = open("/dev/null", O_RDONLY | O_CLOEXEC);
     close(descriptor);

@@ -1,5 +1,4 @@
-// The chunks are described at the head of platform/sampler/exs_chunk.cpp; docs/exs24-format.md has
-// their fields.
+// platform/sampler/exs_chunk.cpp describes the chunks, docs/exs24-format.md their fields.
 #include "support/exs_builder.h"
 
 #include <algorithm>
@@ -15,7 +14,7 @@ class ExsBuilder::Content {
 public:
     Content(const ExsBuilder& builder, std::size_t size) : builder_(builder), bytes_(size, '\0') {}
 
-    /// `offset` counts from the start of the chunk's header.
+    /// `offset` is relative to the start of the chunk's header.
     Content& text(std::size_t offset, std::string_view text) {
         const std::size_t at = offset - header_size;
         if (at + text.size() <= bytes_.size()) {

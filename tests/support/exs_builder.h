@@ -1,4 +1,5 @@
-// Writes EXS24 files of every generation, for tests: whatever fits the layout's chunks is written.
+// Writes EXS24 files of every generation, for tests. Fields beyond the size of the layout's chunks
+// are omitted.
 #pragma once
 
 #include <array>
@@ -12,11 +13,11 @@
 
 namespace lumo::test {
 
-/// How a generation of the sampler writes its chunks; sizes are those of their contents.
+/// The chunk layout of one generation of the sampler; sizes are content sizes in bytes.
 struct ExsLayout {
     std::string_view name = "10";
     std::string_view magic = "TBOS"; ///< "SOBT" and "SOBJ" are big-endian
-    std::uint8_t flags = 0;          ///< above the type: 0x40, 0x80 (sizes of 15 bits)
+    std::uint8_t flags = 0;          ///< set above the type: 0x40, 0x80 (15-bit sizes)
     std::size_t instrument = 80;
     std::size_t zone = 136;
     std::size_t group = 132;
@@ -24,7 +25,7 @@ struct ExsLayout {
     std::size_t parameters = 388;
 };
 
-/// One of each generation, byte order, magic and flag.
+/// At least one layout with each generation, byte order, magic and flag.
 inline constexpr std::array exs_layouts{
     ExsLayout{"big-endian", "SOBT", 0x80, 40, 104, 96, 336, 304},
     ExsLayout{"monolith", "SOBJ", 0x80, 40, 104, 92, 336, 304},
@@ -39,7 +40,7 @@ inline constexpr std::array exs_layouts{
     ExsLayout{"longer-than-any", "TBOS", 0, 200, 300, 400, 1624, 2000},
 };
 
-/// What a zone's chunk is given; ranges and units are those of ExsZone.
+/// The fields of a zone's chunk; ranges and units are those of ExsZone.
 struct ExsZoneFields {
     std::string name = "Zone #1";
     int options = 0; ///< 2: pitch tracking off, 8: velocity range on, 16: mute
@@ -61,7 +62,7 @@ struct ExsZoneFields {
     std::int32_t sample = 0;
 };
 
-/// What a group's chunk is given.
+/// The fields of a group's chunk.
 struct ExsGroupFields {
     std::string name = "Group 1";
     int volume = 0;
@@ -80,7 +81,7 @@ struct ExsGroupFields {
     int high_value = 127;
 };
 
-/// What a sample's chunk is given.
+/// The fields of a sample's chunk.
 struct ExsSampleFields {
     std::string directory = "/Users/ada/Sounds";
     std::string name = "kick.wav";
@@ -91,29 +92,29 @@ struct ExsSampleFields {
 /// Numbers and values of parameters.
 using ExsParameterList = std::vector<std::pair<int, int>>;
 
-/// Gathers chunks and gives the file of them.
+/// Collects chunks and builds a file of them.
 class ExsBuilder {
 public:
     explicit ExsBuilder(const ExsLayout& layout = {}) : layout_(layout) {}
 
-    /// Each adds one chunk behind the others.
+    /// Each appends one chunk.
     ExsBuilder& zone(const ExsZoneFields& fields);
     ExsBuilder& group(const ExsGroupFields& fields);
     ExsBuilder& sample(const ExsSampleFields& fields);
-    /// `first` goes into the table of 100 places, `second` into the pairs behind it, whose count is
-    /// given as `pair_count` (default: as many as there are).
+    /// `first` goes into the table of 100 entries, `second` into the pairs after it, whose count is
+    /// written as `pair_count` (default: the size of `second`).
     ExsBuilder& parameters(const ExsParameterList& first, const ExsParameterList& second = {},
                            std::optional<std::uint32_t> pair_count = std::nullopt);
-    /// Any chunk.
+    /// Appends a chunk of any type.
     ExsBuilder& chunk(int type, std::string_view content, std::string_view name = {});
 
-    /// The file: an instrument chunk and all others in the order in which they were given.
+    /// The file: an instrument chunk, then the others in the order in which they were added.
     std::string bytes() const;
     /// The same without the instrument chunk.
     std::string chunks() const { return chunks_; }
 
 private:
-    /// The content of a chunk, all zero, into which only what fits is written.
+    /// The content of a chunk, initially zero; fields that do not fit are omitted.
     class Content;
 
     bool big_endian() const { return layout_.magic.starts_with("SOB"); }

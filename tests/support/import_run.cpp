@@ -1,4 +1,4 @@
-// The tool is run as a program; its standard output is split into lines and each parsed.
+// The tool runs as a program; each line of its standard output is parsed.
 #include "support/import_run.h"
 
 #include <gtest/gtest.h>

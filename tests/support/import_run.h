@@ -10,7 +10,7 @@
 
 namespace lumo::test {
 
-/// What the tool said, its report lines taken apart. A line that is no JSON fails the test.
+/// The result of a run, with its report lines parsed. A line that is not JSON fails the test.
 struct ImportRun {
     ProcessResult process;
     std::vector<nlohmann::json> lines;
@@ -20,7 +20,7 @@ struct ImportRun {
 ImportRun run_import(const std::vector<std::string>& arguments,
                      const std::filesystem::path& folder = {});
 
-/// Runs the tool once for one instrument and gives its report; null when there is not one line.
+/// Runs the tool for one instrument and returns its report; null unless there is exactly one line.
 nlohmann::json import_one(const std::filesystem::path& package, const std::filesystem::path& states,
                           const std::filesystem::path& instrument,
                           const std::vector<std::string>& options = {});

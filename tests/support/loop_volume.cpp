@@ -1,4 +1,4 @@
-// Made, mounted and unmounted by the programs of these names.
+// Uses the system's programs to make, mount and unmount the volume.
 #include "support/loop_volume.h"
 
 #include "support/run_process.h"

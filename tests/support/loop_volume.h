@@ -1,4 +1,4 @@
-// A fresh volume of a kind of file system.
+// A new volume with a file system of a given kind.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +7,8 @@
 
 namespace lumo::test {
 
-/// An empty file system in a file behind a loop device, mounted for as long as this lives. Only on
-/// Linux, as root, where the file system's mkfs is installed.
+/// An empty file system in a file behind a loop device, mounted as long as this object exists. Only
+/// on Linux, as root, where the file system's mkfs is installed.
 class LoopVolume {
 public:
     /// Makes a volume of `kind` ("ext4", "btrfs", ...) and `bytes`; the file and the mount point

@@ -1,4 +1,4 @@
-// The entries are those without which the sampler refuses a state, and those the tool looks at.
+// The entries are those that the sampler requires of a state, and those that the tool reads.
 #include "support/preset_text.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Both outputs are read as they come, so that a program that fills one does not wait for ever.
+// Both outputs are read as they arrive, so that a program that fills one pipe is not blocked.
 #include "support/run_process.h"
 
 #include "support/child_process.h"
@@ -35,7 +35,7 @@ void read_all(const Pipe& out, const Pipe& err, ProcessResult& result) {
             if (count > 0) {
                 texts[i]->append(buffer.data(), static_cast<std::size_t>(count));
             } else {
-                pipes[i].fd = -1; // poll passes over it
+                pipes[i].fd = -1; // poll ignores it
             }
         }
     }

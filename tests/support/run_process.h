@@ -1,4 +1,4 @@
-// Runs a program and gives back what it said.
+// Runs a program and returns its output.
 #pragma once
 
 #include <filesystem>

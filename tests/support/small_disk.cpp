@@ -1,4 +1,4 @@
-// A tmpfs, mounted and unmounted by the programs of these names.
+// A tmpfs, mounted and unmounted by the system's programs.
 #include "support/small_disk.h"
 
 #include "support/run_process.h"

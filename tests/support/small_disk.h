@@ -1,11 +1,12 @@
-// A disk that is soon full.
+// A disk that a test can fill.
 #pragma once
 
 #include <filesystem>
 
 namespace lumo::test {
 
-/// A file system of 64 KiB at a folder, for as long as this lives. Only on Linux, as root.
+/// A file system of 64 KiB, mounted on a folder as long as this object exists. Only on Linux, as
+/// root.
 class SmallDisk {
 public:
     explicit SmallDisk(const std::filesystem::path& folder);

@@ -1,4 +1,4 @@
-// Containers are walked depth first; the path of a value is that of its container and a key.
+// Containers are traversed depth first; a value's path is that of its container and a key.
 #include "support/state_paths.h"
 
 #include <algorithm>

@@ -15,13 +15,13 @@ namespace lumo::test {
 using StateEntry = std::variant<double, std::string>;
 using StatePaths = std::map<std::string, StateEntry>;
 
-/// Every value below `list` by its path, such as "Instrument/Layers/0/Zones/2/root key". An array's
-/// dictionaries go by their "ID" (and " again" behind it for each one before with the same), all
-/// else by its position.
+/// Every value below `list` by its path, such as "Instrument/Layers/0/Zones/2/root key". In an
+/// array, a dictionary with an "ID" is keyed by it, any other element by its position; each earlier
+/// element with the same key appends " again".
 StatePaths state_paths(CFPropertyListRef list);
 
-/// One line for each path that is in one of the two only or has another value; numbers may differ
-/// by a part in a million.
+/// One line for each path that only one of the two has, or that has different values. Numbers are
+/// compared with a relative tolerance of 1e-6.
 std::vector<std::string> state_differences(const StatePaths& expected, const StatePaths& actual);
 
 } // namespace lumo::test

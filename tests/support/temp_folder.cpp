@@ -1,4 +1,4 @@
-// Files are written and read whole, as bytes.
+// Files are written and read as a whole, as bytes.
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>

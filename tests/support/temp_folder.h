@@ -7,7 +7,7 @@
 
 namespace lumo::test {
 
-/// The folder. Its path has no links in it.
+/// The folder. Its path contains no symbolic links.
 class TempFolder {
 public:
     /// Throws std::runtime_error when no folder can be made.
@@ -17,14 +17,14 @@ public:
     TempFolder& operator=(const TempFolder&) = delete;
 
     const std::filesystem::path& path() const { return path_; }
-    /// The path of something in it.
+    /// The path of `name` in the folder.
     std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
 
 private:
     std::filesystem::path path_;
 };
 
-/// Writes `bytes` to a new file, its folders made when missing. Fails the test when it cannot.
+/// Writes `bytes` to a file and makes missing folders. Fails the test when it cannot.
 void write_file(const std::filesystem::path& path, std::string_view bytes);
 
 /// The bytes of a file; empty when it cannot be read.

@@ -1,5 +1,5 @@
-// Input that is no instrument, samples that are no samples, places that cannot be written: each
-// has its report line.
+// Input that is not an instrument, samples that are not samples, folders that cannot be written:
+// each gives a report line.
 #include "tool_fixture.h"
 
 #include <sys/stat.h>
@@ -64,7 +64,7 @@ TEST_F(BadInput, OfAMillionNestedArraysIsRefused) {
 }
 
 TEST_F(BadInput, ThatContainsItselfIsRefused) {
-    // One array, whose one element is object 0: the array itself.
+    // One array whose only element is object 0, the array itself.
     std::string bytes = std::string("bplist00") + '\xa1' + '\0' + '\x08';
     const std::string trailer("\0\0\0\0\0\0\1\1\0\0\0\0\0\0\0\1\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\n",
                               32);
@@ -159,7 +159,7 @@ TEST_F(BadInput, ASampleWhoseFolderIsNotUtf8IsNotCopied) {
     EXPECT_FALSE(fs::exists(package));
 }
 
-/// These run the tool as a user whom permissions bind: when the tests run as root, as nobody.
+/// Runs the tool as a user to whom permissions apply: as user 65534 when the tests run as root.
 class Permissions : public ToolTest {
 protected:
     void SetUp() override {

@@ -1,4 +1,4 @@
-// What the arguments mean, and which are refused.
+// How arguments are parsed, and which are refused.
 #include "command_line.h"
 
 #include <gtest/gtest.h>

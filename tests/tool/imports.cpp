@@ -20,7 +20,7 @@ Value read_list(const fs::path& path) {
         kCFAllocatorDefault, static_cast<CFDataRef>(bytes.get()), 0, nullptr, nullptr));
 }
 
-/// All that is in a folder: what each file holds and when it was written.
+/// The contents and modification times of all files in a folder.
 std::map<std::string, std::pair<std::string, fs::file_time_type>> contents(const fs::path& folder) {
     std::map<std::string, std::pair<std::string, fs::file_time_type>> files;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {

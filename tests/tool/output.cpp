@@ -1,4 +1,4 @@
-// Who reads the report lines, and what becomes of the run when nobody does.
+// Report lines are available at once, and a run ends when its output has no reader.
 #include "support/child_process.h"
 #include "tool_fixture.h"
 
@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 using namespace lumo::test;
 using nlohmann::json;
 
-/// Returns once all that was written into a pipe has been read.
+/// Returns when all bytes in a pipe have been read.
 void wait_until_read(int pipe) {
     for (int left = 1; ioctl(pipe, FIONREAD, &left) == 0 && left > 0;) {
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -37,7 +37,7 @@ protected:
 TEST_F(Output, OfAnInstrumentIsThereBeforeTheNextOneIsRead) {
     const std::string slow = (folder / "slow.aupreset").string();
     ASSERT_EQ(mkfifo(slow.c_str(), 0600), 0);
-    // The second preset has its bytes, but no end before this is closed.
+    // The second preset's bytes are in the pipe, but it does not end before this is closed.
     const int writer = open(slow.c_str(), O_RDWR | O_CLOEXEC);
     const std::string preset = preset_text({});
     ASSERT_EQ(write(writer, preset.data(), preset.size()), static_cast<ssize_t>(preset.size()));
@@ -45,7 +45,7 @@ TEST_F(Output, OfAnInstrumentIsThereBeforeTheNextOneIsRead) {
     ChildProcess tool(command({make_preset("fast.aupreset"), slow}), out.writing_end);
     out.close_writing_end();
     EXPECT_EQ(json::parse(out.read_line())["name"], "fast");
-    wait_until_read(writer); // closed sooner, with the tool still to open it, it would lose them
+    wait_until_read(writer); // before the tool opens the pipe, closing would lose the bytes
     close(writer);
     const json second = json::parse(out.read_line());
     EXPECT_EQ(second["name"], "slow");

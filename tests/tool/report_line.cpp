@@ -33,7 +33,7 @@ Report full_report() {
     return report;
 }
 
-/// What stands between `key` and the next key of the same object.
+/// The text between `key` and the next key of the same object.
 std::string value_after(const Report& report, const std::string& key, const std::string& next) {
     const std::string line = report_line(report);
     const std::size_t begin = line.find("\"" + key + "\":") + key.size() + 3;

@@ -1,5 +1,5 @@
-// Presets that refer to a sound bank. The bank is no more than its head, which a real sampler would
-// refuse.
+// Presets that refer to a sound bank. The bank consists of its header only, which a real sampler
+// would refuse.
 #include "exs/list_values.h"
 #include "tool_fixture.h"
 
@@ -11,7 +11,7 @@ using nlohmann::json;
 
 class SoundBanks : public ToolTest {
 protected:
-    /// A preset with "Bank:0" for its only reference and a list of banks; its path.
+    /// Writes a preset with "Bank:0" as its only reference and a list of banks; returns its path.
     std::string make_bank_preset(const std::string& bank) const {
         std::string preset = preset_text({bank});
         replace(preset, "Sample:268435456", "Bank:0");

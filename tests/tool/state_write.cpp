@@ -1,4 +1,4 @@
-// How a state's bytes reach its file, as the system sees it.
+// How a state is written to its file, observed by its system calls.
 #include "tool_fixture.h"
 
 #include <sstream>
@@ -8,7 +8,7 @@ namespace {
 
 using namespace lumo::test;
 
-/// Every call that strace recorded of those that write, on the file at `path`: what it returned.
+/// The results of all writing calls that strace recorded for the file at `path`.
 std::vector<std::string> results_of_writes(const std::string& trace, const std::string& path) {
     std::vector<std::string> results;
     std::istringstream lines(trace);
@@ -22,7 +22,7 @@ std::vector<std::string> results_of_writes(const std::string& trace, const std::
 
 class StateWrite : public ToolTest {
 protected:
-    /// Imports a preset with so many layers and checks that its state was written by one call.
+    /// Imports a preset with `layer_count` layers and checks that one call wrote its state.
     void expect_one_write(int layer_count) {
         std::string layers;
         for (int i = 0; i < layer_count; ++i) {
@@ -31,7 +31,7 @@ protected:
         }
         write_file(folder / "Kit.aupreset", preset_text({make_sound("Kit/kick.wav")}, layers));
         const Path trace = folder / "trace";
-        // A leak checker cannot work while the process is traced.
+        // Leak checkers do not work in a traced process.
         std::vector<std::string> words = {
             "env",
             "ASAN_OPTIONS=detect_leaks=0",

@@ -20,7 +20,7 @@ class ToolTest : public testing::Test {
 protected:
     using Path = std::filesystem::path;
 
-    /// The command that imports these instruments (and takes these options).
+    /// The command line with these instruments and options.
     std::vector<std::string> command(const std::vector<std::string>& arguments) const {
         std::vector<std::string> words = {LUMO_TOOL, "--package", package.string(), "--states",
                                           states.string()};
@@ -28,25 +28,25 @@ protected:
         return words;
     }
 
-    /// Runs it.
+    /// Runs that command line.
     ImportRun import_all(const std::vector<std::string>& arguments) const {
         const std::vector<std::string> words = command(arguments);
         return run_import({words.begin() + 1, words.end()});
     }
 
-    /// Runs it for one instrument and gives its report.
+    /// Runs the tool for one instrument and returns its report.
     nlohmann::json import(const Path& instrument,
                           const std::vector<std::string>& options = {}) const {
         return import_one(package, states, instrument, options);
     }
 
-    /// Writes a sound of so many frames; its path.
+    /// Writes a sound of `frames` frames; returns its path.
     std::string make_sound(const std::string& name, int frames = 100) const {
         write_file(folder / name, wav_bytes(frames));
         return (folder / name).string();
     }
 
-    /// Writes a preset that plays these samples; its path.
+    /// Writes a preset that plays these samples; returns its path.
     std::string make_preset(const std::string& name,
                             const std::vector<std::string>& samples = {}) const {
         write_file(folder / name, preset_text(samples));
@@ -58,7 +58,7 @@ protected:
     Path states = folder / "states";
 };
 
-/// The size in bytes of a sound of so many frames.
+/// The size in bytes of a sound of `frames` frames.
 inline std::uint64_t sound_size(int frames) {
     return wav_bytes(frames).size();
 }

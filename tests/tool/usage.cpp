@@ -1,4 +1,4 @@
-// Faults of the command line: the usage text, status 1, and nothing is done.
+// Command line errors: the tool prints its usage, exits with status 1 and does nothing else.
 #include "tool_fixture.h"
 
 namespace {

@@ -1,4 +1,4 @@
-// Files are JSON. The bytes of an input or output are in it as text, in base64 or by a rule.
+// Files are JSON. The bytes of inputs and outputs are stored as text, in base64 or as a rule.
 #include "vectors/vectors.h"
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 namespace lumo::test {
 namespace {
 
-/// What stands around the value of most XML inputs.
+/// The text before and after the value in most XML inputs.
 constexpr const char* plist_head = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                                    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
                                    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
@@ -40,8 +40,8 @@ std::string big_endian(std::uint64_t value, std::size_t width) {
     return bytes;
 }
 
-/// One part of a rule: text or bytes in hexadecimal, so many times, followed by a number when the
-/// part counts.
+/// The bytes of one part of a rule: text or hexadecimal bytes, `times` times, each followed by a
+/// number of `width` bytes that starts at `from` and grows by `step`.
 std::string part_bytes(const Json& part) {
     const std::string unit =
         part.contains("text") ? part["text"].get<std::string>() : from_hex(part.value("hex", ""));

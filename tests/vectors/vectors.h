@@ -1,4 +1,4 @@
-// The recorded results of CoreFoundation in this folder; README.md has their form.
+// The recorded results of CoreFoundation in this folder; README.md describes their format.
 #pragma once
 
 #include <nlohmann/json.hpp>
@@ -8,14 +8,14 @@ namespace lumo::test {
 
 using Json = nlohmann::json;
 
-/// The records of a file of this folder ("read-xml.json"), with every input or output in it as it
-/// stands. Throws when there is no such file.
+/// The records of a file in this folder ("read-xml.json"), with inputs and outputs not decoded.
+/// Throws when there is no such file.
 Json read_vectors(const std::string& name);
 
-/// The bytes that an "input" or "output" of a record stands for.
+/// The bytes described by the "input" or "output" of a record.
 std::string vector_bytes(const Json& notation);
 
-/// The bytes that hexadecimal digits stand for, two each.
+/// The bytes written as hexadecimal digits, two per byte.
 std::string from_hex(const std::string& hex);
 
 } // namespace lumo::test

@@ -1,4 +1,4 @@
-// The notations of bytes in the records.
+// The notations for bytes in the records.
 #include "vectors/vectors.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""A consumer that goes away, or whose disk is full, damages nothing."""
+"""A consumer that closes its end, or whose disk is full, damages nothing."""
 
 import os
 import signal
@@ -23,7 +23,7 @@ class Consumers(unittest.TestCase):
         self.words = scene.command(TOOL, self.show, self.show / "states", [instrument] * 3)
 
     def states_that_are_whole(self):
-        """How many states there are, each checked."""
+        """Checks every state and returns their number."""
         states = sorted((self.show / "states").iterdir())
         for state in states:
             self.assertEqual(scene.state_faults(state, self.show), [])

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Lets every system call of a run fail in turn, in each of several ways, and prints the table.
+"""Makes every system call of a run fail in turn, with each of several errors, and prints a table.
 
 A run imports an EXS instrument and a preset, with a sample that moved and a name that is taken.
 Each cell is a call and an error: for every time that the run makes this call after its arguments
-are checked, one run in which just that call fails. A cell holds when each run ended normally with
-one true line per instrument, every file that was there before is byte-identical, and every sample
-in the show is whole. The report line's own write may fail; that run is not judged by its lines.
+are checked, one run in which only that call fails. A cell passes when each run ends normally with
+one correct line per instrument, every earlier file is byte-identical, and every sample in the show
+is complete. Where the write of a report line fails, the lines of that run are not checked.
 """
 
 import os
@@ -25,7 +25,7 @@ CANNOT_FAIL = {"exit", "exit_group"}
 
 
 def faults_of(stage, call, error):
-    """What one run with one failing call broke."""
+    """The faults of one run with one failing call."""
     show = stage.show(f"{call.name}-{call.number}-{error}")
     prior = scene.contents(show)
     try:
@@ -46,7 +46,8 @@ def faults_of(stage, call, error):
 
 
 def ended_at_state_name(result):
-    """Whether the run ended at the one place where it may: a state's name that cannot be tested."""
+    """Whether the run ended at the only call where it may: the check whether a state's name is free
+    failed."""
     return (b"filesystem error: " in result.stderr and
             re.search(rb'\.aupreset"?\]', result.stderr) is not None)  # libc++ quotes paths
 
@@ -68,7 +69,7 @@ class FaultTable(unittest.TestCase):
             self.assertEqual(faults, [], "\n" + "\n".join(faults))
 
     def show(self, cells):
-        """Prints the table: how many runs held of how many."""
+        """Prints the table: for each cell the number of runs that passed, and of all runs."""
         names = sorted({name for name, _ in cells})
         print(f"\n{'call':<20}" + "".join(f"{error:>10}" for error in ERRORS))
         for name in names:

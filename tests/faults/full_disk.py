@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Imports into a disk that is full after so many pages, one page more each time until the import
-fits: every run ends with its line, and no sample is half. Needs a tmpfs; says so when it cannot
-be mounted."""
+"""Imports into a disk with a limited number of pages, one page more each time until the import
+fits: every run ends with its line, and no sample is incomplete. Skipped when a tmpfs cannot be
+mounted."""
 
 import shutil
 import subprocess
@@ -28,7 +28,7 @@ class FullDisk(unittest.TestCase):
         self.disk.mkdir()
 
     def mount(self, pages):
-        """Mounts a disk of so many pages; unmounts it when the test ends."""
+        """Mounts a disk of `pages` pages; skips the test when it cannot."""
         made = subprocess.run(["mount", "-t", "tmpfs", "-o", f"size={pages * PAGE}", "tmpfs",
                                self.disk], stderr=subprocess.DEVNULL, check=False)
         if made.returncode != 0:
@@ -52,7 +52,7 @@ class FullDisk(unittest.TestCase):
         self.assertIn("its state couldn't be written", lines)
 
     def import_into_disk(self):
-        """The error of one import; checks its line and that no sample in the show is half."""
+        """The error of one import. Checks its line and that no sample in the show is incomplete."""
         show = self.disk / "Show.lumo"
         words = scene.command(TOOL, show, show / "states", [self.instrument])
         result = scene.run(words, self.folder)

@@ -3,9 +3,9 @@
 
 usage: hostile_imports.py [COUNT [SEED]]
 
-Presets and EXS instruments are damaged at random, imported many in one run, and each must end in
-its line; the tool's memory and processor time are limited. A build under sanitizers is not limited
-in memory. What breaks the tool is kept in the folder named by LUMO_FINDINGS.
+Presets and EXS instruments are damaged at random and imported, many in one run; each must give its
+report line. The tool's memory and processor time are limited, except for the memory of a build with
+sanitizers. Instruments that break the tool are kept in the folder named by LUMO_FINDINGS.
 """
 
 import os
@@ -20,7 +20,7 @@ from pathlib import Path
 
 import scene
 
-BATCH, MEMORY, PROCESSOR_SECONDS = 40, 256 << 20, 60  # the last two of a run
+BATCH, MEMORY, PROCESSOR_SECONDS = 40, 256 << 20, 60  # the last two per run
 NUMBERS = [b"\0", b"\x01", b"\x7f", b"\x80", b"\xff", b"\xff\xff\xff\xff", b"\xff\xff\xff\x7f",
            b"\0\0\0\x80", b"\xff" * 8]
 WORDS = [b"<dict>", b"</dict>", b"<array>", b"<string>", b"<integer>", b"-1", b"1e999", b"&lt;",
@@ -29,7 +29,8 @@ WORDS = [b"<dict>", b"</dict>", b"<array>", b"<string>", b"<integer>", b"-1", b"
 
 
 def damage(data, seeds, chance):
-    """A copy of the bytes with a few things changed, cut, moved or taken from elsewhere."""
+    """A copy of the bytes with 1 to 16 random edits: bits and bytes changed, words inserted, parts
+    deleted, repeated or replaced by those of another seed, the end cut off; 1 MiB at most."""
     data = bytearray(data)
     for _ in range(chance.choice((1, 1, 2, 4, 16))):
         at = chance.randrange(len(data) + 1)
@@ -56,7 +57,7 @@ def damage(data, seeds, chance):
 
 
 def seeds_of(folder):
-    """Sound instruments of both kinds to start from."""
+    """The intact instruments of both kinds that are damaged."""
     sample = folder / "Kit" / "kick.wav"
     scene.write_wave(sample, 100, 1)
     scene.write_wave(folder / "Kit" / "snare.wav", 150, 2)
@@ -71,14 +72,14 @@ def seeds_of(folder):
 
 
 def limit():
-    """Run in the child: its memory and processor time."""
+    """Limits memory and processor time; runs in the child process."""
     resource.setrlimit(resource.RLIMIT_CPU, (PROCESSOR_SECONDS, PROCESSOR_SECONDS))
     if not os.environ.get("LUMO_SANITIZED"):
         resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
 
 
 def imported(words, count):
-    """None when a run ended in `count` lines; otherwise what it said."""
+    """None when a run printed `count` lines and ended with status 0; otherwise a description."""
     try:
         result = subprocess.run(words, capture_output=True, preexec_fn=limit, check=False,
                                 timeout=scene.HANG_SECONDS)

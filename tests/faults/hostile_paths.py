@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Samples and instruments that are no files, or not what they seem: each ends in a report line in
-seconds, and nothing is copied that is not an audio file."""
+"""Samples and instruments that are not files, or not what their names suggest: each gives a report
+line within seconds, and only audio files are copied."""
 
 import json
 import os
@@ -35,7 +35,7 @@ class HostilePaths(unittest.TestCase):
         return json.loads(result.stdout.decode("utf-8", "replace"))
 
     def refused(self, sample):
-        """The errors of a preset and of an EXS instrument that record this sample."""
+        """The import errors of a preset and of an EXS instrument that refer to this sample."""
         scene.write_preset(self.folder / "in" / "a.aupreset", [sample])
         scene.write_exs(self.folder / "in" / "a.exs", [sample])
         reports = [self.report(self.folder / "in" / name) for name in ("a.aupreset", "a.exs")]

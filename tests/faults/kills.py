@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""Kills an import; the next run must complete the show as if there had been no kill.
+"""Kills an import; the next run must complete the show as if the first had not been killed.
 
-The import is killed as it enters a system call, once for each of its calls, so each state of the
-disk between two calls is met. A call that copies many bytes can be killed halfway as well: an
-import of large samples is killed at random moments.
+The import is killed as it enters a system call, once for each of its calls, so every state of the
+disk between two calls occurs. Calls that copy many bytes can also be interrupted, so an import of
+large samples is killed at random times.
 """
 
 import os
@@ -24,12 +24,12 @@ RANDOM_KILLS, SAMPLES, FRAMES = 40, 20, 200000
 
 
 def samples_in(show):
-    """The files in a show's samples folder by path; leftovers of other kinds count as well."""
+    """The files in a show's samples folder by path, including leftovers that are not samples."""
     return {path.relative_to(show): data for path, data in scene.contents(show / "samples").items()}
 
 
 def faults_after_kill(stage, call, wanted):
-    """What is wrong after a kill at one call, and after the run that follows it."""
+    """The faults after a kill at one call, and after the run that follows it."""
     show = stage.show(f"{call.name}-{call.number}")
     prior = scene.contents(show)
     if stage.run_with_fault(show, call, "signal=SIGKILL").returncode != -signal.SIGKILL:

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Presets of 100 MB and presets nested as deep as can be: each ends in its line, within limited
-memory, and those that are sound are imported."""
+"""Presets of 100 MB and deeply nested presets: each gives its report line within limited memory,
+and the valid ones are imported."""
 
 import json
 import plistlib
@@ -18,7 +18,7 @@ NO_LIST = "the preset isn't a property list"
 
 
 def limit():
-    """Run in the child: its memory."""
+    """Limits memory; runs in the child process."""
     resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
 
 
@@ -27,7 +27,7 @@ def number(value, width):
 
 
 def nested_in_binary(depth):
-    """A binary property list of so many arrays inside each other."""
+    """A binary property list of `depth` nested arrays."""
     objects = b"".join(b"\xa1" + number(i, 4) for i in range(1, depth)) + b"\xa0"
     offsets = b"".join(number(8 + 5 * i, 4) for i in range(depth))
     return (b"bplist00" + objects + offsets + bytes(6) + b"\4\4" + number(depth, 8) + number(0, 8)
@@ -35,7 +35,7 @@ def nested_in_binary(depth):
 
 
 def much_of_one_zone(layers, zones):
-    """A binary preset of so many layers, all one object, and of so many zones in each, too."""
+    """A binary preset whose layers are all one object, and all zones in them as well."""
     zone = {"enabled": True}
     layer = {"Zones": [zone] * zones}
     return plistlib.dumps({"version": 0, "subtype": 0x73616D70, "manufacturer": 0x6170706C,
@@ -62,7 +62,7 @@ class LargePresets(unittest.TestCase):
         return self.report()["error"]
 
     def write_large(self, start, part, end=b""):
-        """A file of 100 MB that is `part` over and over, but for its start and end."""
+        """Writes a preset of 100 MB: `start`, repetitions of `part`, and `end`."""
         block = part * (1_000_000 // len(part) + 1)
         with self.preset.open("wb") as file:
             file.write(start)
@@ -71,7 +71,7 @@ class LargePresets(unittest.TestCase):
             file.write(end)
 
     def preset_around(self):
-        """A preset that plays a sound, in two parts between which an array may have items."""
+        """A preset that plays a sound, in two parts; array items can be written between them."""
         sound = self.folder / "Kit" / "kick.wav"
         scene.write_wave(sound, 100, 1)
         scene.write_preset(self.preset, [sound])
@@ -84,7 +84,7 @@ class LargePresets(unittest.TestCase):
         self.write_large(start, b"<string>" + b"x" * 300 + b"</string>", end)
         report = self.report()
         self.assertTrue(report["ok"], report)
-        # The state holds the string once, so it is small, and yet the same array again.
+        # The state stores the string once: it is small, but its array is as long.
         Path(report["stateFile"]).rename(self.preset)
         self.assertLess(self.preset.stat().st_size, SIZE // 100)
         self.assertTrue(self.report()["ok"])
@@ -117,7 +117,7 @@ class LargePresets(unittest.TestCase):
         self.assertEqual(self.error(nested_in_binary(100000)), NO_LIST)
 
     def test_nesting_as_deep_as_is_read_is_imported(self):
-        depth = 509  # and an array and two dictionaries around
+        depth = 509  # inside an array and two dictionaries
         start, end = self.preset_around()
         self.preset.write_bytes(start + b"<array>" * depth + b"</array>" * depth + end)
         self.assertTrue(self.report()["ok"])
@@ -125,5 +125,5 @@ class LargePresets(unittest.TestCase):
 
 if __name__ == "__main__":
     TOOL = scene.tool_from_environment()
-    sys.setrecursionlimit(5000)  # for plistlib, which checks the states
+    sys.setrecursionlimit(5000)  # plistlib checks the states recursively
     unittest.main(verbosity=2)

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Eight processes import fifty instruments each into one show, all with the same samples: every
-line ok, each sample there once, all states distinct."""
+line is ok, the show has each sample once, and all states are distinct."""
 
 import json
 import subprocess

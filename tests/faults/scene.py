@@ -1,5 +1,5 @@
-"""What the fault tests share: small instruments, a show that already holds something, and the
-promises that must hold in it whatever happened."""
+"""Shared by the fault tests: small instruments, a show that already has files, and the checks that
+must pass after every fault."""
 
 import json
 import os
@@ -20,11 +20,11 @@ CLASS_INFO = {
                           "00000386 00000000 00000387 00000000"),
 }
 FIRST_WAVEFORM = 0x10000000
-HANG_SECONDS = 300  # long beyond what any run takes on a busy machine
+HANG_SECONDS = 300  # far longer than any run takes on a busy machine
 
 
 def write_wave(path, frames, seed):
-    """A mono 16-bit WAV of noise; another seed gives other bytes."""
+    """Writes a mono 16-bit WAV of noise; different seeds give different bytes."""
     path.parent.mkdir(parents=True, exist_ok=True)
     with wave.open(str(path), "wb") as sound:
         sound.setnchannels(1)
@@ -34,7 +34,7 @@ def write_wave(path, frames, seed):
 
 
 def write_preset(path, references):
-    """An AUSampler preset with one zone for each recorded sample path."""
+    """Writes an AUSampler preset with one zone for each recorded sample path."""
     zones = [{"ID": i, "enabled": True, "loop enabled": False, "root key": 60,
               "waveform": FIRST_WAVEFORM + i, "min key": i % 128, "max key": i % 128}
              for i in range(len(references))]
@@ -53,7 +53,7 @@ def exs_chunk(kind, name, content):
 
 
 def write_exs(path, samples):
-    """An EXS24 instrument with one zone for each recorded sample path."""
+    """Writes an EXS24 instrument with one zone for each recorded sample path."""
     zones, chunks = b"", b""
     for i, sample in enumerate(samples):
         zone = bytearray(96)
@@ -70,12 +70,12 @@ def write_exs(path, samples):
 
 
 def contents(folder):
-    """Every file below a folder, as a map from path to bytes."""
+    """The bytes of every file below a folder, by path."""
     return {path: path.read_bytes() for path in sorted(folder.rglob("*")) if path.is_file()}
 
 
 def files_not_sound(folder, originals):
-    """The files under a samples folder that are not, byte for byte, one of the originals."""
+    """The files below a samples folder that are not byte-identical to one of the originals."""
     return [path for path, data in contents(folder).items() if data not in originals]
 
 
@@ -88,13 +88,13 @@ def command(tool, package, states, instruments, search=()):
 
 
 def run(words, folder, **options):
-    """Runs a command and waits for it, but not for ever; its standard output and error are kept."""
+    """Runs a command for at most HANG_SECONDS; captures its standard output and error."""
     return subprocess.run(words, cwd=folder, stdin=subprocess.DEVNULL, capture_output=True,
                           timeout=HANG_SECONDS, check=False, **options)
 
 
 def line_faults(output, package, instruments):
-    """What is wrong with the report lines: their number, their form, and what they claim."""
+    """The faults in the report lines: in their number, their format, and their contents."""
     faults = []
     lines = output.decode("utf-8", "replace").split("\n")
     if lines[-1] != "":
@@ -118,7 +118,7 @@ def line_faults(output, package, instruments):
 
 
 def state_faults(state_file, package):
-    """What is wrong with a state that a line calls ok: it must read, and its samples be there."""
+    """The faults in a state reported as ok: it must be readable, and its samples must exist."""
     try:
         references = plistlib.loads(state_file.read_bytes())["file-references"]
     except (OSError, plistlib.InvalidFileException, KeyError) as error:

@@ -1,5 +1,4 @@
-"""One small import under strace: its system calls, and the import again with a fault at one of
-them."""
+"""A small import under strace: its system calls, and repetitions with a fault at one of them."""
 
 import os
 import re
@@ -9,13 +8,14 @@ from dataclasses import dataclass
 
 import scene
 
-# Memory and threads. They leave the disk as it is, and without memory nothing is promised.
+# Memory and threads: these calls do not change the disk, and no behaviour is guaranteed when memory
+# runs out.
 PASSED_OVER = {"brk", "mmap", "munmap", "mprotect", "mremap", "madvise", "futex", "rt_sigreturn",
                "getrandom"}
 
 
 def can_trace():
-    """Whether strace is here and may trace."""
+    """Whether strace is installed and permitted to trace."""
     if not shutil.which("strace"):
         return False
     traced = subprocess.run(["strace", "-o", os.devnull, "true"], stderr=subprocess.DEVNULL,
@@ -27,16 +27,16 @@ def can_trace():
 class Call:
     """A system call of the import."""
     name: str
-    number: int  # among the calls of this name
-    is_report: bool  # the report line's own write
+    number: int  # among the calls of this name, from 1
+    is_report: bool  # whether it writes a report line
 
     def __str__(self):
         return f"{self.name} #{self.number}"
 
 
 class Stage:
-    """The import's input, and a fresh copy of its show for each run. An EXS instrument and a preset
-    are imported, with a sample that moved and a name that is taken."""
+    """The import's input, and a new copy of the prior show for each run. It imports an EXS
+    instrument and a preset, with a sample that moved and a name that is taken."""
 
     def __init__(self, tool, folder):
         self.tool = tool
@@ -67,17 +67,17 @@ class Stage:
         return scene.command(self.tool, show, show / "states", self.instruments)
 
     def run(self, show):
-        """The whole import."""
+        """Runs the import without a fault."""
         return scene.run(self.command(show), self.folder)
 
     def run_with_fault(self, show, call, fault):
-        """The import with a fault, as strace names it, at one call."""
+        """Runs the import with a fault, in strace's notation, at one call."""
         return scene.run(["strace", "-f", "-qq", "-o", os.devnull, "-e", f"trace={call.name}",
                           "-e", f"inject={call.name}:{fault}:when={call.number}",
                           *self.command(show)], self.folder)
 
     def calls(self):
-        """The system calls of the whole import in order, from where the arguments are checked."""
+        """The system calls of the import in order, from the end of the argument checks."""
         show = self.show("traced")
         trace = self.folder / "trace"
         result = scene.run(["strace", "-f", "-o", trace, *self.command(show)], self.folder)
@@ -89,7 +89,7 @@ class Stage:
                 continue
             name = match[1]
             counts[name] = counts.get(name, 0) + 1
-            # The first thing after that is the walk over the instruments' folder.
+            # The argument checks are followed by the walk over the instruments' folder.
             started = started or (name == "openat" and f'"{self.input}/"' in line)
             if started and name not in PASSED_OVER:
                 is_report = name == "write" and line.split("(", 1)[1].startswith("1,")

@@ -1,4 +1,4 @@
-"""Describes the property list in a binary file as the tests do, reading it with plistlib."""
+"""Describes a binary property list, read by plistlib, in the notation of the tests."""
 
 import datetime
 import plistlib

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What bash and zsh offer when a command line of the tool is completed."""
+"""The completions that bash and zsh offer for the tool's command line."""
 
 import re
 import unittest
@@ -9,7 +9,7 @@ from scene import PROJECT, TOOL, SceneTest, run
 COMPLETION = PROJECT / "packaging/completion"
 OPTIONS = {"--package", "--states", "--search"}
 
-# The function is called as bash calls it; compopt works only while bash itself completes.
+# Calls the function as bash does; compopt is replaced as it works only while bash completes.
 IN_BASH = """
 . "$1"; shift
 compopt() { :; }
@@ -18,8 +18,8 @@ _lumo_exs_import
 printf '%s\\n' "${COMPREPLY[@]}"
 """
 
-# A zsh on a terminal of its own completes what is typed. The command that adds offers tells of them
-# first, and the widget that completes says when it is through.
+# A zsh on its own pseudo-terminal completes what is typed. compadd, which adds completions, prints
+# them first, and the completion widget prints THROUGH when it has finished.
 IN_ZSH = """
 zmodload zsh/zpty
 zpty shell 'TERM=dumb zsh -f -i'
@@ -42,14 +42,14 @@ class Completion(SceneTest):
         (self.folder / "notes.txt").touch()
 
     def bash(self, *words):
-        """What bash is offered for the last of these words."""
+        """The completions in bash for the last of these words."""
         done = run(["bash", "-c", IN_BASH, "bash", COMPLETION / "lumo-exs-import.bash",
                     "lumo-exs-import", *words], cwd=self.folder)
         self.assertEqual(done.stderr, b"")
         return set(done.stdout.decode().split("\n")) - {""}
 
     def zsh(self, typed):
-        """What zsh is offered when this has been typed after the tool's name."""
+        """The completions in zsh after the tool's name and this text were typed."""
         done = run(["zsh", "-f", "-c", IN_ZSH, "zsh", COMPLETION, typed], cwd=self.folder)
         return set(re.findall(r"OFFER:(.+?)\r*$", done.stdout.decode(), re.MULTILINE))
 

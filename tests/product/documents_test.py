@@ -14,13 +14,13 @@ SCHEMA = json.loads((PROJECT / "docs/report-line.schema.json").read_text(encodin
 
 
 def first_column(heading):
-    """The texts in code style that stand first in the rows of a section's first table."""
+    """The texts in code style in the first column of a section's tables."""
     section = PAGE.split(f"\n## {heading}\n")[1].split("\n## ")[0]
     return re.findall(r"^\| `([^`]+)`", section, re.MULTILINE)
 
 
 def fixed_part(text):
-    """An error without what varies in it: a number, or all that follows a colon."""
+    """An error without its variable part: an OSStatus, or FILE, PATH or REASON after a colon."""
     return re.sub(r"(?<=: )(FILE|PATH|REASON)$| \(OSStatus .*\)$", "", text)
 
 
@@ -37,13 +37,13 @@ def schema_errors():
 
 
 def literals(expression):
-    """The string literals of a C++ expression, adjacent ones joined."""
+    """The string literals of a C++ expression; adjacent ones are joined."""
     return ["".join(re.findall(r'"((?:[^"\\]|\\.)*)"', run))
             for run in re.findall(r'"(?:[^"\\]|\\.)*"(?:\s*"(?:[^"\\]|\\.)*")*', expression)]
 
 
 def errors_in_the_code():
-    """The first literal of every text that becomes an error; a reason follows "check: "."""
+    """The first literal of every text assigned to an error; reasons get the prefix "check: "."""
     found = set()
     for source in sorted((PROJECT / "exs").glob("*.cpp")):
         code = source.read_text(encoding="utf-8")

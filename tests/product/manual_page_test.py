@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""The manual page as the build makes it: no formatter has anything to say about it, and it tells of
-the options and the keys that there are."""
+"""The manual page made by the build: formatters accept it without a warning, and it describes all
+options and keys."""
 
 import json
 import os
@@ -14,7 +14,7 @@ PAGE = Path(os.environ["LUMO_MANUAL_PAGE"])
 
 
 def shown():
-    """The page as plain text, as wide as it needs."""
+    """The page as plain text, 200 columns wide."""
     environment = dict(os.environ, MANWIDTH="200", LC_ALL="C.UTF-8")
     text = run(["man", "-l", PAGE], env=environment).stdout.decode()
     return re.sub(r".\x08", "", text)

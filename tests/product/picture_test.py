@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""examples/picture.py: what it draws, and that the picture in the documents is what it draws."""
+"""examples/picture.py: its output, which must equal the picture in the documents."""
 
 import json
 import plistlib
@@ -15,7 +15,7 @@ KEPT = PROJECT / "docs/glass.svg"
 
 class Picture(SceneTest):
     def draw(self, lines):
-        """Draws what report lines tell of, into pictures/."""
+        """Runs picture.py on report lines; it draws into pictures/."""
         return run(["sh", "-c", 'exec "$0" "$@" < lines', sys.executable,
                     PROJECT / "examples/picture.py", self.folder / "pictures"],
                    cwd=self.write(lines))
@@ -25,7 +25,7 @@ class Picture(SceneTest):
         return self.folder
 
     def layers_drawn(self, layers):
-        """The fill colours of the cells that are drawn for a state with these layers."""
+        """The fill colours of the cells drawn for a state with these layers."""
         state = self.folder / "State.aupreset"
         state.write_bytes(plistlib.dumps({"Instrument": {"Layers": layers}}))
         line = json.dumps({"name": "<&>", "ok": True, "samples": 1, "stateFile": str(state),

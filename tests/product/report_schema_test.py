@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Holds the lines of imports, good ones and ones that fail in every way that can be brought about
-on Linux, against docs/report-line.schema.json."""
+"""Validates the lines of successful imports, and of imports with every error that can be caused on
+Linux, against docs/report-line.schema.json."""
 
 import copy
 import json
@@ -19,26 +19,26 @@ VALIDATOR = jsonschema.Draft202012Validator(SCHEMA)
 
 
 def object_of(pairs):
-    """An object of JSON, which must not have a key twice."""
+    """A JSON object; fails when a key occurs twice."""
     keys = [key for key, _ in pairs]
     assert len(set(keys)) == len(keys), keys
     return dict(pairs)
 
 
 def refuse(word):
-    """NaN and Infinity are no JSON."""
+    """Fails: NaN and Infinity are not JSON."""
     raise AssertionError(word)
 
 
 def no_file_grows():
-    """For a child process: whatever it writes to a file fails, as on a full disk."""
+    """Makes every write to a file fail, as on a full disk; runs in the child process."""
     signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
     resource.setrlimit(resource.RLIMIT_FSIZE, (0, 0))
 
 
 class ReportLines(SceneTest):
     def lines(self, *instruments, tracer=(), **options):
-        """The lines of a run, each found to be as the schema says, keys in its order."""
+        """The lines of a run, each validated against the schema, with keys in its order."""
         environment = dict(os.environ)
         if tracer:  # a traced process cannot be searched for leaks
             environment["ASAN_OPTIONS"] = "detect_leaks=0"
@@ -134,7 +134,7 @@ class ReportLines(SceneTest):
                          "check: it didn't load from the show (OSStatus 1954115647)")
 
     def error_when_gone(self, instrument, path, occasion):
-        """The error when the file at `path` is gone from its look-up number `occasion` on."""
+        """The error when the file at `path` is missing from its look-up `occasion` (from 1) on."""
         if os.environ.get("LUMO_SANITIZE"):
             self.skipTest("a sanitizer looks files up in another way, so they count differently")
         tracer = ["strace", "-f", "-o", "/dev/null", "-P", path, "-e",
@@ -155,7 +155,7 @@ class ReportLines(SceneTest):
 
 
 class Schema(unittest.TestCase):
-    """That the schema refuses what the tool does not print."""
+    """The schema refuses lines that the tool does not print."""
 
     FAILED = {
         "name": "a", "source": "a.txt", "ok": False,

@@ -1,4 +1,4 @@
-"""What the tests of this folder share: where things are, presets made of the example, and runs."""
+"""Shared by the tests of this folder: paths, presets derived from the example, and runs."""
 
 import os
 import plistlib
@@ -14,7 +14,7 @@ TOOL = Path(os.environ["LUMO_TOOL"]).resolve()
 
 
 def preset_with_samples(target, samples):
-    """Writes the example preset to `target`, its first samples' paths replaced by these."""
+    """Writes the example preset to `target`, with the paths of its first samples replaced."""
     state = plistlib.loads((GLASS / "Glass.aupreset").read_bytes())
     state["file-references"].update(
         zip(sorted(state["file-references"]), (str(sample) for sample in samples)))
@@ -24,14 +24,14 @@ def preset_with_samples(target, samples):
 
 
 def run(words, **options):
-    """Runs a command to its end; its standard output and error are kept as bytes."""
+    """Runs a command to its end; captures its standard output and error as bytes."""
     return subprocess.run([str(word) for word in words], stdin=subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=600, check=False,
                           **options)
 
 
 class SceneTest(unittest.TestCase):
-    """A test with a folder of its own, which holds a copy of the example in glass/."""
+    """A test in a temporary folder that has a copy of the example in glass/."""
 
     def setUp(self):
         folder = tempfile.TemporaryDirectory()

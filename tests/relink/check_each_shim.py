@@ -1,7 +1,7 @@
-"""Proves that each shim has a test that misses it.
+"""Checks that each shim has a test that fails without it.
 
-Links the library once for every shim with that one left out of what it shows, and runs the tests
-that bear the shim's name against it: they must fail. With the whole library they must pass.
+For every shim, links the library without exporting that shim and runs the tests with the shim's
+name against it: they must fail. With the complete library they must pass.
 
 usage: check_each_shim.py TEST_PROGRAM EXPORTS COMPILER LINK_ARGUMENT...
 """
@@ -28,7 +28,7 @@ def link(folder, exports, command):
 
 
 def passes(program, library, shim):
-    """Whether the tests of `shim` hold when the library of that name is `library`."""
+    """Whether the tests of `shim` pass with `library` as liblumo-relink."""
     name = shim.lstrip("_")
     tests = f"*TheShimOf.reaches_the_indexed_file/{name}:TheShimsOf.{name}_*"
     run = subprocess.run([program, f"--gtest_filter={tests}"], capture_output=True, text=True,

@@ -1,4 +1,4 @@
-"""Fails unless a built liblumo-relink shows exactly its public interface and the shims.
+"""Fails unless a built liblumo-relink exports exactly its public interface and the shims.
 
 usage: check_exports.py NM LIBRARY
 """

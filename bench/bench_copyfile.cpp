@@ -1,4 +1,5 @@
-// Copying samples: copyfile against `cp -a --reflink=auto`, CPU time of whole processes, in turns.
+// Copying samples: copyfile compared with `cp -a --reflink=auto`, CPU time of whole processes, run
+// alternately.
 #include "volumes.h"
 
 #include <copyfile.h>

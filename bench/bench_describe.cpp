@@ -1,5 +1,5 @@
-// Describing a state: counting layers on cells against a bit test of each cell and layer, and the
-// whole of it against libplist reading the same state.
+// Measuring the shape of a state: counting layers per cell compared with a bit test of each cell
+// and layer, and the whole measurement compared with libplist reading the same state.
 #include "coverage.h"
 #include "paired_time.h"
 #include "ref.h"
@@ -19,7 +19,7 @@ namespace {
 
 using namespace lumo::exs;
 
-/// Layers as velocity-split instruments have them: a zone for every few keys.
+/// Layers as in velocity-split instruments: a zone for every few keys.
 std::vector<Coverage> make_layers(std::size_t count) {
     std::mt19937 random(1);
     std::uniform_int_distribution<int> keys(1, 12);

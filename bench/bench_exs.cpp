@@ -1,6 +1,6 @@
-// Reading an EXS24 instrument and building its state, against reading the file's bytes, in turns
-// and in CPU time, over instruments ten and a hundred times as large: the time for a zone must not
-// grow.
+// Reading an EXS24 instrument and building its state compared with reading the file's bytes, in CPU
+// time, run alternately; also for instruments ten and a hundred times as large, where the time per
+// zone must not grow.
 #include "paired_time.h"
 #include "sampler/exs_layers.h"
 #include "sampler/exs_reader.h"

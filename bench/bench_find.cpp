@@ -1,7 +1,7 @@
-// Looking samples up: find in an index of a million entries, against what the name alone costs
-// (taken from the path, folded, hashed); find among many files of one name, against a plain byte
-// compare of the same paths; and a look-up through a shim without a session, against the C
-// library's own function.
+// Looking samples up: find in an index of a million entries, compared with the cost of the name
+// alone (extracted from the path, folded, hashed); find among many files with one name, compared
+// with a plain byte comparison of the same paths; and a look-up through a shim without a session,
+// compared with the C library's function.
 #include "paired_time.h"
 #include <lumo/relink.h>
 
@@ -31,7 +31,7 @@ struct Amount {
     int rounds;
 };
 
-/// Puts an ASCII name into `key` in lower case; the storage of `key` is used again.
+/// Writes an ASCII name in lower case to `key`, whose storage is reused.
 void fold(std::string_view name, std::string& key) {
     key.resize(name.size());
     std::transform(name.begin(), name.end(), key.begin(), [](char c) {
@@ -39,7 +39,7 @@ void fold(std::string_view name, std::string& key) {
     });
 }
 
-/// One name in five is that of other samples, too.
+/// One name in five is drawn from 5,000 names that other samples have too.
 std::string sample_name(Random& random, std::size_t sample) {
     const std::size_t number = random() % 5 == 0 ? random() % 5'000 : sample;
     return "GrandPiano_Close " + std::to_string(number) + "_v" + std::to_string(number % 127) +
@@ -53,7 +53,7 @@ std::string folders(std::size_t number) {
            std::to_string(number) + "/";
 }
 
-/// Fills an index and gives paths at which its samples are no more, in any order.
+/// Fills an index and returns missing recorded paths of its samples in random order.
 std::vector<std::string> fill(SampleIndex& index, const Amount& amount) {
     Random random(1);
     std::string key;
@@ -93,7 +93,7 @@ void compare_find(const Amount& amount) {
     lumo::bench::compare(name.c_str(), "15", amount.rounds, find_all, fold_all);
 }
 
-/// How many bytes two texts share at their ends.
+/// The length of the longest common suffix of two strings, in bytes.
 std::size_t count_shared(std::string_view a, std::string_view b) {
     std::size_t count = 0;
     while (count < a.size() && count < b.size() &&
@@ -103,8 +103,8 @@ std::size_t count_shared(std::string_view a, std::string_view b) {
     return count;
 }
 
-/// Ratio of choosing for a sample that was recorded in `folder` to comparing bytes. `what` tells
-/// what stands there.
+/// Ratio of choosing a candidate for a sample recorded in `folder` to comparing bytes. `what`
+/// describes the candidates in the table.
 void compare_choice(const SampleIndex& index, const std::string& folder, const char* what,
                     const char* goal, int rounds) {
     const std::vector<SampleIndex::Entry>& entries = index.files.begin()->second;
@@ -139,8 +139,8 @@ void compare_choices(const Amount& amount) {
     compare_choice(index, "/Gone/", "none of them near", "reported", amount.rounds);
 }
 
-/// The price of standing before the C library. The path is empty, so that the call is as short as a
-/// system call can be.
+/// The cost of a shim without a session. The path is empty, so that the system call is as short as
+/// possible.
 void compare_idle_shim(const Amount& amount) {
     void* const c_library = dlopen("libc.so.6", RTLD_NOW);
     auto* const real = c_library

@@ -1,7 +1,8 @@
-// Indexing a disk of samples, against `find ROOT -type f` over the same tree: CPU time of whole
-// processes, in turns, the map built and freed; and the memory that the index takes at its peak.
-// The trees are like a studio's library: vendors, libraries, instruments, articulations; five
-// samples to one other file; one name in five used more than once. Their files are empty.
+// Indexing a disk of samples compared with `find ROOT -type f` over the same tree: CPU time of
+// whole processes, run alternately, including building and freeing the map; and the peak memory of
+// the index. The trees resemble a studio's library: vendors, libraries, instruments, articulations;
+// five samples per other file; one sample in four has a name that is not unique. The files are
+// empty.
 #include "child_usage.h"
 #include "paired_time.h"
 #include "support/temp_folder.h"
@@ -48,7 +49,7 @@ std::string pick(std::size_t number, std::initializer_list<const char*> words) {
     return *(words.begin() + number % words.size());
 }
 
-/// Eight folders in each folder, four deep.
+/// A path of four levels; each folder of the second and third level contains eight folders.
 std::string folder_name(std::size_t number) {
     return pick(number / 512, {"Harmony Instruments", "Field Recordings", "Studio Orchestra"}) +
            "/" + pick(number / 64, {"Symphonic Collection Volume", "World Percussion Set"}) + " " +
@@ -59,8 +60,8 @@ std::string folder_name(std::size_t number) {
            std::to_string(number);
 }
 
-/// The name of a sample: of four, three have a number that no other sample has, and one is like
-/// those in other folders.
+/// The name of a sample: three in four have a number that no other sample has, one in four has a
+/// name that can occur in other folders too.
 std::string sample_name(Random& random, std::size_t sample, const Row& row) {
     const std::string note =
         pick(random(), {"Vln1_Sus_", "Kick Room ", "Pulsar_", "GrandPiano_Cls "}) +
@@ -80,7 +81,7 @@ void make_file(const fs::path& path) {
     close(file);
 }
 
-/// Makes the tree of a row and gives the mean length of its samples' paths.
+/// Makes the tree of a row and returns the mean length of its samples' paths.
 double make_tree(const fs::path& root, const Row& row) {
     Random random(1);
     std::size_t length = 0;

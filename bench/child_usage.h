@@ -1,4 +1,4 @@
-// What a piece of work costs in a process of its own.
+// Measures the CPU time and memory of work in a child process.
 #pragma once
 
 #include <sys/resource.h>
@@ -10,13 +10,13 @@
 
 namespace lumo::bench {
 
-/// What a child process took.
+/// The resources that a child process used.
 struct Usage {
     double cpu_ms; ///< user and system
-    double peak;   ///< resident, in bytes; never less than what this process has
+    double peak;   ///< resident, in bytes; at least that of this process at the fork
 };
 
-/// What `work` costs, run in a child process, which it may turn into another program. Throws
+/// Runs `work` in a child process and measures it; `work` may exec another program. Throws
 /// std::runtime_error when `work` returns false or the program fails.
 inline Usage usage_of(const std::function<bool()>& work) {
     const pid_t child = fork();

@@ -1,4 +1,4 @@
-// Measures two pieces of work in turns and prints their row of the table.
+// Measures two functions alternately and prints their row of the table.
 #pragma once
 
 #include <time.h>
@@ -17,7 +17,7 @@ inline double cpu_seconds() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-/// CPU time of one of `times` calls of `work`.
+/// Mean CPU time of `times` calls of `work`, in seconds per call.
 template <typename Work>
 double cpu_seconds_of(Work& work, int times) {
     const double start = cpu_seconds();
@@ -27,27 +27,27 @@ double cpu_seconds_of(Work& work, int times) {
     return (cpu_seconds() - start) / times;
 }
 
-/// The middle one of `values`, of which there is at least one; the upper of two in the middle.
+/// The median of `values`, which must not be empty; the upper of two in the middle.
 inline double median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
 }
 
-/// Keeps the compiler from leaving out what made `value`.
+/// Prevents the compiler from removing the computation of `value`.
 template <typename T>
 void keep(const T& value) {
     asm volatile("" : : "r"(&value) : "memory");
 }
 
-/// How many calls of `work` take some twenty milliseconds, once it is warm.
+/// The number of calls of `work` that take about 20 ms, measured after one warm-up call.
 template <typename Work>
 int calls_of_a_round(Work& work) {
     work();
     return static_cast<int>(0.02 / cpu_seconds_of(work, 1)) + 1;
 }
 
-/// Runs `ours` and `reference` in turns, each for some milliseconds a round, and prints the
-/// medians and the median of the rounds' ratios.
+/// Runs `ours` and `reference` alternately, each for about 20 ms per round, and prints the medians
+/// and the median of the rounds' ratios.
 template <typename Ours, typename Reference>
 void compare(const char* name, const char* goal, int rounds, Ours ours, Reference reference) {
     const int ours_often = calls_of_a_round(ours);

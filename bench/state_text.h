@@ -8,13 +8,13 @@
 
 namespace lumo::bench {
 
-/// Lines of an XML property list that remember how deep they stand.
+/// Builds the lines of an XML property list, indented by depth.
 class PlistText {
 public:
-    /// The whole list; the object is of no use after.
+    /// The whole list. The object must not be used afterwards.
     std::string finish() { return std::move(text_) + "</plist>\n"; }
 
-    /// Begins a "dict" or an "array"; close ends it.
+    /// Begins a "dict" or an "array", which `close` ends.
     void open(const char* element) {
         line("<" + std::string(element) + ">");
         ++depth_;
@@ -24,7 +24,7 @@ public:
         line("</" + std::string(element) + ">");
     }
 
-    // The entries of a "dict". Names and texts are written as they are, without escapes.
+    // The entries of a "dict". Names and texts are written without escaping.
 
     void key(const std::string& name) { line("<key>" + name + "</key>"); }
     void integer(const char* name, int value) {
@@ -58,7 +58,7 @@ private:
     std::size_t depth_ = 0;
 };
 
-/// Adds the dictionary of zone `number`, from which its values and its sample follow.
+/// Adds the dictionary of zone `number`, which determines its values and its sample.
 inline void add_zone(PlistText& text, int number) {
     const int key = number % 120;
     text.open("dict");
@@ -85,7 +85,7 @@ inline void add_zone(PlistText& text, int number) {
     text.close("dict");
 }
 
-/// The state in XML, with `zones` zones a layer.
+/// The state in XML, with `zones` zones per layer.
 inline std::string state_text(int zones) {
     PlistText text;
     text.open("dict");

@@ -1,6 +1,6 @@
-// Copies of samples from place to place, on fresh volumes behind loop devices: those take the
-// superuser and the file system's mkfs; without them ext4's rows fall back on the folder for
-// temporary files, and the others say why they cannot run.
+// Compares ways to copy samples between folders, on new volumes behind loop devices. These require
+// root and the file system's mkfs; otherwise the rows of ext4 use the folder for temporary files,
+// and the others print why they cannot run.
 #pragma once
 
 #include "child_usage.h"
@@ -28,17 +28,17 @@ namespace fs = std::filesystem;
 struct VolumeRow {
     const char* volume;    ///< the kind of file system
     std::size_t size;      ///< of one sample, in bytes
-    const char* size_text; ///< the same for readers
+    const char* size_text; ///< the same as text
     const char* goal;      ///< the last cell of the row
 };
 
-/// How much is measured.
+/// The amount of work.
 struct Amount {
-    int files = 1000; ///< samples of a copy
+    int files = 1000; ///< samples per copy
     int rounds = 7;
 };
 
-/// Writes `count` files of the same bytes and gives their names.
+/// Writes `count` files with the same bytes and returns their names.
 inline std::vector<std::string> make_samples(const fs::path& folder, int count,
                                              const std::string& bytes) {
     fs::create_directory(folder);
@@ -50,20 +50,20 @@ inline std::vector<std::string> make_samples(const fs::path& folder, int count,
     return names;
 }
 
-/// To be called in a process of its own, which becomes `cp`.
+/// Execs `cp`; to be called in a child process.
 inline bool run_cp(const fs::path& from, const fs::path& to) {
     execlp("cp", "cp", "-a", "--reflink=auto", (from / ".").c_str(), to.c_str(), nullptr);
     return false;
 }
 
-/// Writes out what the last copies left to write, which is no part of the next.
+/// Writes pending data of earlier copies to disk, so that the next measurement excludes it.
 inline void finish_writing(const fs::path& folder) {
     const int descriptor = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     syncfs(descriptor);
     close(descriptor);
 }
 
-/// What the rounds of a comparison took, one element each.
+/// The results of a comparison, with one element per round.
 struct Comparison {
     std::vector<double> ours;      ///< CPU time in milliseconds
     std::vector<double> reference; ///< the same
@@ -77,8 +77,8 @@ struct Comparison {
     }
 };
 
-/// Runs both in turns, each in a process of its own and with `to` made anew, an empty folder. The
-/// first round, in which the machine finds its memory, does not count.
+/// Runs both alternately, each in a child process and with `to` as a new empty folder. The first
+/// round is a warm-up and not counted.
 inline Comparison compare_copies(const fs::path& to, int rounds, const std::function<bool()>& ours,
                                  const std::function<bool()>& reference) {
     const auto measure = [&](const std::function<bool()>& work) {
@@ -100,8 +100,8 @@ inline Comparison compare_copies(const fs::path& to, int rounds, const std::func
     return result;
 }
 
-/// Prints the row of what `measure` finds in a folder on the row's volume, or why it cannot run.
-/// `work` says what is done with the samples.
+/// Prints the row with the result of `measure` in a folder on the row's volume, or why it cannot
+/// run. `work` describes what is done with the samples.
 inline void compare_on_volume(const VolumeRow& row, const Amount& amount, const std::string& work,
                               const std::function<Comparison(const fs::path& folder)>& measure) {
     const test::TempFolder folder;

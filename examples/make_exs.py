@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Makes the example EXS24 instrument: make_exs.py [FOLDER] (default: glass, beside this script).
 
-The instrument plays the sounds that make_glass.py has put into the folder: a glass struck softly or
+The instrument plays the sounds that make_glass.py wrote to the folder: a glass struck softly or
 hard, by velocity, a looped breath below it, and the glass an octave higher and very soft when a key
-is let go. As in anybody else's instrument, the sample paths are those of its author's machine.
+is released. As in any published instrument, the sample paths are those of its author's machine.
 """
 
 import pathlib
@@ -18,7 +18,7 @@ CONTENT_SIZES = {INSTRUMENT: 80, ZONE: 136, GROUP: 132, SAMPLE: 592, PARAMETERS:
 
 
 def chunk(kind, name, fields):
-    """A chunk with (offset, format, values...) fields; offsets count from its header."""
+    """A chunk with (offset, format, values...) fields; offsets are relative to its header."""
     size = CONTENT_SIZES[kind]
     data = bytearray(HEADER + size)
     struct.pack_into("<4BI8x4s64s", data, 0, 1, 1, 0, kind, size, b"TBOS", name.encode())

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Makes the example instrument: make_glass.py [FOLDER] (default: glass, beside this script).
 
-Three short sounds are synthesised and an AUSampler preset is written that plays them: a glass
-struck softly or hard, by velocity, and below it a looped breath. The preset is as the sampler
-saves it on its author's machine, so the sample paths it records are valid nowhere else.
+Synthesises three short sounds and writes an AUSampler preset that plays them: a glass struck softly
+or hard, by velocity, and below it a looped breath. The preset is as the sampler saves it on its
+author's machine, so its sample paths are valid on no other machine.
 """
 
 import array
@@ -20,7 +20,7 @@ FIRST_WAVEFORM = 0x10000000
 
 
 def single(value):
-    """The value as the sampler keeps it: rounded to single precision."""
+    """The value as the sampler stores it: rounded to single precision."""
     return struct.unpack("f", struct.pack("f", value))[0]
 
 
@@ -28,7 +28,7 @@ def single(value):
 
 
 def strike(brightness):
-    """0.6 s of a glass at 440 Hz (key 69): partials of a struck rim, the high ones fade first."""
+    """0.6 s of a glass at 440 Hz (key 69): partials of a struck rim; the high ones decay first."""
     partials = [(1.0, 1.0, 5.0), (2.32, 0.5, 8.0), (4.25, 0.3, 12.0), (6.63, 0.2, 18.0)]
     for n in range(int(0.6 * RATE)):
         t = n / RATE
@@ -42,7 +42,8 @@ def strike(brightness):
 
 
 def breath():
-    """0.5 s at 220 Hz (key 57) that repeats without a seam: 110 whole periods, all in tune."""
+    """0.5 s at 220 Hz (key 57) that loops without a click: all partials have whole periods, the
+    fundamental 110."""
     for n in range(int(0.5 * RATE)):
         t = n / RATE
         swell = 0.8 + 0.2 * math.sin(2 * math.pi * 2 * t)
@@ -84,7 +85,7 @@ def connection(number, source, destination, transform, control=0, scale=None, sp
 
 
 def connections(layer):
-    """What a new layer comes with; its own LFO and envelope are numbered with the layer."""
+    """The connections of a new layer; those of its LFO and envelope contain its number."""
     pitch, gain, pan = 0x30B00000, 0x50100000, 0x50200000
     own = 256 * layer
     return [

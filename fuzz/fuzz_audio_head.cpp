@@ -1,4 +1,4 @@
-// The recognition of audio by its first bytes, of any number of bytes.
+// Recognises audio by its first bytes, given any number of bytes.
 #include "sampler/audio_signature.h"
 
 #include <algorithm>

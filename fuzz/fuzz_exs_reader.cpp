@@ -1,4 +1,4 @@
-// Any bytes as an EXS24 file, and the state of whatever they hold.
+// Reads any bytes as an EXS24 file and builds the state of the instrument.
 #include "sampler/exs_load.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Any bytes as a binary property list, and the strings and numbers of whatever it holds.
+// Reads any bytes as a binary property list, and the strings and numbers in it.
 #include "plist_input.h"
 
 #include <vector>
@@ -17,7 +17,7 @@ void look_at(CFTypeRef object) {
     }
 }
 
-/// The root and, if it is a dictionary, its entries: enough to touch what a host looks at.
+/// Reads the root and, if it is a dictionary, its values, and looks each up by its key.
 void look_at_top(CFTypeRef root) {
     look_at(root);
     if (CFGetTypeID(root) != CFDictionaryGetTypeID()) {

@@ -1,5 +1,5 @@
-// A property list in either form, written and read back: the value has to be the same, and so have
-// the bytes when it is written again.
+// Reads a property list in either form, writes it and reads it back: the value must be equal, and
+// so must the bytes when it is written again.
 #include "plist_input.h"
 
 #include <cstring>

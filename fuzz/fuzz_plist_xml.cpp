@@ -1,11 +1,11 @@
-// Any text as a property list in XML. One that is read can also be written.
+// Reads any text as a property list in XML. A list that was read must be writable.
 #include "plist_input.h"
 
 #include <cstring>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size >= 7 && std::memcmp(data, "bplist0", 7) == 0) {
-        return -1; // fuzz_plist_binary has those
+        return -1; // covered by fuzz_plist_binary
     }
     CFPropertyListFormat format{};
     if (const auto list = read_list(data, size, &format)) {

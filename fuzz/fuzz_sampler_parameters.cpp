@@ -1,4 +1,5 @@
-// The "data" of class info: reads any bytes, and what was read is written and read back the same.
+// Reads any bytes as the "data" of class info; parameters that were read must be the same after
+// being written and read back.
 #include "audio_toolbox/sampler_parameters.h"
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// Writes the first inputs of fuzz_exs_reader: make_exs_seeds FOLDER. One small instrument in each
-// layout of the format, with something in every field that is read.
+// Writes the seeds of fuzz_exs_reader: make_exs_seeds FOLDER. One small instrument in each layout
+// of the format, with a value in every field that is read.
 #include "support/exs_builder.h"
 
 #include <cstdio>

@@ -1,6 +1,5 @@
-// Writes the first inputs of the fuzz targets of property lists: make_plist_seeds CORPUS. A few
-// files for each reader, with every element and every marker in them; the round trip begins with
-// all.
+// Writes the seeds of the property list fuzz targets: make_plist_seeds CORPUS. A few files for each
+// reader, which contain every element and every marker; the round trip gets all of them.
 #include "platform/binary_list_builder.h"
 #include "support/temp_folder.h"
 

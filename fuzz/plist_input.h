@@ -1,4 +1,4 @@
-// What the fuzz targets of property lists share.
+// Shared by the fuzz targets of property lists.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -18,7 +18,7 @@ struct Release {
 template <class Ref>
 using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
 
-/// The property list in some bytes, null when they are none.
+/// The property list in these bytes; null when there is none.
 inline Holder<CFPropertyListRef> read_list(const std::uint8_t* bytes, std::size_t size,
                                            CFPropertyListFormat* format = nullptr) {
     const Holder<CFDataRef> data{CFDataCreate(nullptr, bytes, static_cast<CFIndex>(size))};
@@ -26,13 +26,13 @@ inline Holder<CFPropertyListRef> read_list(const std::uint8_t* bytes, std::size_
         nullptr, data.get(), kCFPropertyListImmutable, format, nullptr)};
 }
 
-/// Its binary form, null when it has none.
+/// The binary form of a property list; null when it cannot be written.
 inline Holder<CFDataRef> write_list(CFPropertyListRef list) {
     return Holder<CFDataRef>{
         CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr)};
 }
 
-/// Stops the fuzzer when `holds` does not.
+/// Stops the fuzzer when `holds` is false.
 inline void require(bool holds) {
     if (!holds) {
         std::abort();

@@ -1,5 +1,5 @@
-// Runs a fuzz target over files and folders of files, for builds without libFuzzer: kept inputs
-// stay regression tests and the targets compile everywhere.
+// Runs a fuzz target over files and folders of files in builds without libFuzzer: kept inputs
+// serve as regression tests, and the targets are compiled everywhere.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>

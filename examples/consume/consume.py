@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Imports instruments and tells of each one as soon as its line is there.
+"""Imports instruments and prints a sentence about each as soon as its report line arrives.
 
 usage: consume.py TOOL SHOW.lumo STATES SEARCH INSTRUMENT...
 """
@@ -10,7 +10,7 @@ import sys
 
 
 def tell(report):
-    """One sentence about one instrument, on standard output."""
+    """Prints one sentence about one instrument, and the samples that were not found."""
     if report["ok"]:
         shape = report["shape"]
         print(f"{report['name']}: {report['samples']} samples, {shape['zones']} zones, "
@@ -27,10 +27,10 @@ def main():
     tool, package, states, search, *instruments = sys.argv[1:]
     command = [tool, "--package", package, "--states", states, "--search", search, *instruments]
     failed = lines = 0
-    # Lines are decoded with replacement characters: a path may hold bytes that are not UTF-8.
+    # Lines are decoded with replacement characters: a path may contain bytes that are not UTF-8.
     with subprocess.Popen(command, stdout=subprocess.PIPE, encoding="utf-8",
                           errors="replace") as process:
-        for line in process.stdout:  # each line comes before the next import begins
+        for line in process.stdout:  # each line arrives before the next import begins
             report = json.loads(line)
             tell(report)
             lines += 1

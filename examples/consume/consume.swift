@@ -1,4 +1,4 @@
-// Imports instruments and tells of each one as soon as its line is there.
+// Imports instruments and prints a sentence about each as soon as its report line arrives.
 // usage: consume TOOL SHOW.lumo STATES SEARCH INSTRUMENT...
 // Compiled and run by the macOS workflow only.
 import Foundation
@@ -53,7 +53,7 @@ let output = Pipe()
 tool.standardOutput = output
 try tool.run()
 
-// Bytes are cut at line feeds and decoded with replacement characters: a path may hold bytes
+// Bytes are split at line feeds and decoded with replacement characters: a path may contain bytes
 // that are not UTF-8.
 var pending = Data()
 var lines = 0

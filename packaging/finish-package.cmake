@@ -1,11 +1,11 @@
-# Run by CPack between installation and packaging. A .deb has its manual page and its changelogs
-# compressed, its zsh completion in a folder of Debian's own, and its overrides of lintian; an archive
-# for Macs that is made elsewhere has the universal files.
+# CPack runs this between installation and packaging. In a .deb the manual page and the changelogs
+# are compressed, the zsh completion is in Debian's folder for it, and lintian's overrides are
+# added; an archive for Macs that is made on another system gets the universal files.
 set(tree ${CPACK_TEMPORARY_INSTALL_DIRECTORY})
 
-# The changelog in Debian's form names this version only; the project's own lies beside it.
+# The changelog in Debian's format has this version only; the project's changelog is beside it.
 function(write_debian_changelog file)
-  string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC) # of SOURCE_DATE_EPOCH when that is set
+  string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC) # SOURCE_DATE_EPOCH when that is set
   file(WRITE ${file} "${CPACK_PACKAGE_NAME} (${CPACK_PACKAGE_VERSION}) unstable; urgency=medium
 
   * The changes are listed in CHANGELOG.md.gz.
@@ -23,7 +23,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
   file(RENAME ${share}/zsh/site-functions ${share}/zsh/vendor-completions)
   file(MAKE_DIRECTORY ${share}/lintian/overrides)
   file(COPY_FILE ${CPACK_LUMO_LINTIAN_OVERRIDES} ${share}/lintian/overrides/${CPACK_PACKAGE_NAME})
-  # Whatever the umask of the one who builds.
+  # Permissions do not depend on the umask of the build.
   file(CHMOD_RECURSE ${tree} DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ
        GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 elseif(CPACK_LUMO_UNIVERSAL_FILES)

@@ -1,6 +1,6 @@
-# Shared by the scripts beside this one, which source it: where the project lies, and what they
-# say to people. Nothing here writes to standard output.
-# shellcheck shell=bash disable=SC2034 # what is set here is used there
+# Sourced by the scripts in this folder: the project's path, and functions that print messages.
+# Nothing here writes to standard output.
+# shellcheck shell=bash disable=SC2034 # the scripts use the variables
 set -euo pipefail
 
 root=$(CDPATH='' cd -P -- "$(dirname -- "${BASH_SOURCE[0]}")/.." && pwd)

@@ -1,7 +1,7 @@
-"""Reads from a Mach-O file what dyld acts on: load commands, bindings, exports, the signature.
+"""Reads the parts of a Mach-O file that dyld uses: load commands, bindings, exports, the signature.
 
-A file holds one image or, when it is universal, several. Only 64-bit images with chained fixups
-are read, which is what a linker makes for macOS 13; anything else raises Unreadable.
+A file contains one image or, when it is universal, several. Only 64-bit images with chained fixups
+are read, which linkers make for macOS 13; anything else raises Unreadable.
 """
 import hashlib
 import struct
@@ -24,11 +24,11 @@ RPATH, MAIN, EXPORTS, FIXUPS = 0x8000001C, 0x80000028, 0x80000033, 0x80000034
 
 
 class Unreadable(Exception):
-    """The bytes are no Mach-O file of the kind that is read here."""
+    """The bytes are not a Mach-O file that this module can read."""
 
 
 def images(data):
-    """The images in the bytes of a file, in the file's order."""
+    """The images in the bytes of a file, in file order."""
     try:
         if data[:4] != b"\xca\xfe\xba\xbe":
             return [Image(data)]
@@ -48,7 +48,7 @@ def text(data, start):
 
 
 def uleb(data, at):
-    """A number in groups of seven bits, and where it ends."""
+    """A ULEB128 number, and the position after it."""
     value = shift = 0
     while data[at] >= 128:
         value |= (data[at] & 127) << shift
@@ -57,7 +57,7 @@ def uleb(data, at):
 
 
 class Image:
-    """One image. Addresses are the linked ones."""
+    """One image. Addresses are those that the linker assigned."""
 
     def __init__(self, data):
         self.data = data
@@ -70,12 +70,12 @@ class Image:
         self.libraries = []
         self.run_paths = []
         self.sections = []
-        self.symbols = {}   # address: name of what is defined there
+        self.symbols = {}   # address: name of the symbol defined there
         self.imports = []
-        self.binds = {}     # address: the Import whose address dyld writes there
-        self.rebases = {}   # address: the address in this image that stands there
+        self.binds = {}     # address: the Import whose address dyld stores there
+        self.rebases = {}   # address: the address in this image that dyld stores there
         self.exports = []
-        self._segments = []  # (name, address, place in the file), in the order of the commands
+        self._segments = []  # (name, address, file offset), in the order of the commands
         self._fixups = None
         at = 32
         for _ in range(count):
@@ -84,7 +84,7 @@ class Image:
             at += length
         if at != 32 + size:
             raise Unreadable("the load commands do not fill their space")
-        if self._fixups is not None:  # they speak of libraries that later commands name
+        if self._fixups is not None:  # they refer to libraries that later commands name
             self._read_fixups(self._fixups)
 
     def _read_command(self, command, at):
@@ -130,7 +130,7 @@ class Image:
         table, count, names = struct.unpack_from("<3I", self.data, at + 8)
         for i in range(count):
             name, kind, _, _, address = struct.unpack_from("<IBBHQ", self.data, table + 16 * i)
-            if kind & 0xE0 == 0 and kind & 0x0E == 0x0E:  # not for a debugger; in a section
+            if kind & 0xE0 == 0 and kind & 0x0E == 0x0E:  # not for debuggers, and in a section
                 self.symbols.setdefault(address, text(self.data, names + name))
 
     def _read_fixups(self, at):

@@ -1,11 +1,11 @@
-# Sourced by the scripts that run a program of the project: run_built makes sure that it is built.
+# Sourced by the scripts that run a program of the project: run_built builds it if necessary.
 # shellcheck shell=bash
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
-# run_built PROGRAM PRESET SETUP SOURCES... -- ARGUMENTS...: becomes the program, built with the preset.
-# Before that, on a new machine or when one of the sources is newer than the last build, it installs
-# what is missing (a list of script/setup) and builds. What that prints goes to a log below build/,
-# so that standard output is the program's alone.
+# run_built PROGRAM PRESET SETUP SOURCES... -- ARGUMENTS...: execs the program, built with the
+# preset. When it is not built or one of the sources is newer than the last build, run_built first
+# runs `script/setup SETUP` and builds it. Their output goes to a log in build/, so that standard
+# output is the program's only.
 run_built() {
     local name=$1 preset=$2 setup=$3 sources=()
     shift 3
@@ -23,7 +23,7 @@ run_built() {
     exec "$program" "$@"
 }
 
-# Whether the program is there and no source is newer than the moment its build began.
+# Whether the program exists and no source is newer than the start of its build.
 is_built() (
     [ -x "$program" ] && [ -e "$stamp" ] && cd "$root" &&
         [ -z "$(find CMakeLists.txt CMakePresets.json cmake "${sources[@]}" -newer "$stamp")" ]
@@ -37,7 +37,7 @@ build() {
     mv "$stamp.begun" "$stamp"
 }
 
-# Two calls at once build once. (Without flock, on a Mac, they had better not be at once.)
+# Concurrent calls build once. (Not without flock, as on a Mac: do not run two at the same time.)
 build_if_needed() (
     if command -v flock >/dev/null; then
         flock 9

@@ -1,22 +1,22 @@
 # Runs the steps of a script that sources this file. A step is a function step_NAME without
-# arguments. It fails by its first command that fails; it is skipped when it ends with status 77, and
-# the last line that it printed is the reason. What it printed is in $logs/NAME.log.
+# arguments. It fails at its first failing command; it is skipped when it ends with status 77, and
+# its last line of output is the reason. Its output is in $logs/NAME.log.
 #
-# Some tests and steps are skipped where the machine cannot run them. With CI set, $allowed_skips
-# lists which may be: one shell pattern a line, `step NAME` for a whole step; # begins a comment.
+# Some tests and steps are skipped where the machine cannot run them. With CI set, only those in
+# $allowed_skips may be: one shell pattern per line, `step NAME` for a step; # begins a comment.
 # shellcheck shell=bash disable=SC2154 # $logs and $allowed_skips are set by the script
 
 is_step() {
     declare -F "step_$1" >/dev/null
 }
 
-# What matters of the log of a step that failed: not the tests that passed, nor what was compiled.
+# The end of the log of a failed step, without passed tests and compiler progress.
 tail_of_log() {
     sed -E '/^ +Start +[0-9]+: |(Passed|\*Skipped) +[0-9.]+ sec$|^\[[0-9]+\/[0-9]+\] /d' "$1" |
         tail -n 100
 }
 
-# The names of the tests that CTest skipped, as it lists them at its end.
+# The names of the skipped tests, from the list at the end of CTest's output.
 skipped_tests() {
     sed -nE 's/^[[:space:]]+[0-9]+ - (.*) \(Skipped\)$/\1/p' "$1"
 }
@@ -26,8 +26,8 @@ row() {
     printf '   %-10s %-8s %8.1f s %10.1f s of processor\n' "$@"
 }
 
-# run_step STEP: says when it begins and what it took. Adds to `table`, `failed`, `skipped`, `took`.
-# It must not be called in a condition: there the shell does not stop at a step's first failing
+# run_step STEP: prints its start and its duration. Appends to `table`, `failed`, `skipped`, `took`.
+# Must not be called in a condition, where the shell would not stop at a step's first failing
 # command.
 run_step() {
     local log=$logs/$1.log TIMEFORMAT='%R %U %S' status outcome=held seconds processor name
@@ -70,7 +70,7 @@ may_be_skipped() {
     while IFS= read -r pattern; do
         pattern=${pattern%%#*}
         pattern=${pattern%"${pattern##*[![:space:]]}"}
-        # shellcheck disable=SC2053 # it is a pattern
+        # shellcheck disable=SC2053 # a pattern
         if [ -n "$pattern" ] && [[ $1 == $pattern ]]; then
             return
         fi
@@ -78,7 +78,7 @@ may_be_skipped() {
     return 1
 }
 
-# Lists what was skipped. With CI set, `failed` gets what was not on the list.
+# Prints what was skipped. With CI set, adds to `failed` what the list does not allow.
 report_skips() {
     local name
     [ ${#skipped[@]} -gt 0 ] || return 0
@@ -93,8 +93,8 @@ report_skips() {
     done < <(printf '%s\n' "${skipped[@]}" | sort -u)
 }
 
-# run_steps STEP...: all of them run even when one has failed. Ends with a table of times and with
-# what was skipped; the result is 1 when a step failed.
+# run_steps STEP...: runs all of them even when one fails. At the end prints a table of times and
+# what was skipped; returns 1 when a step failed.
 run_steps() {
     local step table=() failed=() skipped=() took=()
     for step in "$@"; do

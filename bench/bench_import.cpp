@@ -1,6 +1,7 @@
-// The tool as it is run: a whole import against `cp -a --reflink=auto` of the same samples, its
-// start against that of /bin/true, and the most memory that it takes, which must not follow the
-// samples' size. CPU time of whole processes, in turns.
+// The tool as it is run: a whole import against `cp -a --reflink=auto` of the same samples, a
+// library of small instruments against the same of its tree, its start against that of /bin/true,
+// and the most memory that it takes, which must not follow the samples' size. CPU time of whole
+// processes, in turns.
 #include "support/preset_text.h"
 #include "support/sound_file.h"
 #include "support/temp_folder.h"
@@ -9,12 +10,17 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -42,8 +48,9 @@ fs::path make_instrument(const fs::path& folder, int samples, std::size_t size) 
     return preset;
 }
 
-/// To be called in a process of its own, which becomes the tool; what it prints goes to `report`.
-bool run_tool(const std::vector<std::string>& arguments, const fs::path& report) {
+/// To be called in a process of its own, which becomes the program that the arguments begin with;
+/// what it prints goes to `report`.
+bool run_program(const std::vector<std::string>& arguments, const fs::path& report) {
     std::vector<char*> words;
     words.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
@@ -51,13 +58,14 @@ bool run_tool(const std::vector<std::string>& arguments, const fs::path& report)
     }
     words.push_back(nullptr);
     dup2(open(report.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDOUT_FILENO);
-    execv(LUMO_TOOL, words.data());
+    execvp(words[0], words.data());
     return false;
 }
 
 bool import(const fs::path& preset, const fs::path& to) {
-    return run_tool({LUMO_TOOL, "--package", to / "Show.lumo", "--states", to / "states", preset},
-                    to / "report");
+    return run_program(
+        {LUMO_TOOL, "--package", to / "Show.lumo", "--states", to / "states", preset},
+        to / "report");
 }
 
 void require_success(const fs::path& to) {
@@ -75,6 +83,117 @@ Comparison compare_import(const VolumeRow& row, const Amount& amount, const fs::
     require_success(to);
     return compare_copies(
         to, amount.rounds, [&] { return import(preset, to); }, [&] { return run_cp(from, to); });
+}
+
+constexpr int samples_of_each = 8;
+
+/// Makes instruments in folders of their own, with samples of 4 KB that moved there; their paths.
+std::vector<std::string> make_library(const fs::path& folder, int instruments) {
+    const std::string sample = lumo::test::wav_bytes((4096 - wav_head) / frame_bytes);
+    std::vector<std::string> presets;
+    fs::create_directory(folder);
+    for (int i = 0; i < instruments; ++i) {
+        const std::string kit = "Kit " + std::to_string(i);
+        fs::create_directory(folder / kit);
+        std::vector<std::string> recorded;
+        for (int k = 0; k < samples_of_each; ++k) {
+            const std::string name = kit + " " + std::to_string(k) + ".wav";
+            std::ofstream(folder / kit / name, std::ios::binary) << sample;
+            recorded.push_back("/Volumes/Gone/Library/" + kit + "/" + name);
+        }
+        presets.push_back((folder / kit / (kit + ".aupreset")).string());
+        std::ofstream(presets.back()) << lumo::test::preset_text(recorded);
+    }
+    return presets;
+}
+
+std::vector<std::string> command_for_library(const fs::path& to,
+                                             const std::vector<std::string>& presets) {
+    std::vector<std::string> words = {LUMO_TOOL, "--package", to / "Show.lumo", "--states",
+                                      to / "states"};
+    words.insert(words.end(), presets.begin(), presets.end());
+    return words;
+}
+
+/// Adds a round on a volume of its own, which nothing was deleted from: that makes ext4 slow.
+void add_library_round(Comparison& rounds, const fs::path& folder, int instruments) {
+    const std::vector<std::string> presets = make_library(folder / "Library", instruments);
+    const auto ours = [&] {
+        fs::create_directory(folder / "ours");
+        finish_writing(folder);
+        return usage_of([&] {
+                   return run_program(command_for_library(folder / "ours", presets),
+                                      folder / "report");
+               })
+            .cpu_ms;
+    };
+    const auto reference = [&] {
+        fs::create_directory(folder / "reference");
+        finish_writing(folder);
+        return usage_of([&] { return run_cp(folder / "Library", folder / "reference"); }).cpu_ms;
+    };
+    const bool is_first = rounds.ours.size() % 2 == 0;
+    const double first = is_first ? ours() : reference();
+    const double second = is_first ? reference() : ours();
+    rounds.ours.push_back(is_first ? first : second);
+    rounds.reference.push_back(is_first ? second : first);
+    rounds.ratios.push_back(rounds.ours.back() / rounds.reference.back());
+    if (lumo::test::read_file(folder / "report").find("\"ok\":false") != std::string::npos) {
+        throw std::runtime_error("an import of the library failed");
+    }
+}
+
+void print_library(int instruments, int rounds) {
+    const std::string work = std::to_string(instruments) + " instruments of " +
+                             std::to_string(samples_of_each) +
+                             " samples of 4 KB that moved, on a fresh ext4";
+    Comparison result;
+    for (int round = 0; round < rounds; ++round) {
+        const lumo::test::TempFolder folder;
+        const lumo::test::LoopVolume volume(folder.path(), "ext4", std::uintmax_t{2} << 30);
+        if (!volume.is_mounted()) {
+            std::printf("%s\t-\t-\t-\tcannot be mounted here\n", work.c_str());
+            return;
+        }
+        add_library_round(result, volume.path(), instruments);
+    }
+    result.print(work, "1.5");
+}
+
+/// The system calls of an import of a library; nothing without strace.
+std::optional<double> system_calls(const fs::path& folder, int instruments) {
+    const std::vector<std::string> presets =
+        make_library(folder / std::to_string(instruments), instruments);
+    const fs::path to = folder / (std::to_string(instruments) + " to");
+    const fs::path trace = folder / "trace";
+    std::vector<std::string> words = {"strace", "-f", "-s", "0", "-o", trace};
+    for (std::string& word : command_for_library(to, presets)) {
+        words.push_back(std::move(word));
+    }
+    try {
+        usage_of([&] { return run_program(words, folder / "report"); });
+    } catch (const std::runtime_error&) {
+        return std::nullopt;
+    }
+    const std::string lines = lumo::test::read_file(trace);
+    return static_cast<double>(std::count(lines.begin(), lines.end(), '\n'));
+}
+
+/// Of a sample more, with its share of an instrument more: the start does not count.
+void print_system_calls() {
+    constexpr int few = 10;
+    constexpr int many = 40;
+    const lumo::test::TempFolder folder;
+    const std::optional<double> of_few = system_calls(folder.path(), few);
+    const std::optional<double> of_many = system_calls(folder.path(), many);
+    const char* work = "system calls for each of their samples";
+    if (of_few && of_many) {
+        std::printf("%s\t%.1f\t-\t-\t24\n", work,
+                    (*of_many - *of_few) / ((many - few) * samples_of_each));
+    } else {
+        std::printf("%s\t-\t-\t-\tstrace cannot run here\n", work);
+    }
+    std::fflush(stdout);
 }
 
 /// The peak memory of an import, in megabytes.
@@ -119,6 +238,8 @@ int main(int count, char** arguments) try {
     const bool small = count > 1 && std::string(arguments[1]) == "--small";
     const Amount amount = small ? Amount{50, 1} : Amount{};
     print_start(small ? 5 : 200);
+    print_library(small ? 20 : 2000, small ? 2 : 6);
+    print_system_calls();
     print_peak(1, small ? 16 : 256);
     print_peak(amount.files, 1);
     for (const VolumeRow& row : rows) {

@@ -1,24 +1,30 @@
-// flock() locks the open descriptor, so the system also releases the lock when the process ends.
+// flock() locks the open descriptor: closing it releases the lock, and so does the end of the
+// process.
 #include "folder_lock.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <utility>
 
 namespace lumo::exs {
 
-FolderLock::FolderLock(const std::string& folder)
-    : descriptor_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    while (descriptor_ >= 0 && flock(descriptor_, LOCK_EX) != 0 && errno == EINTR) {
+Descriptor open_folder(const std::string& path) {
+    return Descriptor(
+        uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+}
+
+FolderLock::FolderLock(Descriptor folder) : folder_(std::move(folder)) {
+    if (folder_) {
+        uninterrupted([&] { return flock(folder_.get(), LOCK_EX); });
     }
 }
 
 FolderLock::~FolderLock() {
-    if (descriptor_ >= 0) {
-        flock(descriptor_, LOCK_UN); // releases the lock even if close() fails
-        close(descriptor_);
+    const int folder = folder_.release();
+    if (folder >= 0 && close(folder) != 0) {
+        flock(folder, LOCK_UN); // a folder that is still open keeps its lock
     }
 }
 

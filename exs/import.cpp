@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace lumo::exs {
 namespace fs = std::filesystem;
@@ -124,17 +125,34 @@ Ref<CFPropertyListRef> loaded_state(const Options& options, Report& report) {
     return state;
 }
 
-/// Brings the samples of `state` into the show and makes the states folder. The samples' new
-/// references; nothing, with the error set, when one is missing or the disk refuses.
-std::optional<References> bring_samples(const void* state, const Options& options, Report& report) {
-    References samples = references(state);
-    if (!find_samples(samples, options.index, report)) {
+/// Opens the states folder, and makes it first where it is not there. None when it cannot be
+/// opened. Throws when it cannot be made.
+Descriptor states_folder(const std::string& path) {
+    Descriptor folder = open_folder(path);
+    if (!folder) {
+        fs::create_directories(path);
+        folder = open_folder(path);
+    }
+    return folder;
+}
+
+/// What a state needs in the show.
+struct Brought {
+    References samples; ///< the samples' new references
+    Descriptor states;  ///< the states folder; none when it cannot be opened
+};
+
+/// Brings the samples of `state` into the show and makes the states folder. Nothing, with the error
+/// set, when a sample is missing or the disk refuses.
+std::optional<Brought> bring_samples(const void* state, const Options& options, Report& report) {
+    const std::optional<SampleFiles> samples =
+        find_samples(references(state), options.index, report);
+    if (!samples) {
         return std::nullopt;
     }
     try {
-        References placed = place_samples(samples, options.package, report);
-        fs::create_directories(options.states);
-        return placed;
+        References placed = place_samples(*samples, options.package, report);
+        return Brought{std::move(placed), states_folder(options.states)};
     } catch (const fs::filesystem_error& failure) {
         report.error =
             std::string("the samples couldn't be copied into the show: ") + failure.what();
@@ -152,8 +170,9 @@ fs::path free_name(const fs::path& folder, const std::string& name) {
     return file;
 }
 
-bool write_state(const void* state, const Options& options, Report& report) {
-    const FolderLock lock(options.states); // or another process may take the same name
+/// Writes `state` into the states folder, which is open as `folder`.
+bool write_state(const void* state, const Options& options, Descriptor folder, Report& report) {
+    const FolderLock lock(std::move(folder)); // or another process may take the same name
     const fs::path file = free_name(options.states, report.name);
     if (!write_plist(state, file)) {
         report.error = "its state couldn't be written";
@@ -198,12 +217,12 @@ Report import_instrument(const std::string& path, const Options& options) {
         return report;
     }
     report.shape = describe(state.get());
-    const std::optional<References> placed = bring_samples(state.get(), options, report);
-    if (!placed) {
+    std::optional<Brought> brought = bring_samples(state.get(), options, report);
+    if (!brought) {
         return report;
     }
-    state = with_references(state.get(), *placed);
-    if (!write_state(state.get(), options, report)) {
+    state = with_references(state.get(), brought->samples);
+    if (!write_state(state.get(), options, std::move(brought->states), report)) {
         return report;
     }
     state = resolved(state.get(), options, report);

@@ -6,6 +6,7 @@
 #include "base/utf8.h"
 
 #include <copyfile.h>
+#include <sys/stat.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -16,6 +17,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <unordered_map>
 #include <utility>
 
 namespace lumo::exs {
@@ -27,12 +29,49 @@ bool is_there(const fs::path& path) {
     return fs::exists(fs::status(path, ignored));
 }
 
-/// The size of what is at `path`, all ones when it has none that can be read; nothing when nothing
-/// is there. One look suffices for a file that is.
-std::optional<std::uint64_t> size_if_there(const fs::path& path) {
-    std::error_code error;
-    const std::uintmax_t size = fs::file_size(path, error);
-    return !error || is_there(path) ? std::optional<std::uint64_t>(size) : std::nullopt;
+constexpr std::uint64_t no_size = ~std::uint64_t{0};
+
+/// The sample at `path`; nothing when nothing is there. One call suffices for a file.
+std::optional<SampleFile> sample_at(const std::string& path) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    const bool is_link = S_ISLNK(status.st_mode);
+    if (is_link && stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    const bool is_file = S_ISREG(status.st_mode);
+    return SampleFile{path, is_file ? static_cast<std::uint64_t>(status.st_size) : no_size,
+                      is_link};
+}
+
+/// Where the load has found samples that moved, by their recorded paths.
+using Relinked = std::unordered_map<std::string_view, const std::string*>;
+
+Relinked relinked_by(const relink::Result& load) {
+    Relinked relinked;
+    for (const auto& [recorded, found] : load.relinked) {
+        relinked.emplace(recorded, &found);
+    }
+    return relinked;
+}
+
+/// The sample that is recorded at `path`; nothing when it is not to be found, and `path` is then
+/// where it was missed last.
+std::optional<SampleFile> find_sample(std::string& path, const Relinked& relinked,
+                                      const SampleIndex* index) {
+    if (const auto known = relinked.find(path); known != relinked.end()) {
+        if (std::optional<SampleFile> sample = sample_at(*known->second)) {
+            return sample;
+        }
+    }
+    std::optional<SampleFile> sample = sample_at(path);
+    if (std::optional<std::string> moved; !sample && index && (moved = index->find(path))) {
+        path = std::move(*moved);
+        sample = sample_at(path);
+    }
+    return sample;
 }
 
 /// The name of the folder that holds `source`: the true one where the path says "..".
@@ -56,20 +95,37 @@ void require_utf8(const fs::path& target, const fs::path& source) {
     }
 }
 
-/// Copies `source` to `target`. False when another process has placed something there meanwhile.
+/// Makes `folder` unless it is there. Whether it is a new one, in which there is nothing yet. What
+/// is in the way shows again when a sample is copied.
+bool make_folder(const fs::path& folder) {
+    std::error_code error;
+    return fs::create_directory(folder, error) ||
+           (error == std::errc::no_such_file_or_directory && fs::create_directories(folder, error));
+}
+
+/// An error of copyfile, or none.
+std::error_code try_copy(const fs::path& source, const fs::path& target) {
+    const int result =
+        copyfile(source.c_str(), target.c_str(), nullptr, COPYFILE_ALL | COPYFILE_CLONE);
+    return {result == 0 ? 0 : errno, std::generic_category()};
+}
+
+/// Copies `sample` to `target`. False when another process has placed something there meanwhile.
 /// Throws when the copy fails, also for a link at `target` that leads nowhere.
-bool copy_sample(const fs::path& source, const fs::path& target) {
-    fs::create_directories(target.parent_path());
+bool copy_sample(const SampleFile& sample, const fs::path& target) {
     // A clone of a link would be a link: the show gets the file that it leads to.
-    const fs::path file = fs::is_symlink(source) ? fs::canonical(source) : source;
-    if (copyfile(file.c_str(), target.c_str(), nullptr, COPYFILE_ALL | COPYFILE_CLONE) == 0) {
-        return true;
+    const fs::path file = sample.is_link ? fs::canonical(sample.path) : fs::path(sample.path);
+    std::error_code error = try_copy(file, target);
+    if (error && error != std::errc::file_exists) {
+        // The sample or the folder may have gone since they were seen; the rest can be made anew.
+        static_cast<void>(fs::file_size(sample.path));
+        fs::create_directories(target.parent_path());
+        error = error == std::errc::no_such_file_or_directory ? try_copy(file, target) : error;
     }
-    const std::error_code error(errno, std::generic_category());
-    if (error == std::errc::file_exists && is_there(target)) {
-        return false;
+    if (error && (error != std::errc::file_exists || !is_there(target))) {
+        throw fs::filesystem_error("copy failed", sample.path, target, error);
     }
-    throw fs::filesystem_error("copy failed", source, target, error);
+    return !error;
 }
 
 /// What an import has seen under one name and its numbers. All of it stays, so that a name that
@@ -78,58 +134,79 @@ struct TakenNames {
     std::map<std::uintmax_t, fs::path> of_size; ///< the first name of each size
     unsigned last = 0;                          ///< the number of the last name that was looked at
 };
-using NamesSeen = std::map<fs::path, TakenNames>;
 
-/// Places one sample; returns its path relative to the package.
-fs::path place(const fs::path& source, const fs::path& package, NamesSeen& seen,
-               std::uint64_t& copied_bytes) {
-    const std::uintmax_t size = fs::file_size(source);
-    const fs::path folder = "samples" / folder_name(source);
-    TakenNames& taken = seen[folder / source.filename()];
-    while (!taken.of_size.contains(size)) {
-        const unsigned number = ++taken.last;
-        const fs::path candidate =
-            folder / (number == 1 ? source.filename() : numbered_name(source, number));
-        const fs::path target = package / candidate;
-        require_utf8(target, source);
-        if (!is_there(target) && copy_sample(source, target)) {
-            copied_bytes += size;
-            taken.of_size.emplace(size, candidate);
-        } else {
-            taken.of_size.emplace(fs::file_size(target), candidate);
+/// The samples of one import on their way into the show.
+class Placement {
+public:
+    Placement(const std::string& package, Report& report) : package_(package), report_(report) {}
+
+    /// Places one sample; returns its path relative to the package.
+    fs::path place(const SampleFile& sample) {
+        const fs::path source = sample.path;
+        const std::uintmax_t size = sample.size == no_size ? fs::file_size(source) : sample.size;
+        const fs::path folder = "samples" / folder_name(source);
+        TakenNames& taken = seen_[folder / source.filename()];
+        while (!taken.of_size.contains(size)) {
+            const unsigned number = ++taken.last;
+            const fs::path candidate =
+                folder / (number == 1 ? source.filename() : numbered_name(source, number));
+            const fs::path target = package_ / candidate;
+            require_utf8(target, source);
+            if (is_free(folder, target) && copy_sample(sample, target)) {
+                report_.copied_bytes += size;
+                taken.of_size.emplace(size, candidate);
+            } else {
+                taken.of_size.emplace(fs::file_size(target), candidate);
+            }
         }
+        return taken.of_size[size];
     }
-    return taken.of_size[size];
-}
+
+private:
+    /// Whether `target`, a name in `folder` that was not given out, is worth a copy.
+    bool is_free(const fs::path& folder, const fs::path& target) {
+        const auto [known, is_first] = is_new_.try_emplace(folder);
+        if (is_first) {
+            known->second = make_folder(package_ / folder);
+        }
+        return known->second || !is_there(target);
+    }
+
+    fs::path package_;
+    Report& report_;
+    std::map<fs::path, TakenNames> seen_;
+    std::map<fs::path, bool> is_new_; ///< of each folder with samples, whether this import made it
+};
 
 } // namespace
 
-bool find_samples(References& samples, const SampleIndex* index, Report& report) {
+std::optional<SampleFiles> find_samples(const References& references, const SampleIndex* index,
+                                        Report& report) {
+    const Relinked relinked = relinked_by(report.relink);
     std::set<std::string_view> seen;
-    for (auto& [key, path] : samples) {
-        std::optional<std::uint64_t> size = size_if_there(path);
-        if (std::optional<std::string> moved; !size && index && (moved = index->find(path))) {
-            path = std::move(*moved);
-            size = size_if_there(path);
-        }
-        if (!size) {
+    SampleFiles samples;
+    for (const auto& [key, recorded] : references) {
+        std::string path = recorded;
+        std::optional<SampleFile> found = find_sample(path, relinked, index);
+        if (!found) {
             report.error =
                 "a sample wasn't found after loading: " + fs::path(path).filename().string();
-            return false;
+            return std::nullopt;
         }
-        if (seen.insert(path).second) {
+        const SampleFile& sample = samples.emplace(key, std::move(*found)).first->second;
+        if (seen.insert(sample.path).second) {
             report.samples += 1;
-            report.sample_bytes += *size;
+            report.sample_bytes += sample.size;
         }
     }
-    return true;
+    return samples;
 }
 
-References place_samples(const References& samples, const std::string& package, Report& report) {
+References place_samples(const SampleFiles& samples, const std::string& package, Report& report) {
     References placed;
-    NamesSeen seen;
-    for (const auto& [key, path] : samples) {
-        placed.emplace(key, place(path, package, seen, report.copied_bytes).string());
+    Placement placement(package, report);
+    for (const auto& [key, sample] : samples) {
+        placed.emplace(key, placement.place(sample).string());
     }
     return placed;
 }

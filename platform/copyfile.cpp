@@ -4,7 +4,8 @@
 // The copy is written into a file without a name in the folder that is to hold it and gets its name
 // when it is whole, so nobody ever sees half of it and a killed process leaves nothing behind.
 // Where the file system has no nameless files it is written under a hidden name and renamed. Both
-// ways of naming refuse to replace anything.
+// ways of naming refuse to replace anything, and only they tell that a name is taken: a caller that
+// expects it looks first.
 #include "base/descriptor.h"
 #include "copyfile_contents.h"
 
@@ -159,13 +160,6 @@ bool copy_regular(int from, const std::string& to, const struct stat& status,
 
 bool copy_file(const char* from, const char* to, copyfile_flags_t flags) {
     struct stat status {};
-    if (::lstat(to, &status) == 0) {
-        errno = EEXIST;
-        return false;
-    }
-    if (errno != ENOENT) {
-        return false;
-    }
     const int nofollow = (flags & COPYFILE_NOFOLLOW_SRC) != 0 ? O_NOFOLLOW : 0;
     const Descriptor source(uninterrupted(
         [&] { return ::open(from, O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | nofollow); }));

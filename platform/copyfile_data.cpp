@@ -1,5 +1,6 @@
-// The data of a copied file. In order of cost: share the blocks (FICLONE), let the kernel copy
-// (copy_file_range), read and write.
+// The data of a copied file: the kernel copies it (copy_file_range), by sharing the blocks where
+// the volume can; else it is read and written. A file with holes is cloned (FICLONE), or else its
+// data is copied piece by piece between them.
 #include "base/descriptor.h"
 #include "copyfile_contents.h"
 
@@ -65,11 +66,17 @@ bool copy_by_hand(int from, int to, off_t at, off_t end) {
     return true;
 }
 
-/// The kernel also stops early in files that do not know their size (those of /proc), so it is
-/// always a read that finds the end.
 bool copy_range(int from, int to, off_t at, off_t end) {
     copy_in_kernel(from, to, at, end);
     return copy_by_hand(from, to, at, end);
+}
+
+/// Copies a file without holes. The kernel also stops early in files that do not know their size
+/// (those of /proc): of one that is shorter than it says, or says 0, a read finds the end.
+bool copy_whole(int from, int to, off_t size) {
+    off_t at = 0;
+    copy_in_kernel(from, to, at, size);
+    return (size > 0 && at >= size) || copy_by_hand(from, to, at, to_the_end);
 }
 
 bool copy_sparse(int from, int to, off_t size) {
@@ -87,14 +94,11 @@ bool copy_sparse(int from, int to, off_t size) {
 } // namespace
 
 bool copy_data(int from, int to, const struct stat& status, bool clone) {
-    if (clone && ::ioctl(to, FICLONE, from) == 0) {
-        return true;
-    }
     constexpr off_t block = 512; // the unit of st_blocks, whatever the file system's own
-    if (status.st_blocks < status.st_size / block) {
-        return copy_sparse(from, to, status.st_size);
+    if (status.st_blocks >= status.st_size / block) {
+        return copy_whole(from, to, status.st_size);
     }
-    return copy_range(from, to, 0, to_the_end);
+    return (clone && ::ioctl(to, FICLONE, from) == 0) || copy_sparse(from, to, status.st_size);
 }
 
 } // namespace lumo::platform

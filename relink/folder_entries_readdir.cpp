@@ -4,6 +4,7 @@
 #include <dirent.h>
 
 #include <memory>
+#include <string>
 
 namespace lumo::exs::relink {
 namespace {
@@ -23,6 +24,10 @@ void read_entries(Descriptor folder, const TakeEntry& take) {
     while (const dirent* entry = readdir(stream.get())) {
         take(entry->d_name, entry->d_type);
     }
+}
+
+std::string real_path_of(const Descriptor&, const std::string& path) {
+    return real_path(path);
 }
 
 } // namespace lumo::exs::relink

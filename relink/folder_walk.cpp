@@ -11,7 +11,6 @@
 // folder that a tree begins with there are no links, so one real path serves the whole tree.
 #include "folder_walk.h"
 
-#include "allocated_text.h"
 #include "apple_library.h"
 #include "descriptor.h"
 #include "folder_entries.h"
@@ -20,7 +19,6 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -72,11 +70,6 @@ Descriptor open_folder(const std::string& path) {
     return open_next(begin < path.size() ? path.c_str() + begin : ".");
 }
 
-/// `path` (empty: the current folder) with its links resolved; empty when that cannot be done.
-std::string real_path(const std::string& path) {
-    return take_text(realpath(path.empty() ? "." : path.c_str(), nullptr));
-}
-
 class Walk {
 public:
     explicit Walk(const SamplesFound& found) : found_(found) {}
@@ -92,23 +85,27 @@ public:
 
 private:
     /// Reads the folder `top`, a path with a slash at the end or empty, and those in it.
-    void read_tree(std::string top) {
-        real_top_ = real_path(top) + '/';
-        top_size_ = top.size();
-        if (is_in_apple_library(top) || is_in_apple_library(real_top_)) {
+    void read_tree(const std::string& top) {
+        Descriptor folder = is_in_apple_library(top) ? Descriptor() : open_folder(top);
+        if (!folder) {
             return;
         }
-        folders_.push_back(std::move(top));
+        real_top_ = real_path_of(folder, top) + '/';
+        top_size_ = top.size();
+        if (is_in_apple_library(real_top_)) {
+            return;
+        }
+        read_folder(std::move(folder), top);
         while (!folders_.empty()) {
-            const std::string folder = std::move(folders_.back());
+            const std::string path = std::move(folders_.back());
             folders_.pop_back();
-            read_folder(folder);
+            read_folder(open_folder(path), path);
         }
     }
 
-    void read_folder(const std::string& path) {
-        Descriptor folder = open_unread(path);
-        if (!folder) {
+    /// Reads the open folder at `path`, if it is one, and was not read before under another path.
+    void read_folder(Descriptor folder, const std::string& path) {
+        if (!is_unread(folder)) {
             return;
         }
         names_.clear();
@@ -126,16 +123,10 @@ private:
         }
     }
 
-    /// Opens the folder at `path`; none when that cannot be done, or it was read before under
-    /// another path.
-    Descriptor open_unread(const std::string& path) {
-        Descriptor folder = open_folder(path);
+    bool is_unread(const Descriptor& folder) {
         struct stat status {};
-        if (!folder || fstat(folder.get(), &status) != 0 ||
-            !read_.insert({status.st_dev, status.st_ino}).second) {
-            return {};
-        }
-        return folder;
+        return folder && fstat(folder.get(), &status) == 0 &&
+               read_.insert({status.st_dev, status.st_ino}).second;
     }
 
     /// Whether what is called `name` in the folder `path`, which does not belong to Apple's

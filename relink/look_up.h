@@ -8,6 +8,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <functional>
+#include <optional>
 #include <string>
 #include <type_traits>
 
@@ -45,9 +47,10 @@ inline bool is_absence(int error, const char* path) {
            ((error == ENOTDIR || error == EACCES || error == EPERM) && !is_there(path));
 }
 
-/// look_up while a session is open.
+/// look_up while a session is open. `opens` says that a call that succeeds has shown that its file
+/// may be read, which need not be asked then.
 template <class Call>
-auto look_up_in_session(const char* path, Call call) {
+auto look_up_in_session(const char* path, Call call, bool opens) {
     const int before = errno;
     const session::Inside inside;
     const bool is_wanted = inside.is_first() && session::looks_for(path);
@@ -62,8 +65,19 @@ auto look_up_in_session(const char* path, Call call) {
         errno = error;
         return result;
     }
-    if (const auto other = session::replacement(path, is_readable)) {
+    std::optional<std::remove_const_t<decltype(result)>> opened;
+    const auto serves = [&](const char* found) {
         errno = before;
+        if (const auto value = opens ? call(found) : result; !is_failure(value)) {
+            opened = value;
+        }
+        return opened || is_readable(found);
+    };
+    if (const auto other = session::replacement(path, std::ref(serves))) {
+        errno = before;
+        if (opened) {
+            return *opened;
+        }
         const auto second = call(other->c_str());
         const int second_error = errno;
         if (!is_failure(second) || !is_absence(second_error, other->c_str())) {
@@ -79,16 +93,17 @@ auto look_up_in_session(const char* path, Call call) {
 /// errno is as the call left it whose result this is; when the second call succeeds, as it was
 /// before both. Where the session's file is absent by then too, the result is the first call's.
 template <class Call>
-auto look_up(const char* path, Call call) {
-    return session::is_open() ? look_up_in_session(path, call) : call(path);
+auto look_up(const char* path, Call call, bool opens = false) {
+    return session::is_open() ? look_up_in_session(path, call, opens) : call(path);
 }
 
 /// look_up for `call(folder, path)`. A name relative to another folder than the current one does
 /// not say where a sample was recorded.
 template <class Call>
-auto look_up_at(int folder, const char* path, Call call) {
+auto look_up_at(int folder, const char* path, Call call, bool opens = false) {
     const bool says_where = folder == AT_FDCWD || (path && path[0] == '/');
-    return says_where ? look_up(path, [&](const char* p) { return call(AT_FDCWD, p); })
+    return says_where ? look_up(
+                            path, [&](const char* p) { return call(AT_FDCWD, p); }, opens)
                       : call(folder, path);
 }
 
@@ -102,17 +117,33 @@ inline bool only_reads(const char* mode) {
     return mode[0] == 'r' && !std::strchr(mode, '+');
 }
 
+/// Whether an open with these flags asks for the right to read.
+inline bool asks_to_read(int flags) {
+#ifdef O_PATH
+    constexpr int no_rights = O_PATH;
+#else
+    constexpr int no_rights = O_EVTONLY;
+#endif
+    return (flags & no_rights) == 0;
+}
+
+/// The same for the mode of a stream.
+inline bool asks_to_read(const char*) {
+    return true;
+}
+
 /// look_up for a call that opens as `how` says: flags, or a stream's mode. One that may write goes
 /// where its caller says.
 template <class How, class Call>
 auto look_up_to_open(How how, const char* path, Call call) {
-    return only_reads(how) ? look_up(path, call) : call(path);
+    return only_reads(how) ? look_up(path, call, asks_to_read(how)) : call(path);
 }
 
 /// look_up_at for a call that opens as `flags` say.
 template <class Call>
 auto look_up_at_to_open(int flags, int folder, const char* path, Call call) {
-    return only_reads(flags) ? look_up_at(folder, path, call) : call(folder, path);
+    return only_reads(flags) ? look_up_at(folder, path, call, asks_to_read(flags))
+                             : call(folder, path);
 }
 
 } // namespace lumo::exs::relink

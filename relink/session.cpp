@@ -97,7 +97,7 @@ void note_present(const char* path, bool (*is_link)(const char*),
 }
 
 std::optional<std::string> replacement(const char* path,
-                                       bool (*is_readable)(const char*)) noexcept {
+                                       const std::function<bool(const char*)>& serves) noexcept {
     const std::lock_guard lock(mutex);
     if (!current) {
         return std::nullopt;
@@ -105,7 +105,7 @@ std::optional<std::string> replacement(const char* path,
     const auto [answer, is_new] = current->answers.try_emplace(path);
     if (is_new) {
         std::optional<std::string> found = current->index.find(path);
-        if (found && is_readable(found->c_str())) {
+        if (found && serves(found->c_str())) {
             current->result.relinked.emplace_back(path, *found);
             answer->second = std::move(found);
         } else {

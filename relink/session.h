@@ -3,6 +3,7 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -44,7 +45,8 @@ void note_present(const char* path, bool (*is_link)(const char*),
                   std::string (*real_path)(const char*)) noexcept;
 
 /// The indexed file to use for `path`, which is absent, or nothing when the index has none that
-/// `is_readable` confirms. Recorded when `path` is asked for the first time; the answer stays.
-std::optional<std::string> replacement(const char* path, bool (*is_readable)(const char*)) noexcept;
+/// `serves` confirms. Recorded when `path` is asked for the first time; the answer stays.
+std::optional<std::string> replacement(const char* path,
+                                       const std::function<bool(const char*)>& serves) noexcept;
 
 } // namespace lumo::exs::relink::session

@@ -12,6 +12,7 @@
 namespace {
 
 using lumo::exs::FolderLock;
+using lumo::exs::open_folder;
 using namespace lumo::test;
 
 /// Whether the folder is not locked.
@@ -25,7 +26,7 @@ bool is_free(const std::filesystem::path& folder) {
 TEST(FolderLock, KeepsOthersOutAsLongAsItLives) {
     const TempFolder folder;
     {
-        const FolderLock lock(folder.path().string());
+        const FolderLock lock(open_folder(folder.path().string()));
         EXPECT_FALSE(is_free(folder.path()));
     }
     EXPECT_TRUE(is_free(folder.path()));
@@ -34,7 +35,7 @@ TEST(FolderLock, KeepsOthersOutAsLongAsItLives) {
 TEST(FolderLock, LeavesNothingOpen) {
     const TempFolder folder;
     const int before = next_descriptor();
-    { const FolderLock lock(folder.path().string()); }
+    { const FolderLock lock(open_folder(folder.path().string())); }
     EXPECT_EQ(next_descriptor(), before);
 }
 
@@ -43,7 +44,7 @@ TEST(FolderLock, WorksWhereStandardInputIsClosed) {
     const auto locks_there = [&] {
         close(0); // the folder is opened as descriptor 0
         {
-            const FolderLock lock(folder.path().string());
+            const FolderLock lock(open_folder(folder.path().string()));
             if (is_free(folder.path())) {
                 return false;
             }
@@ -57,8 +58,8 @@ TEST(FolderLock, OfWhatIsNoFolderIsNone) {
     const TempFolder folder;
     write_file(folder / "file", "");
     const int before = next_descriptor();
-    const FolderLock absent((folder / "absent").string());
-    const FolderLock file((folder / "file").string());
+    const FolderLock absent(open_folder((folder / "absent").string()));
+    const FolderLock file(open_folder((folder / "file").string()));
     EXPECT_EQ(next_descriptor(), before);
 }
 

@@ -234,6 +234,58 @@ TEST_F(ImportSamples, WhoseNameAnotherProcessTakesAtTheSameTimeAreNumbered) {
     EXPECT_EQ(report.copied_bytes, 4U);
 }
 
+TEST_F(ImportSamples, WhoseFolderIsRemovedMeanwhileAreCopiedIntoANewOne) {
+    copier().before = [&](int copy, const std::string&) {
+        if (copy > 1) {
+            return 0;
+        }
+        fs::remove_all(in_show("samples"));
+        return ENOENT;
+    };
+    set_samples({sample("Kit/kick.wav", "kick"), sample("Kit/snare.wav", "snare")});
+    const Report report = import_preset();
+    EXPECT_TRUE(report.ok) << report.error;
+    EXPECT_EQ(read_file(in_show("samples/Kit/kick.wav")), "kick");
+    EXPECT_EQ(read_file(in_show("samples/Kit/snare.wav")), "snare");
+    EXPECT_EQ(report.copied_bytes, 9U);
+}
+
+TEST_F(ImportSamples, ThatVanishAfterTheyWereFoundEndTheImport) {
+    const fs::path kick = sample("Kit/kick.wav", "kick");
+    copier().before = [&](int, const std::string&) {
+        fs::remove(kick);
+        return ENOENT;
+    };
+    set_samples({kick});
+    const Report report = import_preset();
+    std::string reason;
+    try {
+        static_cast<void>(fs::file_size(kick));
+    } catch (const fs::filesystem_error& error) {
+        reason = error.what();
+    }
+    EXPECT_EQ(report.error, "the samples couldn't be copied into the show: " + reason);
+    EXPECT_EQ(copier().copies.size(), 1U);
+}
+
+TEST_F(ImportSamples, AnotherImportPlacesInTheSameFolderAreLeftAlone) {
+    // The folder is new to this import, so that the copy is what meets the other's file.
+    copier().before = [&](int copy, const std::string& to) {
+        if (copy == 1) {
+            write_file(to, "another kick");
+            write_file(in_show("samples/Kit/snare.wav"), "snare");
+        }
+        return 0;
+    };
+    set_samples({sample("Kit/kick.wav", "kick"), sample("Kit/snare.wav", "SNARE")});
+    const Report report = import_preset();
+    EXPECT_TRUE(report.ok) << report.error;
+    EXPECT_EQ(placed(), (Texts{"samples/Kit/kick-2.wav", "samples/Kit/snare.wav"}));
+    EXPECT_EQ(read_file(in_show("samples/Kit/kick.wav")), "another kick");
+    EXPECT_EQ(read_file(in_show("samples/Kit/snare.wav")), "snare");
+    EXPECT_EQ(report.copied_bytes, 4U);
+}
+
 TEST_F(ImportSamples, WhosePlaceALinkToNowhereTakesEndTheImport) {
     fs::create_directories(in_show("samples/Kit"));
     fs::create_symlink("nowhere", in_show("samples/Kit/kick.wav"));

@@ -18,4 +18,8 @@ void read_entries(Descriptor folder, const TakeEntry& take) {
     }
 }
 
+std::string real_path_of(const Descriptor&, const std::string& path) {
+    return real_path(path);
+}
+
 } // namespace lumo::exs::relink

@@ -96,6 +96,51 @@ TEST_F(LookUp, leaves_errno_as_it_was_when_it_succeeds) {
     EXPECT_EQ(errno, EDOM);
 }
 
+TEST_F(LookUp, OfAnOpenTakesItsSuccessForTheRightToRead) {
+    readable.clear(); // which would be the answer to that question
+    const auto open = [&](const char* p) {
+        calls.emplace_back(p);
+        errno = ENOENT;
+        return std::string(p) == "/new/kick.wav" ? 7 : -1;
+    };
+    errno = EDOM;
+    EXPECT_EQ(look_up_to_open(O_RDONLY, "/old/kick.wav", open), 7);
+    EXPECT_EQ(errno, EDOM);
+    EXPECT_EQ(look_up_to_open("rb", "/old/kick.wav", open), 7);
+    EXPECT_EQ(calls, (std::vector<std::string>{"/old/kick.wav", "/new/kick.wav", "/old/kick.wav",
+                                               "/new/kick.wav"}));
+    EXPECT_EQ(end().relinked.size(), 1u);
+}
+
+TEST_F(LookUp, OfAnOpenThatFailsAsksWhetherTheFileMayBeRead) {
+    readable.clear();
+    EXPECT_EQ(
+        look_up_to_open(O_RDONLY, "/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }),
+        -1);
+    EXPECT_EQ(end().unresolved, std::vector<std::string>{"/old/kick.wav"});
+    begin(index);
+    readable = {"/new/kick.wav"};
+    const int result = look_up_to_open(O_RDONLY, "/old/kick.wav", [&](const char* p) {
+        errno = p == std::string("/new/kick.wav") ? EMFILE : ENOENT;
+        return -1;
+    });
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(errno, EMFILE);
+    EXPECT_EQ(end().relinked.size(), 1u);
+}
+
+#ifdef O_PATH
+TEST_F(LookUp, OfAnOpenWithoutRightsAsksWhetherTheFileMayBeRead) {
+    readable.clear();
+    const int result = look_up_to_open(O_RDONLY | O_PATH, "/old/kick.wav", [&](const char* p) {
+        errno = ENOENT;
+        return p == std::string("/new/kick.wav") ? 7 : -1;
+    });
+    EXPECT_EQ(result, -1);
+    EXPECT_EQ(end().unresolved, std::vector<std::string>{"/old/kick.wav"});
+}
+#endif
+
 TEST_F(LookUp, LeavesTheSecondErrorWhenTheSessionsFileIsThere) {
     for (const int error : {EINVAL, EACCES, EPERM, ENOTDIR, ENODATA, EMFILE}) {
         calls.clear();

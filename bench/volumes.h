@@ -26,7 +26,7 @@ namespace fs = std::filesystem;
 
 /// A row of the table: samples of one size on one kind of volume.
 struct VolumeRow {
-    const char* volume;    ///< the kind of file system
+    const char* volume;    ///< the file system of the volume
     std::size_t size;      ///< of one sample, in bytes
     const char* size_text; ///< the same as text
     const char* goal;      ///< the last cell of the row
@@ -67,7 +67,7 @@ inline void finish_writing(const fs::path& folder) {
 struct Comparison {
     std::vector<double> ours;      ///< CPU time in milliseconds
     std::vector<double> reference; ///< the same
-    std::vector<double> ratios;    ///< ours to the reference
+    std::vector<double> ratios;    ///< ours divided by the reference
 
     /// Prints the row of the medians.
     void print(const std::string& work, const char* goal) const {

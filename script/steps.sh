@@ -21,7 +21,7 @@ skipped_tests() {
     sed -nE 's/^[[:space:]]+[0-9]+ - (.*) \(Skipped\)$/\1/p' "$1"
 }
 
-# row NAME OUTCOME SECONDS PROCESSOR-SECONDS
+# row NAME OUTCOME SECONDS PROCESSOR-SECONDS: prints a row of the table.
 row() {
     printf '   %-10s %-8s %8.1f s %10.1f s of processor\n' "$@"
 }

@@ -1,5 +1,4 @@
-// The tool's import of every real EXS24 instrument has the result in the list beside the
-// instruments.
+// The tool imports every real EXS24 instrument with the result listed beside the instruments.
 #include "support/import_run.h"
 #include "support/temp_folder.h"
 

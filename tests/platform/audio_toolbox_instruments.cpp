@@ -109,7 +109,7 @@ TEST_F(ExsInstruments, NeedPermissionToBeRead) {
     fs::permissions(folder.path(), fs::perms::all);
     fs::permissions(folder / "Pad.exs", fs::perms::none);
     EXPECT_EQ(in_child([&] {
-                  become_nobody(); // the superuser may read everything
+                  become_nobody(); // root may read every file
                   return load(folder / "Pad.exs") == not_permitted ? 0 : 1;
               }),
               0);

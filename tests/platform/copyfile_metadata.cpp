@@ -192,7 +192,7 @@ TEST_F(CopyFileMetadata, KeepsItsOwnOwnerWhereTheOtherIsNotPermitted) {
 
 TEST_F(CopyFileMetadata, DoesWithoutMetadataWhereTheVolumeHasNone) {
     set_attribute(from, "user.comment", "a kick");
-    chown(from.c_str(), 4242, 4343); // as far as permitted
+    chown(from.c_str(), 4242, 4343); // changes the owner only when that is permitted
     EXPECT_EQ(in_child([&] {
                   if (!refuse({{SYS_fsetxattr, EOPNOTSUPP},
                                {SYS_fgetxattr, EOPNOTSUPP},

@@ -405,7 +405,7 @@ TEST(ExsReader, NameCutWithinACharacterLosesThatAlone) {
     ASSERT_TRUE(instrument);
     EXPECT_EQ(instrument->zones.at(0).name, long_name.substr(0, 63));
     EXPECT_EQ(instrument->zones.at(1).name, "caf\xC3\xA9");
-    EXPECT_EQ(instrument->zones.at(2).name, "caf\xE2\x88\x9A"); // a root sign
+    EXPECT_EQ(instrument->zones.at(2).name, "caf\xE2\x88\x9A"); // a square root sign
 }
 
 TEST(ExsReader, FolderOfAnOldSystemIsOneBelowVolumes) {

@@ -85,7 +85,8 @@ TEST(PropertyListDifferences, WideNumbersAreStoredOnceByAllTheirBits) {
         return to_hex(file.substr(8, file.find('\x14') - 8)) + ", " +
                std::to_string(std::ranges::count(file, '\x14'));
     };
-    EXPECT_EQ(objects_of("18446744073709551621", "36893488147419103237"), "a20102, 2"); // 5 below
+    // The first two numbers have the same low 64 bits: 5.
+    EXPECT_EQ(objects_of("18446744073709551621", "36893488147419103237"), "a20102, 2");
     EXPECT_EQ(objects_of("18446744073709551621", "18446744073709551622"), "a20102, 2");
     EXPECT_EQ(objects_of("18446744073709551621", "18446744073709551621"), "a20101, 1");
 }

@@ -1,4 +1,4 @@
-// Property lists as text, so that tests can compare and show them. Public headers only.
+// Property lists as text, so that tests can compare and print them. Uses public headers only.
 #pragma once
 
 #include "platform/core_foundation_vectors.h"

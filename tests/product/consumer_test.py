@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""examples/consume/consume.py, the program that docs/consuming.md shows."""
+"""Tests of examples/consume/consume.py, to which docs/consuming.md refers."""
 
 import os
 import sys

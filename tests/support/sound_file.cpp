@@ -25,7 +25,7 @@ std::string wav_bytes(int frames) {
     append_number(bytes, 1, 2); // channels
     append_number(bytes, rate, 4);
     append_number(bytes, 2 * rate, 4);
-    append_number(bytes, 2, 2);  // bytes a frame
+    append_number(bytes, 2, 2);  // bytes per frame
     append_number(bytes, 16, 2); // bits
     bytes += "data";
     append_number(bytes, data_size, 4);

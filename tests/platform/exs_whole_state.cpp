@@ -82,7 +82,9 @@ public:
     void part(const std::string& path,
               const std::vector<std::pair<std::string, StateEntry>>& keys) {
         for (const auto& [key, value] : keys) {
-            paths[path.empty() ? key : path + "/" + key] = value;
+            std::string place = path;
+            place += path.empty() ? key : "/" + key;
+            paths[place] = value;
         }
     }
     void envelope(const std::string& path, int id, const std::array<double, 4>& times_and_level) {

@@ -18,12 +18,6 @@ std::string repeated(const std::string& part, std::size_t times) {
     return whole;
 }
 
-/// The number of objects in a binary property list that has fewer than 65,536.
-unsigned count_of(const std::string& bytes) {
-    return static_cast<unsigned char>(bytes.at(bytes.size() - 17)) +
-           256u * static_cast<unsigned char>(bytes.at(bytes.size() - 18));
-}
-
 /// The first key of the dictionary at `index` of an array.
 CFTypeRef key_in(CFPropertyListRef array, CFIndex index) {
     const void* key = nullptr;

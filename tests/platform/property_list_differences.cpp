@@ -16,12 +16,6 @@ namespace {
 
 using namespace std::string_literals;
 
-/// The number of objects in a binary property list that has fewer than 65,536.
-unsigned count_of(const std::string& bytes) {
-    return static_cast<unsigned char>(bytes.at(bytes.size() - 17)) +
-           256u * static_cast<unsigned char>(bytes.at(bytes.size() - 18));
-}
-
 /// The URL made of a string.
 Holder<CFURLRef> url_of(const char* text) {
     const auto string = hold(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));

@@ -276,4 +276,9 @@ Holder<CFTypeRef> array_of(const std::vector<const void*>& items) {
                                            &kCFTypeArrayCallBacks)};
 }
 
+unsigned count_of(const std::string& bytes) {
+    return static_cast<unsigned char>(bytes.at(bytes.size() - 17)) +
+           256u * static_cast<unsigned char>(bytes.at(bytes.size() - 18));
+}
+
 } // namespace lumo::test

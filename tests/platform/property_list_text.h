@@ -31,6 +31,9 @@ Holder<CFPropertyListRef> read_list(std::string_view bytes);
 /// A property list in its binary form, or "refused: domain code".
 std::string written(CFPropertyListRef list);
 
+/// The number of objects in a binary property list that has fewer than 65,536.
+unsigned count_of(const std::string& bytes);
+
 /// An array of the given objects.
 Holder<CFTypeRef> array_of(const std::vector<const void*>& items);
 

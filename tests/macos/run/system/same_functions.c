@@ -1,6 +1,6 @@
 // The functions that take and give the same on a Mac as here; none of them sets errno
 // to a number that differs, or no caller looks. In C, where a name has one type.
-#define _GNU_SOURCE
+#define _GNU_SOURCE // NOLINT(bugprone-reserved-identifier): the C library asks for this name
 #include <arpa/inet.h>
 #include <ctype.h>
 #include <math.h>
@@ -21,9 +21,9 @@ struct Same {
     void* function;
 };
 
-extern __int128 __divti3(__int128, __int128);
+extern __int128 __divti3(__int128, __int128); // NOLINT(bugprone-reserved-identifier): libgcc's
 
-#define SAME(name) {"_" #name, (void*)name},
+#define SAME(name) {"_" #name, (void*)(name)},
 
 // clang-format off
 const struct Same lumo_same_functions[] = {
@@ -40,7 +40,7 @@ const struct Same lumo_same_functions[] = {
     SAME(ftello) SAME(fseek) SAME(fseeko)
     SAME(strtod) SAME(strtof) SAME(strtol) SAME(strtoll) SAME(strtoul) SAME(strtoull)
     SAME(wcstod) SAME(wcstof) SAME(wcstol) SAME(wcstoll) SAME(wcstoul)
-    SAME(wcstoull) SAME(lround) SAME(nextafter) SAME(fmod) SAME(pow) SAME(round) SAME(sqrt)
+    SAME(wcstoull) SAME(lround) SAME(llround) SAME(nextafter) SAME(fmod) SAME(pow) SAME(round) SAME(sqrt)
     SAME(floor) SAME(ceil)
     SAME(getpid) SAME(geteuid) SAME(getuid) SAME(isatty) SAME(umask) SAME(time) SAME(localtime_r)
     SAME(gmtime_r) SAME(nanosleep)

@@ -368,7 +368,7 @@ class SummingUp(LibraryTest):
 
 Failed, by cause:
         1 a sample wasn't found
-          To do: add the folder that has them with `--search`
+          To do: add the folder that has them with --search
 
 What to do next:
           do what stands with each cause, and run again, naming only the instruments that are left

@@ -52,7 +52,7 @@ TEST(Summary, OfALibraryWithFailures) {
 
 Failed, by cause:
         2 a sample wasn't found
-          To do: add the folder that has them with `--search`
+          To do: add the folder that has them with --search
         1 AUSampler couldn't load it (OSStatus -10871): the instrument file is damaged, is no plain file, or has more than 1 GiB
           To do: bring it back from a backup, or save it again
         1 AUSampler couldn't load it (OSStatus 7)

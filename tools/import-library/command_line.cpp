@@ -27,8 +27,9 @@ constexpr const char* footer =
 
 constexpr const char* usage =
     "usage: lumo-import-library --package SHOW.lumo --states FOLDER [--search FOLDER]...\n"
-    "           [--lines FILE] [--continue FILE] [--shard K/N] [--dry-run] FOLDER|INSTRUMENT...\n"
-    "       lumo-import-library --from FILE...\n";
+    "           [--page FILE.html] [--lines FILE] [--continue FILE] [--shard K/N] [--dry-run]\n"
+    "           FOLDER|INSTRUMENT...\n"
+    "       lumo-import-library --from FILE... [--page FILE.html]\n";
 
 class Format : public CLI::Formatter {
 public:
@@ -67,6 +68,7 @@ void add_options(Options& options) {
         app.add_flag("--dry-run", line.is_dry_run, "only say how many instruments there are"),
         app.add_option("arguments", line.arguments),
     };
+    options.value("--page", line.page, "FILE.html", "write a page about all instruments");
     app.add_option("--from", line.from, "import nothing: sum up the report lines of these files")
         ->type_name("FILE");
     app.set_version_flag("--version", "lumo-import-library " LUMO_VERSION);

@@ -6,6 +6,7 @@
 #include "interrupt.h"
 #include "lines_file.h"
 #include "own_path.h"
+#include "page.h"
 #include "progress.h"
 #include "summary.h"
 #include "text.h"
@@ -14,10 +15,14 @@
 #include <stdio.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <map>
 #include <set>
+#include <system_error>
 #include <utility>
 
 namespace lumo::library {
@@ -55,13 +60,45 @@ bool has_bad_argument(const CommandLine& line) {
     return is_bad;
 }
 
+/// Tells that no file can be made at `path`, if that is so; an empty path is no file.
+bool has_bad_page(const std::string& path) {
+    const fs::path folder = fs::path(path).parent_path();
+    std::error_code error;
+    int failure = access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) != 0 ? errno : 0;
+    failure = fs::is_directory(path, error) ? EISDIR : failure;
+    if (!path.empty() && failure != 0) {
+        complain(shown(path) + ": " + std::generic_category().message(failure));
+    }
+    return !path.empty() && failure != 0;
+}
+
+/// The local date and time.
+std::string now_text() {
+    const std::time_t now = std::time(nullptr);
+    std::array<char, 64> text{};
+    std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", std::localtime(&now));
+    return text.data();
+}
+
+/// Writes the page, if there is to be one. False when that failed, which is told.
+bool finish_page(const Page& page, const Tally& tally, const PageHead& head) {
+    if (head.notes.page.empty()) {
+        return true;
+    }
+    const std::string fault = write_page(head.notes.page, page.html(tally, head));
+    if (!fault.empty()) {
+        complain(shown(head.notes.page) + ": " + fault);
+    }
+    return fault.empty();
+}
+
 /// Imports one library.
 class Import {
 public:
     explicit Import(const CommandLine& line) : line_(line) {}
 
     int run() {
-        if (has_bad_argument(line_) || !open_files()) {
+        if (has_bad_argument(line_) || has_bad_page(line_.page) || !open_files()) {
             return wrong_command_line;
         }
         watch_interrupts();
@@ -73,8 +110,7 @@ public:
             return all_imported;
         }
         const RunEnd end = import();
-        sum_up(end);
-        return status(end);
+        return sum_up(end) || end == RunEnd::interrupted ? status(end) : could_not_finish;
     }
 
 private:
@@ -211,9 +247,14 @@ private:
                 line_without_import(to_do_[instrument], "the tool gave no report line for it"));
         }
         tally_.add(*report);
+        if (!line_.page.empty()) {
+            page_.add(*report);
+        }
     }
 
-    void sum_up(RunEnd end) {
+    /// Tells how the run ended and writes the summary and the page. False when the page could not
+    /// be written.
+    bool sum_up(RunEnd end) {
         notes_.lines = line_.lines;
         notes_.left = to_do_.size() - tally_.imported - tally_.failed;
         if (!lines_fault_.empty()) {
@@ -221,7 +262,11 @@ private:
         } else if (end == RunEnd::failed) {
             complain("the run could not be finished");
         }
+        notes_.page = line_.page;
+        const bool is_written = finish_page(page_, tally_, {line_.package, now_text(), notes_});
+        notes_.page = is_written ? line_.page : "";
         say('\n' + summary_text(tally_, notes_));
+        return is_written;
     }
 
     int status(RunEnd end) const {
@@ -244,6 +289,7 @@ private:
     Instruments found_;
     std::vector<std::string> to_do_;
     Tally tally_;
+    Page page_;
     SummaryNotes notes_;
 };
 
@@ -254,6 +300,9 @@ int import_library(const CommandLine& line) {
 }
 
 int sum_up(const CommandLine& line) {
+    if (has_bad_page(line.page)) {
+        return wrong_command_line;
+    }
     std::map<std::string, Report> reports; // what came last of each instrument
     for (const std::string& file : line.from) {
         const LinesRead read = read_lines_file(file, [&](Report&& report) {
@@ -269,10 +318,21 @@ int sum_up(const CommandLine& line) {
         }
     }
     Tally tally;
+    Page page;
     for (const auto& [source, report] : reports) {
         tally.add(report);
+        if (!line.page.empty()) {
+            page.add(report);
+        }
     }
-    say(reports.empty() ? "no instrument found\n" : summary_text(tally, {}));
+    SummaryNotes notes;
+    notes.page = line.page;
+    const bool is_written = finish_page(page, tally, {"", now_text(), notes});
+    notes.page = is_written ? line.page : "";
+    say(reports.empty() ? "no instrument found\n" : summary_text(tally, notes));
+    if (!is_written) {
+        return could_not_finish;
+    }
     return tally.failed > 0 ? some_failed : all_imported;
 }
 

@@ -38,12 +38,18 @@ std::string totals(const Tally& tally, const SummaryNotes& notes) {
     return text;
 }
 
+/// Text of the documents without the backquotes around what is to be typed.
+std::string plain(std::string text) {
+    std::erase(text, '`');
+    return text;
+}
+
 std::string failures(const Tally& tally) {
     std::string text = "\nFailed, by cause:\n";
     for (const CauseCount& count : tally.causes()) {
         text += column(with_thousands(count.failures)) + shown(count.cause.text) + '\n';
         if (!count.cause.remedy.empty()) {
-            text += indented("To do: " + shown(count.cause.remedy));
+            text += indented("To do: " + plain(count.cause.remedy));
         }
     }
     return text;

@@ -1,0 +1,136 @@
+#!/usr/bin/env python3
+"""Makes a library of instruments for trying lumo-import-library: made_library.py FOLDER [INSTRUMENTS]
+
+By default there are 2,000 instruments in 60 folders of FOLDER/Instruments. 200 of their samples moved
+to FOLDER/Moved, others are gone, 3 instruments play samples of Apple's library, and each kind of
+failure that files can bring about is there.
+"""
+
+import os
+import plistlib
+import struct
+import sys
+import wave
+from pathlib import Path
+
+INSTRUMENTS, FOLDERS, MOVED = 2000, 60, 200
+KINDS = ("Violins", "Violas", "Cellos", "Basses", "Flutes", "Oboes", "Clarinets", "Bassoons", "Horns",
+         "Trumpets", "Trombones", "Timpani", "Harp", "Celesta", "Piano", "Choir", "Organ", "Marimba",
+         "Vibraphone", "Glockenspiel")
+PLACES = ("Chamber", "Hall", "Studio")
+STYLES = ("Legato", "Spiccato", "Tremolo", "Pizzicato", "Sustain", "Marcato", "Con Sordino", "Harmonics")
+SAMPLES = 4
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "faults"))
+from scene import write_exs  # noqa: E402 (it is found by the line before)
+FIRST_WAVEFORM = 0x10000000
+CLASS_INFO = {"version": 0, "type": 0x61756D75, "subtype": 0x73616D70, "manufacturer": 0x6170706C,
+              "name": "Untitled", "data": bytes.fromhex(
+                  "00000000 00000000 00000004 00000384 00000000 00000385 00000000"
+                  "00000386 00000000 00000387 00000000")}
+
+
+def sound(path, frames):
+    path.parent.mkdir(parents=True, exist_ok=True)
+    with wave.open(str(path), "wb") as file:
+        file.setnchannels(1)
+        file.setsampwidth(2)
+        file.setframerate(44100)
+        file.writeframes(struct.pack(f"<{frames}h", *(i * 37 % 4000 - 2000 for i in range(frames))))
+
+
+def layer(number, name, areas, **more):
+    zones = [{"ID": i, "enabled": True, "loop enabled": False, "root key": low,
+              "waveform": FIRST_WAVEFORM + i % SAMPLES, "min key": low, "max key": high, "min vel": soft,
+              "max vel": loud} for i, (low, high, soft, loud) in enumerate(areas)]
+    return {"ID": number, "name": name, "Zones": zones, **more}
+
+
+def layers_of(i):
+    """Layers that differ from instrument to instrument."""
+    low, step = 24 + i % 24, 3 + i % 4
+    high = min(low + 8 * step, 120)
+    split = 50 + i % 40
+    keys = [(key, min(key + step - 1, high)) for key in range(low, high, step)]
+    layers = [layer(0, "Sustain", [(a, b, 1, split) for a, b in keys] +
+                    [(a, b, split + 1, 127) for a, b in keys])]
+    if i % 3 == 0:
+        layers.append(layer(1, "Noise", [(low, high, 90, 127)]))
+    if i % 4 == 0:
+        layers.append(layer(2, "Release", [(a, b, 1, 127) for a, b in keys[::2]],
+                            **{"trigger mode": 12}))
+    if i % 5 == 0:
+        layers.append(layer(3, "Mod wheel", [(low, high, 1, 60)],
+                            **{"sel ctrlr": 1, "min key": low + step, "max vel": 40}))
+    return layers
+
+
+def preset(path, references, layers):
+    path.parent.mkdir(parents=True, exist_ok=True)
+    path.write_bytes(plistlib.dumps(
+        {**CLASS_INFO, "Instrument": {"name": path.name, "Layers": layers},
+         "file-references": {f"Sample:{FIRST_WAVEFORM + i}": os.fspath(reference)
+                             for i, reference in enumerate(references)}}, fmt=plistlib.FMT_BINARY))
+
+
+def failures(folder):
+    """Instruments that fail, each in its own way, as functions of the path that they make."""
+    good = folder / "good.wav"
+    sound(good, 60)
+    text = folder / "no sound.wav"
+    text.write_text("this is no sound")
+    badly_named = Path(os.fsdecode(os.fsencode(folder.parent / "Moved") + b"/\xff"))
+    sound(badly_named / "badly named.wav", 61)
+    one = [layer(0, "", [(60, 60, 1, 127)])]
+    deep = {"Instrument": {"Layers": one}, **CLASS_INFO, "subtype": 0}
+    return [
+        ("Not a list.aupreset", lambda path: path.write_text("no property list")),
+        ("Empty.aupreset", lambda path: path.write_bytes(b"")),
+        ("Damaged.exs", lambda path: path.write_bytes(b"\1\1\0\0" * 50)),
+        ("Another unit.aupreset", lambda path: path.write_bytes(plistlib.dumps(deep))),
+        ("Plays a text.aupreset", lambda path: preset(path, [text], one)),
+        ("Plays nothing.aupreset", lambda path: preset(path, [folder / "gone"], one)),
+        ("Loses its sample.aupreset",
+         lambda path: preset(path, ["/Volumes/Old Disk/Solo/gone.wav"], one)),
+        ("Sample in an odd folder.aupreset",
+         lambda path: preset(path, ["/Volumes/Old Disk/badly named.wav"], one)),
+        (f"{'Name too long for a state ' * 10}"[:250] + ".exs",
+         lambda path: write_exs(path, [good])),
+    ]
+
+
+def make(folder, instruments=INSTRUMENTS):
+    """Makes the library below `folder`; how many instruments fail."""
+    root = folder / "Instruments"
+    bad = failures(folder / "Odd")
+    names = [(f"{PLACES[i % 3]} {KINDS[i // 3 % len(KINDS)]}", STYLES[i // FOLDERS % len(STYLES)], i)
+             for i in range(instruments)]
+    failed = 0
+    for name, style, i in names:
+        path = root / name / f"{style} {i // FOLDERS + 1}.aupreset"
+        recorded = Path("/Volumes/Old Disk/Samples") / name
+        samples = [f"{style} {i} {note}.wav" for note in range(SAMPLES)]
+        path.parent.mkdir(parents=True, exist_ok=True)
+        if i % 200 == 7 and i // 200 < len(bad):
+            title, write = bad[i // 200]
+            write(path.parent / title)
+            failed += 1
+        elif i % (instruments // 3 + 1) == 11:
+            apple = "/Library/Application Support/Logic/Samples/Strings"
+            preset(path, [f"{apple}/{sample}" for sample in samples], layers_of(i))
+            failed += 1
+        elif i % 20 == 13:  # the disk with these is gone
+            preset(path, [recorded / sample for sample in samples], layers_of(i))
+            failed += 1
+        else:
+            moved = i % (instruments * SAMPLES // MOVED) == 1
+            place = folder / "Moved" / name if moved else root / name
+            for note, sample in enumerate(samples):
+                sound(place / sample, 500 + (i * SAMPLES + note) % 997)
+            preset(path, [(recorded if moved else root / name) / sample for sample in samples],
+                   layers_of(i))
+    return failed
+
+
+if __name__ == "__main__":
+    print(make(Path(sys.argv[1]).resolve(), int(sys.argv[2]) if len(sys.argv) > 2 else INSTRUMENTS))

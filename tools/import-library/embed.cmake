@@ -1,0 +1,13 @@
+# Run by `cmake -P`: writes OUT, a source with the files of the page (below FOLDER) as bytes.
+set(source "// Made by embed.cmake: the files of the page as bytes.\n#include \"page_files.h\"\n\n")
+string(APPEND source "namespace lumo::library {\nnamespace {\n")
+set(views "")
+foreach(name page.html page.css page.js)
+  file(READ ${FOLDER}/${name} bytes HEX)
+  string(REGEX REPLACE "(..)" "'\\\\x\\1'," bytes "${bytes}")
+  string(MAKE_C_IDENTIFIER ${name} identifier)
+  string(APPEND source "constexpr char ${identifier}_bytes[] = {${bytes}};\n")
+  string(APPEND views "const std::string_view ${identifier}(${identifier}_bytes, sizeof ${identifier}_bytes);\n")
+endforeach()
+string(APPEND source "} // namespace\n\n${views}\n} // namespace lumo::library\n")
+file(WRITE ${OUT} "${source}")

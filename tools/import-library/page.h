@@ -1,0 +1,47 @@
+// The page about all instruments: one HTML file that needs nothing else.
+#pragma once
+
+#include "report.h"
+#include "summary.h"
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lumo::library {
+
+/// What the page's head says beside the tally.
+struct PageHead {
+    std::string package; ///< empty when it is not known
+    std::string made;    ///< when, as a person writes it
+    SummaryNotes notes;
+};
+
+/// Gathers instruments and makes the page of them. Names are text in it, whatever they hold.
+class Page {
+public:
+    /// Adds an instrument; its key map is read from the state that the report names.
+    void add(const Report& report);
+
+    /// The whole page.
+    std::string html(const Tally& tally, const PageHead& head) const;
+
+private:
+    std::size_t folder_number(std::string_view folder);
+    std::size_t cause_number(const Cause& cause);
+    std::string path(std::string_view bytes);
+    std::string paths(const std::vector<std::string>& list);
+    std::string relinked(const Report& report);
+
+    std::string instruments_; // JSON, separated by commas
+    std::map<std::string, std::size_t, std::less<>> folders_;
+    std::map<std::string, std::size_t, std::less<>> causes_;
+};
+
+/// Writes the page to `path`, over one that is there, complete or not at all. The reason why that
+/// cannot be done, or nothing.
+std::string write_page(const std::string& path, const std::string& html);
+
+} // namespace lumo::library

@@ -12,7 +12,7 @@ import unittest
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "faults"))
-from scene import contents, write_exs, write_preset, write_wave  # noqa: F401 (for the tests)
+from scene import contents, write_exs, write_preset, write_wave  # noqa: E402, F401 (for the tests)
 
 PROJECT = Path(__file__).resolve().parents[2]
 TOOL = Path(os.environ["LUMO_TOOL"]).resolve()

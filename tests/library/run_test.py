@@ -157,13 +157,17 @@ class Lines(LibraryTest):
                           b"lib/Kit/Kit.aupreset"])
         tool = subprocess.run([TOOL, *self.words()[1:], *sources], cwd=self.folder,
                               capture_output=True, check=True).stdout
-        without_time = lambda lines: [line.split(b'"loadMs"')[0] for line in lines.split(b"\n")]
+
+        def without_time(lines):
+            return [line.split(b'"loadMs"')[0] for line in lines.split(b"\n")]
+
         self.assertEqual(without_time(ours), [b"kept", *without_time(tool)])
 
     def test_leave_out_sources_byte_for_byte(self):
         self.use_stand_in()
-        names = [os.fsdecode(name) for name in (b"caf\xe9.exs", b"caf\xc3\xa9.exs", b"e\xcc\x81.exs",
-                                                b"\xc3\xa9.exs", b"\xf4\x8f\x9f\xa9.exs")]
+        names = [os.fsdecode(name) for name in (
+            b"caf\xe9.exs", b"caf\xc3\xa9.exs", b"e\xcc\x81.exs", b"\xc3\xa9.exs",
+            b"\xf4\x8f\x9f\xa9.exs")]
         self.make(*names)
         self.expect(self.run_library("--lines", "lines", "lib"), 0)
         lines = (self.folder / "lines").read_bytes().splitlines(keepends=True)

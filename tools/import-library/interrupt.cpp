@@ -24,7 +24,7 @@ void watch_interrupts() {
         if (before.sa_handler != SIG_IGN) {
             struct sigaction action {};
             action.sa_handler = remember;
-            action.sa_flags = SA_RESETHAND;
+            action.sa_flags = static_cast<int>(SA_RESETHAND); // unsigned in glibc, int in the field
             sigaction(number, &action, nullptr);
         }
     }

@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 
 namespace lumo::exs {
@@ -160,14 +161,27 @@ std::optional<Brought> bring_samples(const void* state, const Options& options, 
     }
 }
 
+std::string numbered_state(const fs::path& folder, const std::string& name, unsigned number) {
+    const std::string suffix = number == 1 ? "" : "-" + std::to_string(number);
+    return (folder / (name + suffix + ".aupreset")).string();
+}
+
+bool is_taken(const fs::path& file) {
+    return fs::exists(fs::symlink_status(file));
+}
+
 /// The first of NAME.aupreset, NAME-2.aupreset, NAME-3.aupreset and so on that is not there.
-/// Throws when that cannot be told.
+/// Throws if that cannot be tested. A run may import thousands of instruments of one name: as long
+/// as the last state of that name is still there, the numbers before it are not tested again.
 fs::path free_name(const fs::path& folder, const std::string& name) {
-    fs::path file = folder / (name + ".aupreset");
-    for (unsigned number = 2; fs::exists(fs::symlink_status(file)); ++number) {
-        file = folder / (name + "-" + std::to_string(number) + ".aupreset");
+    thread_local std::unordered_map<std::string, unsigned> last_numbers; // by the first name's path
+    unsigned& last = last_numbers[numbered_state(folder, name, 1)];      // 0: none yet
+    const bool goes_on = last > 0 && is_taken(numbered_state(folder, name, last));
+    last = goes_on ? last + 1 : 1;
+    while (is_taken(numbered_state(folder, name, last))) {
+        ++last;
     }
-    return file;
+    return numbered_state(folder, name, last);
 }
 
 /// Writes `state` into the states folder, which is open as `folder`.

@@ -64,6 +64,17 @@ TEST_F(ImportState, IsNumberedWhereAnotherIs) {
     EXPECT_EQ(import_instrument(exs, options).state_file, state_path("X-3.aupreset"));
 }
 
+TEST_F(ImportState, GoesOnAfterTheLastNumberAsLongAsThatIsThere) {
+    const auto next = [&] { return import_preset("X.aupreset").state_file; };
+    EXPECT_EQ(next(), state_path("X.aupreset"));
+    EXPECT_EQ(next(), state_path("X-2.aupreset"));
+    write_file(state_path("X-3.aupreset"), "of another process");
+    EXPECT_EQ(next(), state_path("X-4.aupreset"));
+    std::filesystem::remove_all(options.states);
+    EXPECT_EQ(next(), state_path("X.aupreset"));
+    EXPECT_EQ(next(), state_path("X-2.aupreset"));
+}
+
 TEST_F(ImportState, NeverOverwrites) {
     write_file(state_path("X.aupreset"), "as it was");
     fs::create_directories(state_path("X-2.aupreset"));

@@ -58,4 +58,16 @@ TEST_F(SystemCalls, OfASmallSampleThatMovedAreFew) {
     EXPECT_LT(of_a_sample, 27.0);
 }
 
+TEST_F(SystemCalls, OfInstrumentsOfOneNameDoNotGrowWithTheirNumber) {
+    const std::string preset = make_preset("Kit.aupreset", {make_sound("Kit/kick.wav")});
+    const auto calls = [&](std::size_t times) {
+        return calls_of_import(std::vector<std::string>(times, preset));
+    };
+    const std::ptrdiff_t few = calls(20);
+    const std::ptrdiff_t more = calls(40);
+    const std::ptrdiff_t many = calls(60);
+    EXPECT_LT((many - more) - (more - few),
+              20); // 400 if each import tests all names before its own
+}
+
 } // namespace

@@ -1,4 +1,5 @@
 // The tool imports every real EXS24 instrument with the result listed beside the instruments.
+#include "corpus/corpus_folder.h"
 #include "support/import_run.h"
 #include "support/temp_folder.h"
 
@@ -11,8 +12,6 @@ namespace lumo::test {
 namespace {
 
 using nlohmann::json;
-
-const std::filesystem::path corpus = std::filesystem::path(LUMO_SHARED) / "corpus";
 
 json import(const std::string& instrument) {
     const TempFolder folder;

@@ -1,5 +1,6 @@
 // Real instruments, imported by the tool, against the states that the real sampler saved after
 // loading them.
+#include "corpus/corpus_folder.h"
 #include "support/import_run.h"
 #include "support/state_paths.h"
 #include "support/temp_folder.h"
@@ -11,8 +12,6 @@
 
 namespace lumo::test {
 namespace {
-
-const std::filesystem::path corpus = std::filesystem::path(LUMO_SHARED) / "corpus";
 
 /// The state without entries that do not come from the instrument: the name that a host set, the
 /// folders of the samples and, in one state, LFOs left by an instrument that was loaded before.

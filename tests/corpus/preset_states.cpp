@@ -1,5 +1,6 @@
 // Round trips through the embedded sampler: of states that the real sampler saved, and of states
 // that the embedded one makes of real instruments.
+#include "corpus/corpus_folder.h"
 #include "platform/round_trip.h"
 #include "platform/sampler_host.h"
 #include "support/temp_folder.h"
@@ -13,8 +14,6 @@ namespace fs = std::filesystem;
 
 namespace lumo::test {
 namespace {
-
-const fs::path corpus = fs::path(LUMO_SHARED) / "corpus";
 
 /// The property list in a file; null when there is none.
 Ref<CFPropertyListRef> read_preset(const fs::path& path) {

@@ -1,4 +1,5 @@
 // Presets that the real AUSampler saved, imported by the built tool.
+#include "corpus/corpus_folder.h"
 #include "exs/list_values.h"
 #include "support/import_run.h"
 #include "support/temp_folder.h"
@@ -14,8 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace lumo::test;
 using nlohmann::json;
-
-const fs::path corpus = fs::path(LUMO_SHARED) / "corpus";
 
 /// The manifest lists this template as a property list. Its references contain a bare word, a
 /// placeholder, and CoreFoundation refuses text there.

@@ -9,6 +9,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -57,6 +58,19 @@ int mac_fcntl(int file, int command, ...) {
     default:
         unknown("fcntl", command);
     }
+}
+
+int mac_ioctl(int file, unsigned long request, ...) {
+    constexpr unsigned long mac_fionread = 0x4004667F; // sys/filio.h: _IOR('f', 127, int)
+    va_list arguments;
+    va_start(arguments, request);
+    take_mac_arguments(arguments);
+    int* const value = va_arg(arguments, int*);
+    va_end(arguments);
+    if (request != mac_fionread) {
+        unknown("ioctl", static_cast<long>(request));
+    }
+    return done(::ioctl(file, FIONREAD, value));
 }
 
 int mac_utimensat(int folder, const char* path, const timespec* times, int flags) {
@@ -109,8 +123,11 @@ CHECKED(fchmodat, int, (int f, const char* path, mode_t mode, int flags),
         (folder_of(f), path, mode, at_flags(flags)))
 
 const Name names[] = {
-    row("_realpath", mac_realpath), row("_realpath$DARWIN_EXTSN", mac_realpath_extended),
-    row("_fcntl", mac_fcntl), row("_utimensat", mac_utimensat),
+    row("_realpath", mac_realpath),
+    row("_realpath$DARWIN_EXTSN", mac_realpath_extended),
+    row("_fcntl", mac_fcntl),
+    row("_ioctl", mac_ioctl),
+    row("_utimensat", mac_utimensat),
 // clang-format off
 #define ROW(name) row("_" #name, mac_##name),
     ROW(close) ROW(read) ROW(write) ROW(pread) ROW(lseek) ROW(flock) ROW(poll) ROW(chdir)

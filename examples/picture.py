@@ -78,7 +78,8 @@ def keyboard():
             yield (f'<rect x="{LEFT + key * KEY}" y="{TOP}" width="{KEY}" '
                    f'height="{127 * CELL}" fill="#eeeeee"/>')
         if key % 12 == 0:
-            yield (f'<text x="{LEFT + key * KEY}" y="{TOP + 127 * CELL + 14}">C{key // 12 - 2}</text>')
+            at = f'x="{LEFT + key * KEY}" y="{TOP + 127 * CELL + 14}"'
+            yield f"<text {at}>C{key // 12 - 2}</text>"
     for velocity in (1, 64, 127):
         yield f'<text x="4" y="{TOP + (128 - velocity) * CELL + 4}">{velocity}</text>'
 

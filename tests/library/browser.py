@@ -46,7 +46,8 @@ class Browser:
             os.close(end)
         self.number, self.pending, self.events, self.session = 0, b"", [], None
         target = self.call("Target.createTarget", url="about:blank")["targetId"]
-        self.session = self.call("Target.attachToTarget", targetId=target, flatten=True)["sessionId"]
+        attached = self.call("Target.attachToTarget", targetId=target, flatten=True)
+        self.session = attached["sessionId"]
         for domain in ("Page", "Runtime", "Log"):
             self.call(f"{domain}.enable")
         self.call("Performance.enable", timeDomain="threadTicks")

@@ -1,9 +1,11 @@
 #!/usr/bin/env python3
-"""Makes a library of instruments for trying lumo-import-library: made_library.py FOLDER [INSTRUMENTS]
+"""Makes a library of instruments for trying lumo-import-library.
 
-By default there are 2,000 instruments in 60 folders of FOLDER/Instruments. 200 of their samples moved
-to FOLDER/Moved, others are gone, 3 instruments play samples of Apple's library, and each kind of
-failure that files can bring about is there.
+usage: made_library.py FOLDER [INSTRUMENTS]
+
+By default there are 2,000 instruments in 60 folders of FOLDER/Instruments. 200 of their samples
+moved to FOLDER/Moved, others are gone, 3 instruments play samples of Apple's library, and each kind
+of failure that files can bring about is there.
 """
 
 import os
@@ -14,11 +16,12 @@ import wave
 from pathlib import Path
 
 INSTRUMENTS, FOLDERS, MOVED = 2000, 60, 200
-KINDS = ("Violins", "Violas", "Cellos", "Basses", "Flutes", "Oboes", "Clarinets", "Bassoons", "Horns",
-         "Trumpets", "Trombones", "Timpani", "Harp", "Celesta", "Piano", "Choir", "Organ", "Marimba",
-         "Vibraphone", "Glockenspiel")
+KINDS = ("Violins", "Violas", "Cellos", "Basses", "Flutes", "Oboes", "Clarinets", "Bassoons",
+         "Horns", "Trumpets", "Trombones", "Timpani", "Harp", "Celesta", "Piano", "Choir", "Organ",
+         "Marimba", "Vibraphone", "Glockenspiel")
 PLACES = ("Chamber", "Hall", "Studio")
-STYLES = ("Legato", "Spiccato", "Tremolo", "Pizzicato", "Sustain", "Marcato", "Con Sordino", "Harmonics")
+STYLES = ("Legato", "Spiccato", "Tremolo", "Pizzicato", "Sustain", "Marcato", "Con Sordino",
+          "Harmonics")
 SAMPLES = 4
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "faults"))
@@ -41,8 +44,8 @@ def sound(path, frames):
 
 def layer(number, name, areas, **more):
     zones = [{"ID": i, "enabled": True, "loop enabled": False, "root key": low,
-              "waveform": FIRST_WAVEFORM + i % SAMPLES, "min key": low, "max key": high, "min vel": soft,
-              "max vel": loud} for i, (low, high, soft, loud) in enumerate(areas)]
+              "waveform": FIRST_WAVEFORM + i % SAMPLES, "min key": low, "max key": high,
+              "min vel": soft, "max vel": loud} for i, (low, high, soft, loud) in enumerate(areas)]
     return {"ID": number, "name": name, "Zones": zones, **more}
 
 
@@ -103,8 +106,8 @@ def make(folder, instruments=INSTRUMENTS):
     """Makes the library below `folder`; how many instruments fail."""
     root = folder / "Instruments"
     bad = failures(folder / "Odd")
-    names = [(f"{PLACES[i % 3]} {KINDS[i // 3 % len(KINDS)]}", STYLES[i // FOLDERS % len(STYLES)], i)
-             for i in range(instruments)]
+    names = [(f"{PLACES[i % 3]} {KINDS[i // 3 % len(KINDS)]}",
+              STYLES[i // FOLDERS % len(STYLES)], i) for i in range(instruments)]
     failed = 0
     for name, style, i in names:
         path = root / name / f"{style} {i // FOLDERS + 1}.aupreset"

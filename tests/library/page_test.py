@@ -9,7 +9,6 @@ import re
 import tempfile
 import time
 import unittest
-from pathlib import Path
 
 from browser import Browser, find_browser
 from library_scene import LIBRARY, LibraryTest
@@ -124,7 +123,8 @@ def many_reports(folder, count):
         name = f"{kinds[i % 8]} Legato {i:05}"
         place = f"{kinds[i % 8]} {i // 100}"
         moved = [{"from": f"/Volumes/Old Samples/Orchestra/{place}/{name} C{k}.wav",
-                  "to": f"/srv/library/samples/Orchestra/{place}/{name} C{k}.wav"} for k in range(8)]
+                  "to": f"/srv/library/samples/Orchestra/{place}/{name} C{k}.wav"}
+                 for k in range(8)]
         line = report(name, source=f"Instruments/Orchestra/{place}/{name}.exs", relinked=moved,
                       stateFile=states[i % 100], samples=8, sampleBytes=8000 + i)
         if i % 20 == 0:
@@ -173,7 +173,8 @@ class InABrowser(PageTest):
                    unresolved=["/Volumes/Gone/Kit/x.wav", "/Volumes/Gone/Kit/y.wav"]),
             failed("Lost", "a sample wasn't found: z.wav", unresolved=["/Volumes/Gone/Kit/z.wav"]),
             failed("Apple's", "it uses samples from Apple's sound library: Lumo imports only your "
-                   "own or exported instruments", appleLibrary=["/Library/Audio/Apple Loops/a.caf"]),
+                   "own or exported instruments",
+                   appleLibrary=["/Library/Audio/Apple Loops/a.caf"]),
         ]
 
     def test_loads_without_a_complaint(self):
@@ -190,7 +191,8 @@ class InABrowser(PageTest):
                                         "copied": "5.0 kB"})
         self.assertEqual(self.text("#causes").split("\n"), [
             "2", "a sample wasn't found", "To do: add the folder that has them with --search",
-            "1", "it uses samples from Apple's sound library: Lumo imports only your own or exported "
+            "1",
+            "it uses samples from Apple's sound library: Lumo imports only your own or exported "
             "instruments", "To do: in Logic or MainStage save the instrument with its samples, "
             "import that"])
         self.assertEqual(self.text("#missing").split("\n"), ["3", "/Volumes/Gone/Kit"])
@@ -206,7 +208,8 @@ class InABrowser(PageTest):
             self.browser.type(typed)
             self.assertEqual(self.names(), found, typed)
             self.assertEqual(self.text("#count"), f"{len(found)} of 5")
-            self.assertEqual(self.browser.run("document.querySelector('#none').hidden"), bool(found))
+            is_hidden = self.browser.run("document.querySelector('#none').hidden")
+            self.assertEqual(is_hidden, bool(found))
             self.browser.press("Escape")
             self.assertEqual(len(self.names()), 5)
 
@@ -266,7 +269,8 @@ class InABrowser(PageTest):
         self.assertEqual(self.browser.run(focused), "Gone")
 
     def open(self, name):
-        self.browser.run(f"(() => {{ const row = rows.find(r => r.one[NAME] === {json.dumps(name)}); "
+        wanted = json.dumps(name)
+        self.browser.run(f"(() => {{ const row = rows.find(r => r.one[NAME] === {wanted}); "
                          "fill(row); row.item.firstChild.click(); })()")
         return self.text("li.open")
 
@@ -274,7 +278,8 @@ class InABrowser(PageTest):
         self.show(self.small_library())
         text = self.open("Alpha 10").split("\n")
         at = text.index("Found elsewhere (2)")
-        self.assertEqual(text[at:], ["Found elsewhere (2)", "Recorded", "Found", "/Volumes/Old/one.wav",
+        self.assertEqual(text[at:], ["Found elsewhere (2)", "Recorded", "Found",
+                                     "/Volumes/Old/one.wav",
                                      "new/one.wav", "/Volumes/Old/TWO.WAV", "new/two.wav"])
         self.assertIn("3, 5.0 kB, of which 1.0 kB copied by this import", text)
 
@@ -290,7 +295,8 @@ class InABrowser(PageTest):
     def test_draws_the_key_map_of_the_written_state(self):
         self.show(self.small_library())
         self.open("Alpha 10")
-        drawn = self.browser.run("[...document.querySelectorAll('li.open .big > g > path:not(.rule)')]"
+        drawn = self.browser.run("[...document.querySelectorAll("
+                                 "'li.open .big > g > path:not(.rule)')]"
                                  ".map(p => [p.getAttribute('d'), p.getAttribute('class'), "
                                  "p.getAttribute('style'), p.getAttribute('fill').split('-')[0]])")
         # Areas as a layer's limits leave them, 8 units a key and 2 a velocity; equal ones once.
@@ -335,11 +341,13 @@ class InABrowser(PageTest):
         self.assertEqual(self.browser.run("document.querySelectorAll('.row').length"), 300)
 
     def test_shows_hostile_names_as_text(self):
-        names = ["</script><script>window.harm = 1</script>", "<img src=x onerror='window.harm = 1'>",
+        names = ["</script><script>window.harm = 1</script>",
+                 "<img src=x onerror='window.harm = 1'>",
                  "\"><b>bold", "'; window.harm = 1; '", "\x1b[31mred\x07", "right\u202eexe.exs",
                  "caf\udce9", "line\u2028end", "__proto__", "{data}{script}"]
         self.show([report(name, relinked=[{"from": f"/old/{name}", "to": f"new/{name}"}])
-                   for name in names] + [failed(name + "!", f"odd: {name}", unresolved=[f"/x/{name}/s"])
+                   for name in names] + [failed(name + "!", f"odd: {name}",
+                                                unresolved=[f"/x/{name}/s"])
                                          for name in names])
         self.browser.run("rows.forEach(row => { fill(row); toggle(row); })")
         self.assertEqual(self.browser.run("window.harm || 0"), 0)
@@ -370,7 +378,8 @@ class InABrowser(PageTest):
                                                 self.browser.run("rows.map(r => searchText(r))")))
         steps = [1000 * (after - before) for before, after in zip(busy, busy[1:])]
         print(f"\n10,000 instruments: usable after {loaded:.2f} s ({busy[0]:.2f} s of CPU), a "
-              f"keystroke in the filter took at most {max(keystrokes):.0f} ms ({max(steps):.0f} ms of "
+              f"keystroke in the filter took at most {max(keystrokes):.0f} ms "
+              f"({max(steps):.0f} ms of "
               "CPU)")
 
 

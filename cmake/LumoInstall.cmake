@@ -1,5 +1,5 @@
-# The contents of an installation: the tool and its library in a folder of their own, a link to the
-# tool in bin/, its manual page, completions and documents, and what a program needs that uses the
+# The contents of an installation: the programs and the tool's library in a folder of their own, links
+# to the programs in bin/, their manual pages, completions and documents, and what a program needs that uses the
 # library itself:
 #   find_package(lumo-relink REQUIRED)
 #   target_link_libraries(program PRIVATE lumo::relink)
@@ -11,16 +11,8 @@ include(CMakePackageConfigHelpers)
 set(lumo_tool_folder ${CMAKE_INSTALL_LIBDIR}/${PROJECT_NAME})
 set(lumo_package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/lumo-relink)
 
-install(TARGETS lumo-exs-import RUNTIME DESTINATION ${lumo_tool_folder})
 install(TARGETS lumo_relink EXPORT lumo-relink LIBRARY DESTINATION ${lumo_tool_folder})
 install(DIRECTORY relink/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-
-file(RELATIVE_PATH from_bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/installed-link)
-file(CREATE_LINK ${from_bin_to_lib}/${PROJECT_NAME}/lumo-exs-import
-     ${PROJECT_BINARY_DIR}/installed-link/lumo-exs-import SYMBOLIC)
-install(FILES ${PROJECT_BINARY_DIR}/installed-link/lumo-exs-import
-        DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 install(EXPORT lumo-relink NAMESPACE lumo:: FILE lumo-relink-config.cmake
         DESTINATION ${lumo_package_folder})
@@ -29,10 +21,27 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/lumo-relink-config-versio
 install(FILES ${PROJECT_BINARY_DIR}/lumo-relink-config-version.cmake
         DESTINATION ${lumo_package_folder})
 
-configure_file(packaging/lumo-exs-import.1.in ${PROJECT_BINARY_DIR}/lumo-exs-import.1 @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/lumo-exs-import.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-install(FILES packaging/completion/lumo-exs-import.bash
-        DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME lumo-exs-import)
-install(FILES packaging/completion/_lumo-exs-import DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+file(RELATIVE_PATH from_bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/installed-link)
+
+# lumo_install_program(NAME): a program, the link to it, its manual page and its completions.
+function(lumo_install_program name)
+  install(TARGETS ${name} RUNTIME DESTINATION ${lumo_tool_folder})
+  file(CREATE_LINK ${from_bin_to_lib}/${PROJECT_NAME}/${name}
+       ${PROJECT_BINARY_DIR}/installed-link/${name} SYMBOLIC)
+  install(FILES ${PROJECT_BINARY_DIR}/installed-link/${name} DESTINATION ${CMAKE_INSTALL_BINDIR})
+  configure_file(packaging/${name}.1.in ${PROJECT_BINARY_DIR}/${name}.1 @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${name}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  install(FILES packaging/completion/${name}.bash
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME ${name})
+  install(FILES packaging/completion/_${name}
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+endfunction()
+
+lumo_install_program(lumo-exs-import)
+if(TARGET lumo-import-library)
+  lumo_install_program(lumo-import-library)
+  install(FILES docs/library.md docs/library.png DESTINATION ${CMAKE_INSTALL_DOCDIR})
+endif()
 install(FILES CHANGELOG.md packaging/copyright docs/report-line.md docs/report-line.schema.json
         DESTINATION ${CMAKE_INSTALL_DOCDIR})

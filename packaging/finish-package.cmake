@@ -1,4 +1,4 @@
-# CPack runs this between installation and packaging. In a .deb the manual page and the changelogs
+# CPack runs this between installation and packaging. In a .deb the manual pages and the changelogs
 # are compressed, the zsh completion is in Debian's folder for it, and lintian's overrides are
 # added; an archive for Macs that is made on another system gets the universal files.
 set(tree ${CPACK_TEMPORARY_INSTALL_DIRECTORY})
@@ -27,7 +27,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
   file(CHMOD_RECURSE ${tree} DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ
        GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 elseif(CPACK_LUMO_UNIVERSAL_FILES)
-  foreach(name lumo-exs-import liblumo-relink.dylib)
+  foreach(name lumo-exs-import lumo-import-library liblumo-relink.dylib)
     file(INSTALL ${CPACK_LUMO_UNIVERSAL_FILES}/${name} DESTINATION ${tree}/${CPACK_LUMO_TOOL_FOLDER}
          USE_SOURCE_PERMISSIONS)
   endforeach()

@@ -1,6 +1,7 @@
 """What the tests of this folder share: runs of the program, with the real tool and with one that
 does as a test says."""
 
+import importlib.util
 import json
 import os
 import shutil
@@ -9,12 +10,24 @@ import sys
 import tempfile
 import time
 import unittest
+import zlib
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "faults"))
-from scene import contents, write_exs, write_preset, write_wave  # noqa: E402, F401 (for the tests)
-
 PROJECT = Path(__file__).resolve().parents[2]
+
+
+def load(path):
+    """A module under a name of its own: several folders of tests have a scene.py."""
+    spec = importlib.util.spec_from_file_location(f"{path.parent.name}_{path.stem}", path)
+    module = importlib.util.module_from_spec(spec)
+    spec.loader.exec_module(module)
+    return module
+
+
+fault_scene = load(PROJECT / "tests/faults/scene.py")
+contents, write_preset = fault_scene.contents, fault_scene.write_preset
+write_wave = fault_scene.write_wave
+
 TOOL = Path(os.environ["LUMO_TOOL"]).resolve()
 LIBRARY = Path(os.environ["LUMO_LIBRARY"]).resolve()
 DEADLINE = 60  # seconds, for what must happen at all
@@ -119,12 +132,12 @@ class LibraryTest(unittest.TestCase):
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_bytes(b"")
 
-    def make_kit(self, name, samples=2, moved=False):
+    def make_kit(self, name, samples=2, moved=False, frames=50):
         """An instrument with samples of its own, at or not at their recorded paths."""
         folder = self.library / name
         paths = []
         for i in range(samples):
-            write_wave(folder / f"{i}.wav", 50 + i, hash(name) % 1000 + i)
+            write_wave(folder / f"{i}.wav", frames + i, zlib.crc32(name.encode()) + i)
             recorded = Path("/Volumes/Gone") / name if moved else folder
             paths.append(recorded / f"{i}.wav")
         path = folder / f"{name}.aupreset"

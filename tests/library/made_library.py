@@ -23,14 +23,22 @@ PLACES = ("Chamber", "Hall", "Studio")
 STYLES = ("Legato", "Spiccato", "Tremolo", "Pizzicato", "Sustain", "Marcato", "Con Sordino",
           "Harmonics")
 SAMPLES = 4
-
-sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "faults"))
-from scene import write_exs  # noqa: E402 (it is found by the line before)
 FIRST_WAVEFORM = 0x10000000
 CLASS_INFO = {"version": 0, "type": 0x61756D75, "subtype": 0x73616D70, "manufacturer": 0x6170706C,
               "name": "Untitled", "data": bytes.fromhex(
                   "00000000 00000000 00000004 00000384 00000000 00000385 00000000"
                   "00000386 00000000 00000387 00000000")}
+
+
+def exs(path, sample):
+    """An EXS24 instrument with one zone."""
+    def chunk(kind, content):
+        return struct.pack("<4BIII4s64s", 1, 1, 0, kind, len(content), 0, 0, b"TBOS", b"") + content
+    zone, one = bytearray(96), bytearray(592)
+    zone[1], zone[6], zone[7] = 60, 60, 60
+    struct.pack_into("<ii", zone, 88, -1, 0)
+    struct.pack_into("256s256s", one, 80, os.fsencode(sample.parent), os.fsencode(sample.name))
+    path.write_bytes(chunk(0, bytes(40)) + chunk(1, bytes(zone)) + chunk(3, bytes(one)))
 
 
 def sound(path, frames):
@@ -98,7 +106,7 @@ def failures(folder):
         ("Sample in an odd folder.aupreset",
          lambda path: preset(path, ["/Volumes/Old Disk/badly named.wav"], one)),
         (f"{'Name too long for a state ' * 10}"[:250] + ".exs",
-         lambda path: write_exs(path, [good])),
+         lambda path: exs(path, good)),
     ]
 
 

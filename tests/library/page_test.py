@@ -43,6 +43,11 @@ def failed(name, error, **values):
     return report(name, ok=False, error=error, samples=0, shape=empty, **values)
 
 
+def write_lines(path, lines):
+    text = "".join(json.dumps(line, ensure_ascii=False) + "\n" for line in lines)
+    path.write_bytes(text.encode("utf-8", "surrogateescape"))
+
+
 class References(html.parser.HTMLParser):
     """The elements of a page, and what it would fetch."""
 
@@ -59,8 +64,7 @@ class References(html.parser.HTMLParser):
 class PageTest(LibraryTest):
     def make_page(self, lines, *options):
         """The page of these report lines; texts are made of bytes by "surrogateescape"."""
-        text = "".join(json.dumps(line, ensure_ascii=False) + "\n" for line in lines)
-        (self.folder / "lines").write_bytes(text.encode("utf-8", "surrogateescape"))
+        write_lines(self.folder / "lines", lines)
         page = self.folder / "page.html"
         done = self.run_library(words=[str(LIBRARY), "--from", "lines", "--page", "page.html",
                                        *options])

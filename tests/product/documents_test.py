@@ -113,7 +113,7 @@ class Documents(unittest.TestCase):
                 self.assertTrue((page.parent / link).exists(), f"{page.name}: {link}")
 
     def test_readme_shows_the_picture(self):
-        self.assertIn("](docs/glass.svg)", (PROJECT / "README.md").read_text(encoding="utf-8"))
+        self.assertIn("](docs/library.png)", (PROJECT / "README.md").read_text(encoding="utf-8"))
 
     def test_index_has_every_page(self):
         index = (PROJECT / "docs/README.md").read_text(encoding="utf-8")

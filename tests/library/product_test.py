@@ -1,0 +1,178 @@
+#!/usr/bin/env python3
+"""What belongs to lumo-import-library beside its code: manual page, completions, documents."""
+
+import os
+import re
+import shlex
+import shutil
+import subprocess
+import sys
+import unittest
+from pathlib import Path
+
+from library_scene import LIBRARY, PROJECT, TOOL, LibraryTest, contents
+
+sys.path.insert(0, str(PROJECT / "tests/product"))
+from completion_test import COMPLETION, IN_BASH, IN_ZSH  # noqa: E402 (found by the line before)
+
+DOCUMENT = (PROJECT / "docs/library.md").read_text(encoding="utf-8")
+PAGE = Path(os.environ["LUMO_MANUAL_PAGE"])
+HELP = subprocess.run([LIBRARY, "--help"], capture_output=True, text=True, check=True).stdout
+OPTIONS = set(re.findall(r"--[a-z][a-z-]*", HELP))
+
+
+def of_this_program(script):
+    script = script.replace("_lumo_exs_import", "_lumo_import_library")
+    return script.replace("lumo-exs-import", LIBRARY.name)
+
+
+class ManualPage(unittest.TestCase):
+    def test_gives_man_and_mandoc_nothing_to_warn_of(self):
+        for words in (["man", "--warnings", "-l", PAGE],
+                      ["mandoc", "-T", "lint", "-W", "warning", PAGE]):
+            done = subprocess.run(words, capture_output=True, check=False)
+            self.assertEqual((done.returncode, done.stderr), (0, b""), done.stdout)
+
+    def test_tells_of_every_option_and_of_no_other(self):
+        shown = subprocess.run(["man", "-l", PAGE], capture_output=True, text=True, check=True,
+                               env={**os.environ, "MANWIDTH": "300", "LC_ALL": "C.UTF-8"}).stdout
+        self.assertEqual(set(re.findall(r"--[a-z][a-z-]*", re.sub(r".\x08", "", shown))), OPTIONS)
+
+
+class Completion(LibraryTest):
+    def setUp(self):
+        super().setUp()
+        self.make("a.exs")
+        (self.folder / "lines").touch()
+
+    def bash(self, *words):
+        done = subprocess.run(["bash", "-c", of_this_program(IN_BASH), "bash",
+                               COMPLETION / "lumo-import-library.bash", LIBRARY.name, *words],
+                              cwd=self.folder, capture_output=True, check=True)
+        self.assertEqual(done.stderr, b"")
+        return set(done.stdout.decode().split("\n")) - {""}
+
+    def zsh(self, typed):
+        words = ["zsh", "-f", "-c", of_this_program(IN_ZSH), "zsh", COMPLETION, typed]
+        done = subprocess.run(words, cwd=self.folder, stdin=subprocess.DEVNULL,
+                              capture_output=True, check=False)
+        return set(re.findall(r"OFFER:(.+?)\r*$", done.stdout.decode(), re.MULTILINE))
+
+    def test_offers_the_options(self):
+        self.assertEqual(self.bash("--"), OPTIONS)
+        self.assertEqual(self.zsh("--"), OPTIONS)
+
+    def test_offers_folders_and_files_as_values(self):
+        for option in ("--package", "--states", "--search"):
+            self.assertEqual(self.bash(option, ""), {"lib"})
+        for option in ("--page", "--lines", "--continue", "--from"):
+            self.assertEqual(self.bash(option, ""), {"lib", "lines"})
+        self.assertEqual(self.bash("--shard", ""), set())
+        self.assertEqual(self.zsh("--states "), {"lib"})
+
+    def test_offers_folders_and_instruments(self):
+        self.assertEqual(self.bash(""), {"lib"})
+        self.assertEqual(self.bash("lib/"), {"lib/a.exs"})
+
+
+@unittest.skipUnless(shutil.which("parallel"), "there is no GNU parallel")
+class InParts(LibraryTest):
+    """The command lines of docs/library.md for several processes."""
+
+    def commands(self, heading):
+        """The command lines of a section, indented there, their continued lines joined."""
+        section = DOCUMENT.split(f"\n## {heading}\n")[1].split("\n## ")[0]
+        block = "\n".join(line[4:] for line in section.split("\n") if line.startswith("    "))
+        return block.replace("\\\n", "").strip().split("\n")
+
+    def run_command(self, command):
+        return subprocess.run(["bash", "-c", command], cwd=self.folder, stdin=subprocess.DEVNULL,
+                              capture_output=True, check=False, timeout=600,
+                              env={**os.environ, "PATH": f"{LIBRARY.parent}:{os.environ['PATH']}",
+                                   "HOME": str(self.folder)})
+
+    def make_library(self):
+        root = self.folder / "Instruments"
+        self.library = root
+        for i in range(12):
+            path = self.make_kit(f"kit{i:02}", samples=3, moved=i % 2 == 1)
+            if i % 3 == 0:  # two instruments with the same samples and one name
+                shutil.copy(path, root / f"kit{i:02}.aupreset")
+        for name in ("a", "b"):  # samples of one folder name and name, which differ in size
+            self.make_kit(f"{name}/Kit", samples=2, frames=ord(name))
+
+    def show(self):
+        """What the show holds whatever the numbers in names are: for each state, by its name
+        without a number, what its references lead to, by their keys."""
+        states = []
+        for path in sorted((self.folder / "Show.lumo/states").iterdir()):
+            script = ("import plistlib, sys; print('\\n'.join(f'{key}\\t{path}' for key, path in "
+                      "sorted(plistlib.load(open(sys.argv[1], 'rb'))['file-references'].items())))")
+            lines = subprocess.run([sys.executable, "-c", script, path], capture_output=True,
+                                   text=True, check=True).stdout.splitlines()
+            references = [line.split("\t") for line in lines]
+            states.append((re.sub(r"-\d+$", "", path.stem),
+                           [(key, re.sub(r"-\d+(?=\.\w+$)", "", sample),
+                             (self.folder / "Show.lumo" / sample).read_bytes())
+                            for key, sample in references]))
+        return sorted(states), sorted(contents(self.folder / "Show.lumo/samples").values())
+
+    def test_gnu_parallel_makes_the_show_of_one_run(self):
+        self.make_library()
+        parallel, total = self.commands("More than one core")
+        self.assertTrue(parallel.startswith("parallel "))
+        for command in (parallel, total):
+            done = self.run_command(command)
+            self.assertEqual(done.returncode, 0, (command, done.stdout, done.stderr))
+        self.assertIn(b"18 instruments: 18 imported, 0 failed", done.stdout)
+        self.assertTrue((self.folder / "library.html").stat().st_size > 0)
+        in_parts = self.show()
+        shutil.rmtree(self.folder / "Show.lumo")
+        done = subprocess.run([LIBRARY, "--package", "Show.lumo", "--states", "Show.lumo/states",
+                               "Instruments"], cwd=self.folder, capture_output=True, check=False)
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertEqual(in_parts, self.show())
+
+    def test_slurm_array_runs_one_part_a_task(self):
+        """The job script, with the variables that Slurm sets for a task."""
+        self.make_library()
+        commands = self.commands("Several machines")
+        sbatch = next(line for line in commands if line.startswith("sbatch "))
+        inner = next(word for word in shlex.split(sbatch) if word.startswith("--wrap="))[7:]
+        tasks = re.search(r"--array=1-(\d+)", sbatch).group(1)
+        for task in range(1, int(tasks) + 1):
+            done = self.run_command(f"SLURM_ARRAY_TASK_ID={task} SLURM_ARRAY_TASK_COUNT={tasks}; "
+                                    f"{inner}")
+            self.assertEqual(done.returncode, 0, (done.stdout, done.stderr))
+        done = self.run_command(commands[-1])
+        self.assertIn(b"18 instruments: 18 imported, 0 failed", done.stdout)
+
+
+class Scripts(unittest.TestCase):
+    def test_import_needs_and_builds_nothing_of_it(self):
+        presets = (PROJECT / "CMakePresets.json").read_text()
+        self.assertRegex(presets, r'"name": "tool"[^}]*\n[^}]*"LUMO_IMPORT_LIBRARY": "OFF"')
+        script = (PROJECT / "script/import").read_text()
+        self.assertIn("run_built lumo-exs-import tool build ", script)
+        self.assertNotIn("import-library", script)
+        setup = (PROJECT / "script/setup").read_text()
+        build = re.search(r"debian_build=\(([^)]*)\)", setup).group(1)
+        self.assertNotRegex(build, "cli11|nlohmann")
+
+
+class Documents(unittest.TestCase):
+    def test_show_a_picture_of_the_page(self):
+        self.assertIn("](docs/library.png)", (PROJECT / "README.md").read_text())
+        self.assertIn("](library.png)", DOCUMENT)
+        self.assertTrue((PROJECT / "docs/library.png").read_bytes().startswith(b"\x89PNG"))
+
+    def test_name_every_option(self):
+        self.assertLessEqual(OPTIONS - {"--help", "--version"},
+                             set(re.findall(r"--[a-z][a-z-]*", DOCUMENT)))
+
+    def test_name_the_tool_that_is_started(self):
+        self.assertIn(TOOL.name, DOCUMENT)
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -36,6 +36,7 @@ DEADLINE = 60  # seconds, for what must happen at all
 # instrument, what happens there; each call's words are added to calls.jsonl.
 STAND_IN = '''#!%(python)s
 import json, os, pathlib, signal, subprocess, sys
+signal.signal(signal.SIGINT, signal.SIG_DFL)  # ends in silence, as the tool does
 here = pathlib.Path(__file__).parent
 plan = json.loads((here / "plan.json").read_text())
 (here / "pid").write_text(str(os.getpid()))

@@ -1,14 +1,19 @@
 // A run that is killed may leave its last line cut short. The next one begins on a line of its own.
 #include "lines_file.h"
 
+#include "base/descriptor.h"
+
 #include <fcntl.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
-#include <fstream>
+#include <cstddef>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace lumo::library {
@@ -30,6 +35,33 @@ bool write_all(int descriptor, std::string_view bytes) {
     return true;
 }
 
+/// Calls `take` for each line of a file, with whether the line has its end. False, with errno set,
+/// when the file cannot be read to its end. (A stream of libc++ does not report a failed read.)
+template <typename Take>
+bool read_lines(int descriptor, Take take) {
+    std::array<char, 1 << 16> buffer{};
+    std::string pending; // the line at hand, and what was read after it
+    for (;;) {
+        const ssize_t size =
+            uninterrupted([&] { return ::read(descriptor, buffer.data(), buffer.size()); });
+        if (size < 0) {
+            return false;
+        }
+        if (size == 0) {
+            take(pending, false);
+            return true;
+        }
+        std::size_t searched = pending.size();
+        pending.append(buffer.data(), static_cast<std::size_t>(size));
+        std::size_t begin = 0;
+        for (std::size_t end; (end = pending.find('\n', searched)) != std::string::npos;) {
+            take(std::string_view(pending).substr(begin, end - begin), true);
+            begin = searched = end + 1;
+        }
+        pending.erase(0, begin);
+    }
+}
+
 bool ends_inside_a_line(int descriptor) {
     const off_t size = lseek(descriptor, 0, SEEK_END);
     char last = '\n';
@@ -40,17 +72,15 @@ bool ends_inside_a_line(int descriptor) {
 
 LinesRead read_lines_file(const std::string& path, const std::function<void(Report&&)>& take) {
     LinesRead result;
-    std::ifstream file(path, std::ios::binary);
-    std::string line;
-    while (std::getline(file, line)) {
-        const bool has_end = !file.eof();
-        if (std::optional<Report> report = parse_report(line)) {
-            take(std::move(*report));
-        } else if (has_end && !line.empty()) {
-            ++result.unknown;
-        }
-    }
-    if (!file.is_open() || file.bad()) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    const bool is_read = file && read_lines(file.get(), [&](std::string_view line, bool has_end) {
+                             if (std::optional<Report> report = parse_report(line)) {
+                                 take(std::move(*report));
+                             } else if (has_end && !line.empty()) {
+                                 ++result.unknown;
+                             }
+                         });
+    if (!is_read) {
         result.fault = last_failure();
     }
     return result;

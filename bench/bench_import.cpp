@@ -99,7 +99,7 @@ std::vector<std::string> make_library(const fs::path& folder, int instruments) {
         for (int k = 0; k < samples_of_each; ++k) {
             const std::string name = kit + " " + std::to_string(k) + ".wav";
             std::ofstream(folder / kit / name, std::ios::binary) << sample;
-            recorded.push_back("/Volumes/Gone/Library/" + kit + "/" + name);
+            recorded.push_back(("/Volumes/Gone/Library" / fs::path(kit) / name).string());
         }
         presets.push_back((folder / kit / (kit + ".aupreset")).string());
         std::ofstream(presets.back()) << lumo::test::preset_text(recorded);

@@ -2,6 +2,7 @@
 #include "tool_fixture.h"
 
 #include <algorithm>
+#include <filesystem>
 
 namespace {
 
@@ -18,11 +19,13 @@ protected:
             const std::string kit = "Kit " + std::to_string(i);
             std::vector<std::string> recorded;
             for (int sample = 0; sample < samples_of_each; ++sample) {
-                const std::string name = kit + " " + std::to_string(sample) + ".wav";
-                make_sound(kit + "/" + name);
-                recorded.push_back("/Volumes/Gone/" + kit + "/" + name);
+                std::filesystem::path name = std::filesystem::path(kit) / kit;
+                name += " " + std::to_string(sample) + ".wav";
+                make_sound(name.string());
+                recorded.push_back(("/Volumes/Gone" / name).string());
             }
-            presets.push_back(make_preset(kit + "/" + kit + ".aupreset", recorded));
+            const std::filesystem::path preset = std::filesystem::path(kit) / (kit + ".aupreset");
+            presets.push_back(make_preset(preset.string(), recorded));
         }
         return presets;
     }

@@ -174,7 +174,8 @@ std::string fault_of_argument(const std::string& path) {
     return access(path.c_str(), rights) == 0 ? std::string() : std::strerror(errno);
 }
 
-Instruments find_instruments(std::vector<std::string> arguments, const WalkProgress& progress) {
+Instruments find_instruments(const std::vector<std::string>& arguments,
+                             const WalkProgress& progress) {
     Walk walk(progress);
     for (const std::string& argument : arguments) {
         walk.take_argument(argument);

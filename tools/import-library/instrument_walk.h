@@ -32,6 +32,7 @@ std::string fault_of_argument(const std::string& path);
 /// and what belongs to Apple's sound library are left out below a folder; links are followed, each
 /// folder is read once, and a file that has several names has the one that is no link, or else the
 /// smallest. The order of the arguments does not matter.
-Instruments find_instruments(std::vector<std::string> arguments, const WalkProgress& progress);
+Instruments find_instruments(const std::vector<std::string>& arguments,
+                             const WalkProgress& progress);
 
 } // namespace lumo::library

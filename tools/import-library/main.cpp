@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <variant>
 
+// NOLINTNEXTLINE(bugprone-exception-escape): without memory the program ends
 int main(int argc, char** argv) {
     using namespace lumo::library;
     std::setlocale(LC_CTYPE, ""); // the widths of characters

@@ -182,7 +182,7 @@ std::string write_page(const std::string& path, const std::string& html) {
     file.write(html.data(), static_cast<std::streamsize>(html.size()));
     file.close();
     if (file.fail() || std::rename(temporary.c_str(), path.c_str()) != 0) {
-        const std::string reason = std::strerror(errno);
+        std::string reason = std::strerror(errno);
         std::remove(temporary.c_str());
         return reason;
     }

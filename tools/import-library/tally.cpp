@@ -75,6 +75,7 @@ std::vector<MissingSamples> Tally::missing(std::size_t max_folders) const {
         folders = grouped(missing_, --depth);
     }
     std::vector<MissingSamples> list;
+    list.reserve(folders.size());
     for (const auto& [folder, count] : folders) {
         list.push_back({std::string(folder), count});
     }

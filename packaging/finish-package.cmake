@@ -28,7 +28,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
        GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 elseif(CPACK_LUMO_UNIVERSAL_FILES)
   foreach(name lumo-exs-import lumo-import-library liblumo-relink.dylib)
-    file(INSTALL ${CPACK_LUMO_UNIVERSAL_FILES}/${name} DESTINATION ${tree}/${CPACK_LUMO_TOOL_FOLDER}
-         USE_SOURCE_PERMISSIONS)
+    # file(INSTALL) would keep the file of one processor when both were made within a second.
+    file(COPY_FILE ${CPACK_LUMO_UNIVERSAL_FILES}/${name} ${tree}/${CPACK_LUMO_TOOL_FOLDER}/${name})
   endforeach()
 endif()

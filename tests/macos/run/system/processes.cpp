@@ -19,7 +19,8 @@ namespace {
 bool is_mac_program(const char* path) {
     std::uint32_t magic = 0;
     const int file = ::openat(AT_FDCWD, path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    const bool is_read = file >= 0 && ::read(file, &magic, sizeof magic) == sizeof magic;
+    // Not read: the bytes of a pipe would be gone.
+    const bool is_read = file >= 0 && ::pread(file, &magic, sizeof magic, 0) == sizeof magic;
     if (file >= 0) {
         ::close(file);
     }

@@ -13,7 +13,7 @@ namespace {
 template <class A, class B>
 constexpr bool same = std::is_same_v<A, B>;
 
-/// Whether a function has this type, ignoring its exception specification.
+/// Whether a function has this type, noexcept or not.
 template <class Type, class Function>
 constexpr bool callable_as(Function* function) {
     return std::is_convertible_v<decltype(function), Type*>;

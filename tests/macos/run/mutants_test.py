@@ -109,8 +109,8 @@ class Mutants(unittest.TestCase):
         self.check_noticed()
 
     def test_a_look_up_without_a_session(self):
-        self.change(LOOK_UP, "return session::is_open() ? look_up_in_session(path, call) : "
-                    "call(path);", "return look_up_in_session(path, call);")
+        self.change(LOOK_UP, "return session::is_open() ? look_up_in_session(path, call, opens) : "
+                    "call(path);", "return look_up_in_session(path, call, opens);")
         self.check_noticed()
 
 

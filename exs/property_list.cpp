@@ -72,20 +72,20 @@ CFStringRef string_of(CFDictionaryRef dictionary, const char* key) {
     return typed_value<CFStringRef>(dictionary, key, CFStringGetTypeID());
 }
 
-std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t fallback) {
+std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t default_value) {
     const CFTypeRef value = value_of(dictionary, key);
     if (!value) {
-        return fallback;
+        return default_value;
     }
     if (CFGetTypeID(value) == CFNumberGetTypeID()) {
-        std::int32_t number = fallback;
+        std::int32_t number = default_value;
         CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberIntType, &number);
         return number;
     }
     if (CFGetTypeID(value) == CFBooleanGetTypeID()) {
         return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) ? 1 : 0;
     }
-    return fallback;
+    return default_value;
 }
 
 bool write_plist(const void* list, const std::filesystem::path& path) {

@@ -25,9 +25,9 @@ CFDictionaryRef dictionary_of(CFDictionaryRef dictionary, const char* key);
 CFArrayRef array_of(CFDictionaryRef dictionary, const char* key);
 CFStringRef string_of(CFDictionaryRef dictionary, const char* key);
 
-/// The integer value of `key`: a real is truncated, a boolean is 1 or 0; `fallback` when there is
-/// no value or it has another type.
-std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t fallback);
+/// The integer value of `key`: a real is truncated, a boolean is 1 or 0; `default_value` when there
+/// is no value or it has another type.
+std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t default_value);
 
 /// Writes `list` to `path` as a binary property list, replacing any file there. False when it
 /// cannot be serialised (then `path` is untouched) or not be written (then the file may be

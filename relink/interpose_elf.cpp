@@ -1,7 +1,7 @@
 // Shims with the names of the C library's file functions. This library precedes libc in the search
 // order of the process, so calls from the program and from every library arrive here; the real
-// function is the next one of that name. A shim makes no decision: it passes the call to look_up as
-// a function of the path, and look_up chooses the path.
+// function is the next one of that name. A shim makes no decision: it passes the call to redirect
+// as a function of the path, and redirect chooses the path.
 //
 // glibc's fopen, opendir and realpath call internal functions that cannot be interposed, so each
 // name has a shim. The variants with 64 in their names differ from the others where off_t has 32
@@ -10,8 +10,8 @@
 #undef _FILE_OFFSET_BITS
 
 #include "allocated_text.h"
-#include "look_up.h"
 #include "real_function.h"
+#include "redirect.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -96,7 +96,7 @@ FILE* reopen(RealFunction<ReopenStream>& real, const char* path, const char* mod
         return real(path, mode, stream);
     }
     std::string chosen = path;
-    look_up(path, [&](const char* p) {
+    redirect(path, [&](const char* p) {
         const int result = real_access(p, F_OK);
         if (result == 0) {
             chosen = p;
@@ -138,7 +138,7 @@ int open(const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_to_open(flags, path, [&](const char* p) { return real_open(p, flags, mode); });
+    return redirect_open(flags, path, [&](const char* p) { return real_open(p, flags, mode); });
 }
 
 int open64(const char* path, int flags, ...) {
@@ -146,15 +146,15 @@ int open64(const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_to_open(flags, path, [&](const char* p) { return real_open64(p, flags, mode); });
+    return redirect_open(flags, path, [&](const char* p) { return real_open64(p, flags, mode); });
 }
 
 int __open_2(const char* path, int flags) {
-    return look_up_to_open(flags, path, [&](const char* p) { return real_open_2(p, flags); });
+    return redirect_open(flags, path, [&](const char* p) { return real_open_2(p, flags); });
 }
 
 int __open64_2(const char* path, int flags) {
-    return look_up_to_open(flags, path, [&](const char* p) { return real_open64_2(p, flags); });
+    return redirect_open(flags, path, [&](const char* p) { return real_open64_2(p, flags); });
 }
 
 int openat(int folder, const char* path, int flags, ...) {
@@ -162,8 +162,8 @@ int openat(int folder, const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_at_to_open(flags, folder, path,
-                              [&](int f, const char* p) { return real_openat(f, p, flags, mode); });
+    return redirect_open_at(flags, folder, path,
+                            [&](int f, const char* p) { return real_openat(f, p, flags, mode); });
 }
 
 int openat64(int folder, const char* path, int flags, ...) {
@@ -171,27 +171,26 @@ int openat64(int folder, const char* path, int flags, ...) {
     va_start(arguments, flags);
     const mode_t mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_at_to_open(flags, folder, path, [&](int f, const char* p) {
-        return real_openat64(f, p, flags, mode);
-    });
+    return redirect_open_at(flags, folder, path,
+                            [&](int f, const char* p) { return real_openat64(f, p, flags, mode); });
 }
 
 int __openat_2(int folder, const char* path, int flags) {
-    return look_up_at_to_open(flags, folder, path,
-                              [&](int f, const char* p) { return real_openat_2(f, p, flags); });
+    return redirect_open_at(flags, folder, path,
+                            [&](int f, const char* p) { return real_openat_2(f, p, flags); });
 }
 
 int __openat64_2(int folder, const char* path, int flags) {
-    return look_up_at_to_open(flags, folder, path,
-                              [&](int f, const char* p) { return real_openat64_2(f, p, flags); });
+    return redirect_open_at(flags, folder, path,
+                            [&](int f, const char* p) { return real_openat64_2(f, p, flags); });
 }
 
 FILE* fopen(const char* path, const char* mode) {
-    return look_up_to_open(mode, path, [&](const char* p) { return real_fopen(p, mode); });
+    return redirect_open(mode, path, [&](const char* p) { return real_fopen(p, mode); });
 }
 
 FILE* fopen64(const char* path, const char* mode) {
-    return look_up_to_open(mode, path, [&](const char* p) { return real_fopen64(p, mode); });
+    return redirect_open(mode, path, [&](const char* p) { return real_fopen64(p, mode); });
 }
 
 FILE* freopen(const char* path, const char* mode, FILE* stream) {
@@ -203,93 +202,93 @@ FILE* freopen64(const char* path, const char* mode, FILE* stream) {
 }
 
 DIR* opendir(const char* path) {
-    return look_up(path, [](const char* p) { return real_opendir(p); });
+    return redirect(path, [](const char* p) { return real_opendir(p); });
 }
 
 int stat(const char* path, struct stat* status) noexcept {
-    return look_up(path, [&](const char* p) { return real_stat(p, status); });
+    return redirect(path, [&](const char* p) { return real_stat(p, status); });
 }
 
 int stat64(const char* path, struct stat64* status) noexcept {
-    return look_up(path, [&](const char* p) { return real_stat64(p, status); });
+    return redirect(path, [&](const char* p) { return real_stat64(p, status); });
 }
 
 int lstat(const char* path, struct stat* status) noexcept {
-    return look_up(path, [&](const char* p) { return real_lstat(p, status); });
+    return redirect(path, [&](const char* p) { return real_lstat(p, status); });
 }
 
 int lstat64(const char* path, struct stat64* status) noexcept {
-    return look_up(path, [&](const char* p) { return real_lstat64(p, status); });
+    return redirect(path, [&](const char* p) { return real_lstat64(p, status); });
 }
 
 int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept {
-    return look_up_at(folder, path,
-                      [&](int f, const char* p) { return real_fstatat(f, p, status, flags); });
+    return redirect_at(folder, path,
+                       [&](int f, const char* p) { return real_fstatat(f, p, status, flags); });
 }
 
 int fstatat64(int folder, const char* path, struct stat64* status, int flags) noexcept {
-    return look_up_at(folder, path,
-                      [&](int f, const char* p) { return real_fstatat64(f, p, status, flags); });
+    return redirect_at(folder, path,
+                       [&](int f, const char* p) { return real_fstatat64(f, p, status, flags); });
 }
 
 int statx(int folder, const char* path, int flags, unsigned mask, struct statx* status) noexcept {
-    return look_up_at(folder, path,
-                      [&](int f, const char* p) { return real_statx(f, p, flags, mask, status); });
+    return redirect_at(folder, path,
+                       [&](int f, const char* p) { return real_statx(f, p, flags, mask, status); });
 }
 
 // Called by programs that were built with glibc before 2.33.
 
 int __xstat(int version, const char* path, struct stat* status) {
-    return look_up(path, [&](const char* p) { return real_xstat(version, p, status); });
+    return redirect(path, [&](const char* p) { return real_xstat(version, p, status); });
 }
 
 int __xstat64(int version, const char* path, struct stat64* status) {
-    return look_up(path, [&](const char* p) { return real_xstat64(version, p, status); });
+    return redirect(path, [&](const char* p) { return real_xstat64(version, p, status); });
 }
 
 int __lxstat(int version, const char* path, struct stat* status) {
-    return look_up(path, [&](const char* p) { return real_lxstat(version, p, status); });
+    return redirect(path, [&](const char* p) { return real_lxstat(version, p, status); });
 }
 
 int __lxstat64(int version, const char* path, struct stat64* status) {
-    return look_up(path, [&](const char* p) { return real_lxstat64(version, p, status); });
+    return redirect(path, [&](const char* p) { return real_lxstat64(version, p, status); });
 }
 
 int __fxstatat(int version, int folder, const char* path, struct stat* status, int flags) {
-    return look_up_at(folder, path, [&](int f, const char* p) {
+    return redirect_at(folder, path, [&](int f, const char* p) {
         return real_fxstatat(version, f, p, status, flags);
     });
 }
 
 int __fxstatat64(int version, int folder, const char* path, struct stat64* status, int flags) {
-    return look_up_at(folder, path, [&](int f, const char* p) {
+    return redirect_at(folder, path, [&](int f, const char* p) {
         return real_fxstatat64(version, f, p, status, flags);
     });
 }
 
 int access(const char* path, int mode) noexcept {
-    return look_up(path, [&](const char* p) { return real_access(p, mode); });
+    return redirect(path, [&](const char* p) { return real_access(p, mode); });
 }
 
 int faccessat(int folder, const char* path, int mode, int flags) noexcept {
-    return look_up_at(folder, path,
-                      [&](int f, const char* p) { return real_faccessat(f, p, mode, flags); });
+    return redirect_at(folder, path,
+                       [&](int f, const char* p) { return real_faccessat(f, p, mode, flags); });
 }
 
 ssize_t readlink(const char* path, char* text, size_t size) noexcept {
-    return look_up(path, [&](const char* p) { return real_readlink(p, text, size); });
+    return redirect(path, [&](const char* p) { return real_readlink(p, text, size); });
 }
 
 char* realpath(const char* path, char* resolved) noexcept {
-    return look_up(path, [&](const char* p) { return real_realpath(p, resolved); });
+    return redirect(path, [&](const char* p) { return real_realpath(p, resolved); });
 }
 
 char* __realpath_chk(const char* path, char* resolved, size_t size) noexcept {
-    return look_up(path, [&](const char* p) { return real_realpath_chk(p, resolved, size); });
+    return redirect(path, [&](const char* p) { return real_realpath_chk(p, resolved, size); });
 }
 
 char* canonicalize_file_name(const char* path) noexcept {
-    return look_up(path, [](const char* p) { return real_canonicalize_file_name(p); });
+    return redirect(path, [](const char* p) { return real_canonicalize_file_name(p); });
 }
 
 } // extern "C"

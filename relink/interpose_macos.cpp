@@ -1,7 +1,8 @@
 // Replacements for the system's file functions on a Mac. When the process starts, the loader reads
 // the pairs in the section __interpose and binds each call of the original, from every image but
 // this one, to the replacement; calls from this library reach the original. A replacement makes no
-// decision: it passes the call to look_up as a function of the path, and look_up chooses the path.
+// decision: it passes the call to redirect as a function of the path, and redirect chooses the
+// path.
 //
 // The calls that libsystem_c makes inside fopen, opendir and realpath reach the system call
 // functions, so these must be interposed; interposing the three as well is a second safeguard.
@@ -11,7 +12,7 @@
 // that no header declares, or that some supported systems lack, are imported weakly: the loader
 // skips the pair of a missing function.
 #include "allocated_text.h"
-#include "look_up.h"
+#include "redirect.h"
 
 #include <dirent.h>
 #include <stdarg.h>
@@ -78,7 +79,7 @@ int open_shim(const char* path, int flags, ...) {
     va_start(arguments, flags);
     const int mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_to_open(flags, path, [&](const char* p) { return open(p, flags, mode); });
+    return redirect_open(flags, path, [&](const char* p) { return open(p, flags, mode); });
 }
 
 int open_nocancel_shim(const char* path, int flags, ...) {
@@ -86,8 +87,7 @@ int open_nocancel_shim(const char* path, int flags, ...) {
     va_start(arguments, flags);
     const int mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_to_open(flags, path,
-                           [&](const char* p) { return open_nocancel(p, flags, mode); });
+    return redirect_open(flags, path, [&](const char* p) { return open_nocancel(p, flags, mode); });
 }
 
 int openat_shim(int folder, const char* path, int flags, ...) {
@@ -95,8 +95,8 @@ int openat_shim(int folder, const char* path, int flags, ...) {
     va_start(arguments, flags);
     const int mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_at_to_open(flags, folder, path,
-                              [&](int f, const char* p) { return openat(f, p, flags, mode); });
+    return redirect_open_at(flags, folder, path,
+                            [&](int f, const char* p) { return openat(f, p, flags, mode); });
 }
 
 int openat_nocancel_shim(int folder, const char* path, int flags, ...) {
@@ -104,7 +104,7 @@ int openat_nocancel_shim(int folder, const char* path, int flags, ...) {
     va_start(arguments, flags);
     const int mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_at_to_open(flags, folder, path, [&](int f, const char* p) {
+    return redirect_open_at(flags, folder, path, [&](int f, const char* p) {
         return openat_nocancel(f, p, flags, mode);
     });
 }
@@ -114,7 +114,7 @@ int open_dprotected_np_shim(const char* path, int flags, int protection, int how
     va_start(arguments, how);
     const int mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_to_open(flags, path, [&](const char* p) {
+    return redirect_open(flags, path, [&](const char* p) {
         return open_dprotected_np(p, flags, protection, how, mode);
     });
 }
@@ -125,7 +125,7 @@ int openat_dprotected_np_shim(int folder, const char* path, int flags, int prote
     va_start(arguments, how);
     const int mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_at_to_open(flags, folder, path, [&](int f, const char* p) {
+    return redirect_open_at(flags, folder, path, [&](int f, const char* p) {
         return openat_dprotected_np(f, p, flags, protection, how, mode);
     });
 }
@@ -135,7 +135,7 @@ int guarded_open_np_shim(const char* path, const void* guard, unsigned guarded, 
     va_start(arguments, flags);
     const int mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_to_open(flags, path, [&](const char* p) {
+    return redirect_open(flags, path, [&](const char* p) {
         return guarded_open_np(p, guard, guarded, flags, mode);
     });
 }
@@ -146,43 +146,43 @@ int guarded_open_dprotected_np_shim(const char* path, const void* guard, unsigne
     va_start(arguments, how);
     const int mode = mode_of(flags, arguments);
     va_end(arguments);
-    return look_up_to_open(flags, path, [&](const char* p) {
+    return redirect_open(flags, path, [&](const char* p) {
         return guarded_open_dprotected_np(p, guard, guarded, flags, protection, how, mode);
     });
 }
 
 int stat_shim(const char* path, struct stat* status) {
-    return look_up(path, [&](const char* p) { return stat(p, status); });
+    return redirect(path, [&](const char* p) { return stat(p, status); });
 }
 
 int stat_64_shim(const char* path, void* status) {
-    return look_up(path, [&](const char* p) { return stat_64(p, status); });
+    return redirect(path, [&](const char* p) { return stat_64(p, status); });
 }
 
 int lstat_shim(const char* path, struct stat* status) {
-    return look_up(path, [&](const char* p) { return lstat(p, status); });
+    return redirect(path, [&](const char* p) { return lstat(p, status); });
 }
 
 int lstat_64_shim(const char* path, void* status) {
-    return look_up(path, [&](const char* p) { return lstat_64(p, status); });
+    return redirect(path, [&](const char* p) { return lstat_64(p, status); });
 }
 
 int fstatat_shim(int folder, const char* path, struct stat* status, int flags) {
-    return look_up_at(folder, path,
-                      [&](int f, const char* p) { return fstatat(f, p, status, flags); });
+    return redirect_at(folder, path,
+                       [&](int f, const char* p) { return fstatat(f, p, status, flags); });
 }
 
 int statfs_shim(const char* path, struct statfs* status) {
-    return look_up(path, [&](const char* p) { return statfs(p, status); });
+    return redirect(path, [&](const char* p) { return statfs(p, status); });
 }
 
 int access_shim(const char* path, int mode) {
-    return look_up(path, [&](const char* p) { return access(p, mode); });
+    return redirect(path, [&](const char* p) { return access(p, mode); });
 }
 
 int faccessat_shim(int folder, const char* path, int mode, int flags) {
-    return look_up_at(folder, path,
-                      [&](int f, const char* p) { return faccessat(f, p, mode, flags); });
+    return redirect_at(folder, path,
+                       [&](int f, const char* p) { return faccessat(f, p, mode, flags); });
 }
 
 /// Checks a list of paths in one call and returns an error for each.
@@ -205,7 +205,7 @@ int accessx_np_shim(const accessx_descriptor* paths, size_t size, int* errors, u
         if (errors[i] != 0 && !is_absence(errors[i], path)) {
             continue;
         }
-        const int judged = look_up(path, judge);
+        const int judged = redirect(path, judge);
         if (errors[i] != 0) {
             errors[i] = judged == 0 ? 0 : errno;
         }
@@ -216,32 +216,32 @@ int accessx_np_shim(const accessx_descriptor* paths, size_t size, int* errors, u
 
 int getattrlist_shim(const char* path, void* wanted, void* attributes, size_t size,
                      unsigned options) {
-    return look_up(
+    return redirect(
         path, [&](const char* p) { return getattrlist(p, wanted, attributes, size, options); });
 }
 
 int getattrlistat_shim(int folder, const char* path, void* wanted, void* attributes, size_t size,
                        unsigned long options) {
-    return look_up_at(folder, path, [&](int f, const char* p) {
+    return redirect_at(folder, path, [&](int f, const char* p) {
         return getattrlistat(f, p, wanted, attributes, size, options);
     });
 }
 
 ssize_t getxattr_shim(const char* path, const char* name, void* value, size_t size,
                       uint32_t position, int options) {
-    return look_up(
+    return redirect(
         path, [&](const char* p) { return getxattr(p, name, value, size, position, options); });
 }
 
 ssize_t listxattr_shim(const char* path, char* names, size_t size, int options) {
-    return look_up(path, [&](const char* p) { return listxattr(p, names, size, options); });
+    return redirect(path, [&](const char* p) { return listxattr(p, names, size, options); });
 }
 
 /// A negative result with errno unchanged means that there is no limit.
 long pathconf_shim(const char* path, int name) {
     const int before = errno;
     errno = 0;
-    const long result = look_up(path, [&](const char* p) { return pathconf(p, name); });
+    const long result = redirect(path, [&](const char* p) { return pathconf(p, name); });
     if (errno == 0) {
         errno = before;
     }
@@ -249,7 +249,7 @@ long pathconf_shim(const char* path, int name) {
 }
 
 ssize_t readlink_shim(const char* path, char* text, size_t size) {
-    return look_up(path, [&](const char* p) { return readlink(p, text, size); });
+    return redirect(path, [&](const char* p) { return readlink(p, text, size); });
 }
 
 /// clonefile also fails with ENOENT when the folder of `to` is missing, so `from` is looked up only
@@ -259,27 +259,27 @@ int clonefile_shim(const char* from, const char* to, uint32_t flags) {
     const int before = errno;
     const bool is_wanted = session::is_open() && !is_there(from);
     errno = before;
-    return is_wanted ? look_up(from, clone) : clone(from);
+    return is_wanted ? redirect(from, clone) : clone(from);
 }
 
 DIR* opendir_shim(const char* path) {
-    return look_up(path, [](const char* p) { return opendir(p); });
+    return redirect(path, [](const char* p) { return opendir(p); });
 }
 
 FILE* fopen_plain_shim(const char* path, const char* mode) {
-    return look_up_to_open(mode, path, [&](const char* p) { return fopen_plain(p, mode); });
+    return redirect_open(mode, path, [&](const char* p) { return fopen_plain(p, mode); });
 }
 
 FILE* fopen_extended_shim(const char* path, const char* mode) {
-    return look_up_to_open(mode, path, [&](const char* p) { return fopen_extended(p, mode); });
+    return redirect_open(mode, path, [&](const char* p) { return fopen_extended(p, mode); });
 }
 
 char* realpath_plain_shim(const char* path, char* resolved) {
-    return look_up(path, [&](const char* p) { return realpath_plain(p, resolved); });
+    return redirect(path, [&](const char* p) { return realpath_plain(p, resolved); });
 }
 
 char* realpath_extended_shim(const char* path, char* resolved) {
-    return look_up(path, [&](const char* p) { return realpath_extended(p, resolved); });
+    return redirect(path, [&](const char* p) { return realpath_extended(p, resolved); });
 }
 
 /// An entry of the section __interpose; both functions have the same type.

@@ -15,7 +15,7 @@ namespace lumo::exs::relink {
 namespace {
 
 constexpr std::ptrdiff_t mangled_length = 31;
-constexpr std::size_t fewest_digits = 4;
+constexpr std::size_t min_digits = 4;
 
 std::ptrdiff_t count_characters(std::string_view text) {
     return std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
@@ -35,7 +35,7 @@ std::optional<Remains> parse(std::string_view name) {
         return std::nullopt;
     }
     const std::string_view digits = name.substr(mark + 1, dot - mark - 1);
-    if (digits.size() < fewest_digits ||
+    if (digits.size() < min_digits ||
         digits.find_first_not_of("0123456789ABCDEF") != std::string_view::npos) {
         return std::nullopt;
     }

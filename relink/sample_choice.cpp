@@ -90,10 +90,10 @@ std::pair<std::size_t, std::string_view> rank(const SampleIndex::Entry& entry) {
 
 const SampleIndex::Entry& first_of(const std::vector<const SampleIndex::Entry*>& entries) {
     const SampleIndex::Entry* first = entries.front();
-    auto least = rank(*first);
+    auto lowest = rank(*first);
     for (std::size_t i = 1; i < entries.size(); ++i) {
-        if (const auto other = rank(*entries[i]); other < least) {
-            least = other;
+        if (const auto other = rank(*entries[i]); other < lowest) {
+            lowest = other;
             first = entries[i];
         }
     }
@@ -111,18 +111,18 @@ const SampleIndex::Entry& choose(const std::vector<SampleIndex::Entry>& entries,
     thread_local std::vector<const SampleIndex::Entry*> nearest;
     make_folder_keys(recorded, folders);
     nearest.clear();
-    std::size_t most = 0;
+    std::size_t max_shared = 0;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const SampleIndex::Entry& entry = entries[i];
         if (i + candidates_ahead < entries.size()) {
             prefetch_end(entries[i + candidates_ahead].path);
         }
         const std::size_t shared = count_shared(entry.path, folders);
-        if (shared > most) {
+        if (shared > max_shared) {
             nearest.clear();
-            most = shared;
+            max_shared = shared;
         }
-        if (shared == most) {
+        if (shared == max_shared) {
             nearest.push_back(&entry);
         }
     }

@@ -1,5 +1,5 @@
 // The one relink session of the process: which file to use for a path, and the record of it. It
-// knows no function of the C library; the shims that do ask it through look_up.h.
+// knows no function of the C library; the shims that do ask it through redirect.h.
 #pragma once
 
 #include <atomic>

@@ -21,8 +21,8 @@ std::string string_text(const std::string& utf8) {
     return to_string(static_cast<CFStringRef>(text(utf8).get()));
 }
 
-int integer_of(const Value& value, int fallback) {
-    return integer(as_dictionary(dictionary({{"key", value}})), "key", fallback);
+int integer_of(const Value& value, int default_value) {
+    return integer(as_dictionary(dictionary({{"key", value}})), "key", default_value);
 }
 
 TEST(ToString, OfNullIsEmpty) {

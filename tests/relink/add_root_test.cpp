@@ -27,7 +27,7 @@ Paths walk(const fs::path& root) {
     return paths;
 }
 
-TEST(SampleIndexType, is_a_plain_value_of_map_and_count) {
+TEST(SampleIndexType, IsAPlainValueOfMapAndCount) {
     const SampleIndex index;
     EXPECT_LE(index.files.bucket_count(), 1u); // an empty map has one in libstdc++, none in libc++
     EXPECT_EQ(index.files.max_load_factor(), 1.0f);
@@ -36,7 +36,7 @@ TEST(SampleIndexType, is_a_plain_value_of_map_and_count) {
     static_assert(std::is_aggregate_v<SampleIndex> && std::is_aggregate_v<SampleIndex::Entry>);
 }
 
-TEST(AddRoot, finds_samples_in_all_folders_below) {
+TEST(AddRoot, FindsSamplesInAllFoldersBelow) {
     const TempFolder folder;
     write_file(folder / "a.wav", "");
     write_file(folder / "Kits/808/Kick.AIF", "");
@@ -45,7 +45,7 @@ TEST(AddRoot, finds_samples_in_all_folders_below) {
     EXPECT_EQ(walk(folder.path()), (Paths{"Kits/808/Kick.AIF", "a.wav"}));
 }
 
-TEST(AddRoot, notes_path_and_root_under_the_key_of_the_name) {
+TEST(AddRoot, NotesPathAndRootUnderTheKeyOfTheName) {
     const TempFolder folder;
     write_file(folder / "Kits/U\u0308ber.WAV", "");
     SampleIndex index;
@@ -56,7 +56,7 @@ TEST(AddRoot, notes_path_and_root_under_the_key_of_the_name) {
     EXPECT_EQ(entries[0].root, folder.path().string());
 }
 
-TEST(AddRoot, adds_one_slash_between_root_and_name) {
+TEST(AddRoot, AddsOneSlashBetweenRootAndName) {
     const TempFolder folder;
     write_file(folder / "a.wav", "");
     SampleIndex index;
@@ -64,7 +64,7 @@ TEST(AddRoot, adds_one_slash_between_root_and_name) {
     EXPECT_EQ(paths_of(index), (Paths{folder.path().string() + "/a.wav"}));
 }
 
-TEST(AddRoot, adds_a_root_once_however_often_it_is_given) {
+TEST(AddRoot, AddsARootOnceHoweverOftenItIsGiven) {
     const TempFolder folder;
     write_file(folder / "Kits/a.wav", "");
     write_file(folder / "Kits/b.wav", "");
@@ -75,7 +75,7 @@ TEST(AddRoot, adds_a_root_once_however_often_it_is_given) {
     EXPECT_EQ(paths_of(index).size(), 2u);
 }
 
-TEST(AddRoot, takes_several_roots) {
+TEST(AddRoot, TakesSeveralRoots) {
     const TempFolder folder;
     write_file(folder / "one/a.wav", "");
     write_file(folder / "two/a.wav", "");
@@ -86,7 +86,7 @@ TEST(AddRoot, takes_several_roots) {
     EXPECT_EQ(paths_of(index), (Paths{folder / "one/a.wav", folder / "two/a.wav"}));
 }
 
-TEST(AddRoot, passes_over_a_root_that_is_absent_or_a_file) {
+TEST(AddRoot, PassesOverARootThatIsAbsentOrAFile) {
     const TempFolder folder;
     write_file(folder / "a.wav", "");
     SampleIndex index;
@@ -95,7 +95,7 @@ TEST(AddRoot, passes_over_a_root_that_is_absent_or_a_file) {
     EXPECT_EQ(index.entries, 0u);
 }
 
-TEST(AddRoot, skips_names_that_begin_with_a_dot) {
+TEST(AddRoot, SkipsNamesThatBeginWithADot) {
     const TempFolder folder;
     write_file(folder / "._a.wav", "");
     write_file(folder / ".wav", "");

@@ -6,7 +6,7 @@
 namespace lumo::exs::relink {
 namespace {
 
-TEST(AppleLibrary, holds_what_lies_under_its_roots) {
+TEST(AppleLibrary, HoldsWhatLiesUnderItsRoots) {
     for (const char* path : {
              "/Library/Application Support/GarageBand/Instrument Library/Sampler/a.wav",
              "/Library/Application Support/Logic/EXS Factory Samples/a.aif",
@@ -73,7 +73,7 @@ TEST(AppleLibrary, BeginsAtTheLastNamesOfItsRootsOnly) {
     }
 }
 
-TEST(AppleLibrary, may_have_been_moved_to_another_volume) {
+TEST(AppleLibrary, MayHaveBeenMovedToAnotherVolume) {
     for (const char* path : {
              "/Volumes/Sounds/Library/Application Support/Logic/EXS Factory Samples/a.aif",
              "/mnt/disk/old/Library/Application Support/GarageBand/Sampler Files/a.aif",
@@ -85,18 +85,18 @@ TEST(AppleLibrary, may_have_been_moved_to_another_volume) {
     }
 }
 
-TEST(AppleLibrary, is_recognised_in_any_letter_case) {
+TEST(AppleLibrary, IsRecognisedInAnyLetterCase) {
     EXPECT_TRUE(is_in_apple_library("/LIBRARY/application support/LOGIC/a.aif"));
     EXPECT_TRUE(is_in_apple_library("/volumes/x/logic pro library.BUNDLE/a.caf"));
 }
 
-TEST(AppleLibrary, is_recognised_through_components_that_say_nothing) {
+TEST(AppleLibrary, IsRecognisedThroughComponentsThatSayNothing) {
     EXPECT_TRUE(is_in_apple_library("//Library/./Application Support///Logic/./a.aif"));
     EXPECT_TRUE(is_in_apple_library("/Library/Audio/../Application Support/Logic/a.aif"));
     EXPECT_FALSE(is_in_apple_library("/Library/Application Support/Logic/../Mine/a.aif"));
 }
 
-TEST(AppleLibrary, is_not_what_merely_looks_like_it) {
+TEST(AppleLibrary, IsNotWhatMerelyLooksLikeIt) {
     for (const char* path : {
              "/Volumes/A/My Logic Pro Library.bundle copy/a.wav",
              "/Volumes/A/Logic Pro Library.bundle copy/a.wav",
@@ -117,7 +117,7 @@ TEST(AppleLibrary, is_not_what_merely_looks_like_it) {
     }
 }
 
-TEST(AppleLibrary, holds_nothing_of_a_home_folders_own_library) {
+TEST(AppleLibrary, HoldsNothingOfAHomeFoldersOwnLibrary) {
     for (const char* path : {
              "/Users/ann/Library/Application Support/Logic/Sampler Instruments/a.wav",
              "/Users/ann/Library/Audio/Apple Loops/Apple/a.caf",

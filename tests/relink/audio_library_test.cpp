@@ -49,21 +49,21 @@ protected:
     std::string found;
 };
 
-TEST_F(OtherLibraries, libsndfile_opens_the_indexed_file) {
+TEST_F(OtherLibraries, LibsndfileOpensTheIndexedFile) {
     SF_INFO info{};
     const Sound sound(sf_open(gone.c_str(), SFM_READ, &info), sf_close);
     ASSERT_TRUE(sound);
     EXPECT_EQ(info.frames, 8000);
 }
 
-TEST_F(OtherLibraries, file_streams_open_the_indexed_file) {
+TEST_F(OtherLibraries, FileStreamsOpenTheIndexedFile) {
     std::ifstream stream(gone, std::ios::binary);
     std::string magic(4, ' ');
     EXPECT_TRUE(stream.read(magic.data(), 4));
     EXPECT_EQ(magic, "RIFF");
 }
 
-TEST_F(OtherLibraries, the_file_system_library_sees_the_indexed_file) {
+TEST_F(OtherLibraries, TheFileSystemLibrarySeesTheIndexedFile) {
     EXPECT_TRUE(std::filesystem::exists(gone));
     EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status(gone)));
     EXPECT_EQ(std::filesystem::file_size(gone), std::filesystem::file_size(found));
@@ -71,7 +71,7 @@ TEST_F(OtherLibraries, the_file_system_library_sees_the_indexed_file) {
     EXPECT_TRUE(std::filesystem::equivalent(gone, found));
 }
 
-TEST_F(OtherLibraries, copies_are_made_from_the_indexed_file) {
+TEST_F(OtherLibraries, CopiesAreMadeFromTheIndexedFile) {
     const auto copy = folder / "copy of a kick";
     EXPECT_TRUE(std::filesystem::copy_file(gone, copy));
     EXPECT_EQ(std::filesystem::file_size(copy), std::filesystem::file_size(found));

@@ -19,14 +19,14 @@ SampleIndex index_of(const std::string& key, const std::vector<std::string>& pat
     return index;
 }
 
-TEST(Find, gives_the_file_of_that_name_whatever_its_folders) {
+TEST(Find, GivesTheFileOfThatNameWhateverItsFolders) {
     const SampleIndex index = index_of("kick.wav", {"/new/Drums/Kick.wav"});
     EXPECT_EQ(index.find("/Volumes/Old/Kits/Kick.wav"), "/new/Drums/Kick.wav");
     EXPECT_EQ(index.find("Kick.wav"), "/new/Drums/Kick.wav");
     EXPECT_EQ(index.find("/old/KICK.WAV"), "/new/Drums/Kick.wav");
 }
 
-TEST(Find, gives_nothing_for_a_name_that_is_not_indexed) {
+TEST(Find, GivesNothingForANameThatIsNotIndexed) {
     const SampleIndex index = index_of("kick.wav", {"/new/Kick.wav"});
     EXPECT_EQ(index.find("/old/Kick 2.wav"), std::nullopt);
     EXPECT_EQ(index.find("/old/Kick.aif"), std::nullopt);
@@ -35,7 +35,7 @@ TEST(Find, gives_nothing_for_a_name_that_is_not_indexed) {
     EXPECT_EQ(SampleIndex().find("/old/Kick.wav"), std::nullopt);
 }
 
-TEST(Find, prefers_the_longest_run_of_shared_folders_from_the_file_upwards) {
+TEST(Find, PrefersTheLongestRunOfSharedFoldersFromTheFileUpwards) {
     const SampleIndex index = index_of(
         "k.wav", {"/x/Kits/909/k.wav", "/x/Other/808/k.wav", "/x/Kits/808/k.wav", "/x/Kits/k.wav"});
     EXPECT_EQ(index.find("/old/Kits/808/k.wav"), "/x/Kits/808/k.wav");
@@ -43,24 +43,24 @@ TEST(Find, prefers_the_longest_run_of_shared_folders_from_the_file_upwards) {
     EXPECT_EQ(index.find("/old/Kits/k.wav"), "/x/Kits/k.wav");
 }
 
-TEST(Find, counts_whole_folders_only) {
+TEST(Find, CountsWholeFoldersOnly) {
     const SampleIndex index = index_of("k.wav", {"/z/long/808/k.wav", "/a/My 808/k.wav"});
     EXPECT_EQ(index.find("/old/808/k.wav"), "/z/long/808/k.wav");
     EXPECT_EQ(index.find("/old/Your 808/k.wav"), "/a/My 808/k.wav");
 }
 
-TEST(Find, prefers_fewer_components_among_equals) {
+TEST(Find, PrefersFewerComponentsAmongEquals) {
     const SampleIndex index = index_of("k.wav", {"/a/b/c/Kit/k.wav", "/z/Kit/k.wav"});
     EXPECT_EQ(index.find("/old/Kit/k.wav"), "/z/Kit/k.wav");
     EXPECT_EQ(index.find("/nothing/shared/k.wav"), "/z/Kit/k.wav");
 }
 
-TEST(Find, prefers_the_bytewise_smallest_path_among_equals) {
+TEST(Find, PrefersTheBytewiseSmallestPathAmongEquals) {
     const SampleIndex index = index_of("k.wav", {"/b/Kit/k.wav", "/B/Kit/k.wav", "/a/Kit/k.wav"});
     EXPECT_EQ(index.find("/old/Kit/k.wav"), "/B/Kit/k.wav");
 }
 
-TEST(Find, compares_folders_by_their_keys) {
+TEST(Find, ComparesFoldersByTheirKeys) {
     const SampleIndex index =
         index_of("k.wav", {"/a/x/k.wav", "/zzz/zz/Stra\u00dfe/U\u0308ber/k.wav"});
     const Found found = "/zzz/zz/Stra\u00dfe/U\u0308ber/k.wav";
@@ -69,24 +69,24 @@ TEST(Find, compares_folders_by_their_keys) {
     EXPECT_EQ(index.find("/old/x/k.wav"), "/a/x/k.wav");
 }
 
-TEST(Find, compares_folders_by_their_keys_also_where_they_end_in_byte_80) {
+TEST(Find, ComparesFoldersByTheirKeysAlsoWhereTheyEndInByte80) {
     const SampleIndex index = index_of("k.wav", {"/a/x/k.wav", "/zzz/zz/Cafe\xCC\x80/k.wav"});
     EXPECT_EQ(index.find("/old/Caf\u00e8/k.wav"), "/zzz/zz/Cafe\xCC\x80/k.wav");
 }
 
-TEST(Find, compares_folders_that_are_not_utf8_byte_for_byte) {
+TEST(Find, ComparesFoldersThatAreNotUtf8ByteForByte) {
     const SampleIndex index = index_of("k.wav", {"/a/x/k.wav", "/zzz/zz/Kit\xff/k.wav"});
     EXPECT_EQ(index.find("/old/Kit\xff/k.wav"), "/zzz/zz/Kit\xff/k.wav");
     EXPECT_EQ(index.find("/old/kit\xff/k.wav"), "/a/x/k.wav");
 }
 
-TEST(Find, leaves_out_components_that_say_nothing) {
+TEST(Find, LeavesOutComponentsThatSayNothing) {
     const SampleIndex index = index_of("k.wav", {"/a/x/k.wav", "z//zz/./Kits//808/./k.wav"});
     EXPECT_EQ(index.find("/old/Kits/808/k.wav"), "z//zz/./Kits//808/./k.wav");
     EXPECT_EQ(index.find("/old//x/.///k.wav"), "/a/x/k.wav");
 }
 
-TEST(Find, shares_the_first_folder_of_a_relative_path) {
+TEST(Find, SharesTheFirstFolderOfARelativePath) {
     const SampleIndex index = index_of("k.wav", {"a/k.wav", "Kits/k.wav", "z/Kits/k.wav"});
     EXPECT_EQ(index.find("/old/Kits/k.wav"), "Kits/k.wav");
     EXPECT_EQ(index.find("/old/z/Kits/k.wav"), "z/Kits/k.wav");
@@ -97,24 +97,24 @@ constexpr const char* mangled = "/old/12_Legacy_Pulsar_SH1#3BA81A.wav";
 constexpr const char* long_key = "12_legacy_pulsar_sh101_filter_sweep.wav";
 constexpr const char* long_path = "/new/12_Legacy_Pulsar_SH101_Filter_Sweep.wav";
 
-TEST(FindByMangledName, gives_the_one_longer_name_with_that_start_and_extension) {
+TEST(FindByMangledName, GivesTheOneLongerNameWithThatStartAndExtension) {
     EXPECT_EQ(index_of(long_key, {long_path}).find(mangled), long_path);
 }
 
-TEST(FindByMangledName, compares_start_and_extension_by_their_keys) {
+TEST(FindByMangledName, ComparesStartAndExtensionByTheirKeys) {
     const SampleIndex index = index_of("\u00fcber_legacy_pulsar_sh101_filter.wav",
                                        {"/new/\u00dcBER_LEGACY_Pulsar_SH101_Filter.WAV"});
     EXPECT_EQ(index.find("\u00fcber_Legacy_Pulsar_#3BA81A0.wav"),
               "/new/\u00dcBER_LEGACY_Pulsar_SH101_Filter.WAV");
 }
 
-TEST(FindByMangledName, prefers_a_file_of_the_very_name) {
+TEST(FindByMangledName, PrefersAFileOfTheVeryName) {
     SampleIndex index = index_of(long_key, {long_path});
     index.files["12_legacy_pulsar_sh1#3ba81a.wav"] = {{"/a/12_Legacy_Pulsar_SH1#3BA81A.wav", ""}};
     EXPECT_EQ(index.find(mangled), "/a/12_Legacy_Pulsar_SH1#3BA81A.wav");
 }
 
-TEST(FindByMangledName, gives_nothing_when_several_files_fit) {
+TEST(FindByMangledName, GivesNothingWhenSeveralFilesFit) {
     EXPECT_EQ(
         index_of(long_key, {long_path, "/b/12_Legacy_Pulsar_SH101_Filter_Sweep.wav"}).find(mangled),
         std::nullopt);
@@ -124,11 +124,11 @@ TEST(FindByMangledName, gives_nothing_when_several_files_fit) {
     EXPECT_EQ(index.find(mangled), std::nullopt);
 }
 
-TEST(FindByMangledName, takes_a_file_that_two_roots_brought_for_one) {
+TEST(FindByMangledName, TakesAFileThatTwoRootsBroughtForOne) {
     EXPECT_EQ(index_of(long_key, {long_path, long_path}).find(mangled), long_path);
 }
 
-TEST(FindByMangledName, takes_no_name_of_31_characters_or_fewer) {
+TEST(FindByMangledName, TakesNoNameOf31CharactersOrFewer) {
     EXPECT_EQ(index_of("12_legacy_pulsar_sh101_12345.wav", {"/a/12_Legacy_Pulsar_SH101_12345.wav"})
                   .find(mangled),
               "/a/12_Legacy_Pulsar_SH101_12345.wav"); // 32 characters
@@ -137,7 +137,7 @@ TEST(FindByMangledName, takes_no_name_of_31_characters_or_fewer) {
               std::nullopt); // 31
 }
 
-TEST(FindByMangledName, wants_the_same_start_and_extension) {
+TEST(FindByMangledName, WantsTheSameStartAndExtension) {
     EXPECT_EQ(index_of("12_legacy_pulsar_sh2_filter_sweeps.wav",
                        {"/new/12_Legacy_Pulsar_SH2_Filter_Sweeps.wav"})
                   .find(mangled),
@@ -148,7 +148,7 @@ TEST(FindByMangledName, wants_the_same_start_and_extension) {
               std::nullopt);
 }
 
-TEST(FindByMangledName, wants_31_characters_a_start_and_four_upper_case_digits) {
+TEST(FindByMangledName, Wants31CharactersAStartAndFourUpperCaseDigits) {
     for (const char* name : {
              "12_Legacy_Pulsar_SH1#3BA81A2.wav", // 32 characters
              "12_Legacy_Pulsar_SH1#3BA81.wav",   // 30
@@ -167,7 +167,7 @@ TEST(FindByMangledName, wants_31_characters_a_start_and_four_upper_case_digits) 
         std::nullopt); // nothing before the '#'
 }
 
-TEST(FindByMangledName, leaves_a_note_name_alone) {
+TEST(FindByMangledName, LeavesANoteNameAlone) {
     const SampleIndex index = index_of("f_a long name of a sample, by far.wav",
                                        {"/new/F_a long name of a sample, by far.wav"});
     EXPECT_EQ(index.find("/old/F#2.wav"), std::nullopt);

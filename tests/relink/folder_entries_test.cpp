@@ -27,14 +27,14 @@ Names names_in(const std::filesystem::path& path) {
     return names;
 }
 
-TEST(FolderEntries, are_all_names_and_those_of_itself_and_its_parent) {
+TEST(FolderEntries, AreAllNamesAndThoseOfItselfAndItsParent) {
     const test::TempFolder folder;
     test::write_file(folder / "kick.wav", "");
     test::write_file(folder / "Kit/snare.wav", "");
     EXPECT_EQ(names_in(folder.path()), (Names{".", "..", "Kit", "kick.wav"}));
 }
 
-TEST(FolderEntries, of_what_is_no_folder_are_none) {
+TEST(FolderEntries, OfWhatIsNoFolderAreNone) {
     const test::TempFolder folder;
     test::write_file(folder / "kick.wav", "");
     EXPECT_EQ(names_in(folder / "kick.wav"), Names{});

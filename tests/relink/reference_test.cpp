@@ -193,7 +193,7 @@ std::string draw_recorded(Random& random) {
 
 class RandomTree : public testing::TestWithParam<unsigned> {};
 
-TEST_P(RandomTree, is_walked_and_searched_as_a_plain_program_does_it) {
+TEST_P(RandomTree, IsWalkedAndSearchedAsAPlainProgramDoesIt) {
     Random random(GetParam());
     const TempFolder one;
     const TempFolder two;
@@ -221,7 +221,7 @@ TEST_P(RandomTree, is_walked_and_searched_as_a_plain_program_does_it) {
     }
 }
 
-TEST_P(RandomTree, gives_the_same_answers_in_whatever_order_it_was_made) {
+TEST_P(RandomTree, GivesTheSameAnswersInWhateverOrderItWasMade) {
     Random random(GetParam());
     const std::vector<Item> tree = draw_tree(random);
     std::array<TempFolder, 2> tops;

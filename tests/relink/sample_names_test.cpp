@@ -27,7 +27,7 @@ void PrintTo(const SameKey& names, std::ostream* out) {
 
 class NamesWithOneKey : public testing::TestWithParam<SameKey> {};
 
-TEST_P(NamesWithOneKey, have_it) {
+TEST_P(NamesWithOneKey, HaveIt) {
     EXPECT_EQ(key_of(GetParam().one), key_of(GetParam().other));
     EXPECT_EQ(key_of(key_of(GetParam().one)), key_of(GetParam().one));
 }
@@ -64,15 +64,15 @@ INSTANTIATE_TEST_SUITE_P(
                     SameKey{"letters_beyond_the_first_plane", "\U00010400.wav", "\U00010428.wav"}),
     [](const auto& test) { return test.param.what; });
 
-TEST(NameKey, of_ascii_is_the_name_in_lower_case) {
+TEST(NameKey, OfAsciiIsTheNameInLowerCase) {
     EXPECT_EQ(key_of("Snare #3 [Dry]_@.AIFF"), "snare #3 [dry]_@.aiff");
 }
 
-TEST(NameKey, is_composed) {
+TEST(NameKey, IsComposed) {
     EXPECT_EQ(key_of("U\u0308.wav"), "\u00fc.wav");
 }
 
-TEST(NameKey, of_nothing_is_nothing) {
+TEST(NameKey, OfNothingIsNothing) {
     EXPECT_EQ(key_of(""), "");
 }
 
@@ -80,32 +80,32 @@ TEST(NameKey, OfAViewOfNoMemoryIsNothing) {
     EXPECT_EQ(key_of(std::string_view()), "");
 }
 
-TEST(NameKey, keeps_dotless_i_apart_from_i) {
+TEST(NameKey, KeepsDotlessIApartFromI) {
     EXPECT_NE(key_of("\u0131.wav"), key_of("i.wav"));
     EXPECT_NE(key_of("\u0131.wav"), key_of("I.wav"));
 }
 
-TEST(NameKey, keeps_a_capital_i_with_dot_apart_from_i) {
+TEST(NameKey, KeepsACapitalIWithDotApartFromI) {
     EXPECT_NE(key_of("\u0130.wav"), key_of("i.wav"));
 }
 
-TEST(NameKey, keeps_a_letter_with_a_mark_apart_from_the_letter) {
+TEST(NameKey, KeepsALetterWithAMarkApartFromTheLetter) {
     EXPECT_NE(key_of("\u00fc.wav"), key_of("u.wav"));
 }
 
-TEST(NameKey, keeps_compatible_forms_apart) {
+TEST(NameKey, KeepsCompatibleFormsApart) {
     EXPECT_NE(key_of("\u00b2.wav"), key_of("2.wav"));
     EXPECT_NE(key_of("\uff21.wav"), key_of("a.wav"));
 }
 
-TEST(NameKey, of_a_name_that_is_not_utf8_is_the_name_byte_for_byte) {
+TEST(NameKey, OfANameThatIsNotUtf8IsTheNameByteForByte) {
     for (const std::string name : {"K\xfc.WAV", "\xff.WAV", "\xa9.WAV", "A\xc3", "A\xc0\xaf",
                                    "A\xed\xa0\x80", "A\xf4\x90\x80\x80"}) {
         EXPECT_EQ(key_of(name), name);
     }
 }
 
-TEST(SampleName, has_one_of_the_extensions_in_any_letter_case) {
+TEST(SampleName, HasOneOfTheExtensionsInAnyLetterCase) {
     for (const char* extension :
          {"wav", "wave", "bwf",  "rf64", "w64",  "aif", "aiff", "aifc", "caf", "sd2",
           "snd", "au",   "mp3",  "mp2",  "mpa",  "m4a", "m4b",  "m4r",  "mp4", "3gp",
@@ -115,7 +115,7 @@ TEST(SampleName, has_one_of_the_extensions_in_any_letter_case) {
     }
 }
 
-TEST(SampleName, has_no_other_extension) {
+TEST(SampleName, HasNoOtherExtension) {
     for (const char* name :
          {"Kick", "Kick.", "wav", "Kick.wa", "Kick.wavs", "Kick.wavex", "Kick.exs", "Kick.aupreset",
           "Kick.wav.asd", "Kick.w6\x14", "Kick.sf", "Kick.dlsx", "", "."}) {
@@ -123,12 +123,12 @@ TEST(SampleName, has_no_other_extension) {
     }
 }
 
-TEST(SampleName, does_not_begin_with_a_dot) {
+TEST(SampleName, DoesNotBeginWithADot) {
     EXPECT_FALSE(is_sample_name(".wav"));
     EXPECT_FALSE(is_sample_name("._Kick.wav"));
 }
 
-TEST(SamplePath, ends_in_a_sample_name) {
+TEST(SamplePath, EndsInASampleName) {
     EXPECT_TRUE(is_sample_path("/Volumes/A/Kick.wav"));
     EXPECT_TRUE(is_sample_path("Kick.wav"));
     EXPECT_TRUE(is_sample_path("/A/.hidden/Kick.wav"));
@@ -138,7 +138,7 @@ TEST(SamplePath, ends_in_a_sample_name) {
     EXPECT_FALSE(is_sample_path(""));
 }
 
-TEST(SamplePath, leads_through_no_companion_of_a_file) {
+TEST(SamplePath, LeadsThroughNoCompanionOfAFile) {
     EXPECT_FALSE(is_sample_path("/A/.AppleDouble/Kick.wav"));
     EXPECT_FALSE(is_sample_path(".AppleDouble/Kick.wav"));
     EXPECT_FALSE(is_sample_path("/A/Kick.wav/..namedfork/rsrc.wav"));

@@ -41,7 +41,7 @@ protected:
     SampleIndex index;
 };
 
-TEST_F(Session, without_look_ups_has_an_empty_result) {
+TEST_F(Session, WithoutLookUpsHasAnEmptyResult) {
     relink::begin(index);
     const relink::Result result = relink::end();
     EXPECT_TRUE(result.relinked.empty());
@@ -49,7 +49,7 @@ TEST_F(Session, without_look_ups_has_an_empty_result) {
     EXPECT_TRUE(result.apple_library.empty());
 }
 
-TEST_F(Session, uses_an_existing_sample_as_it_is) {
+TEST_F(Session, UsesAnExistingSampleAsItIs) {
     write_file(folder / "here/kick.wav", "another kick");
     relink::begin(index);
     const std::string bytes = read_file(path("here/kick.wav"));
@@ -59,7 +59,7 @@ TEST_F(Session, uses_an_existing_sample_as_it_is) {
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(Session, gives_the_indexed_file_for_an_absent_sample) {
+TEST_F(Session, GivesTheIndexedFileForAnAbsentSample) {
     relink::begin(index);
     const std::string bytes = read_file(path("gone/Kick.WAV"));
     const relink::Result result = relink::end();
@@ -68,7 +68,7 @@ TEST_F(Session, gives_the_indexed_file_for_an_absent_sample) {
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(Session, records_an_absent_sample_that_is_not_indexed) {
+TEST_F(Session, RecordsAnAbsentSampleThatIsNotIndexed) {
     relink::begin(index);
     const std::string bytes = read_file(path("gone/tom.wav"));
     const relink::Result result = relink::end();
@@ -77,7 +77,7 @@ TEST_F(Session, records_an_absent_sample_that_is_not_indexed) {
     EXPECT_TRUE(result.relinked.empty());
 }
 
-TEST_F(Session, against_an_empty_index_relinks_nothing) {
+TEST_F(Session, AgainstAnEmptyIndexRelinksNothing) {
     const SampleIndex empty;
     relink::begin(empty);
     read_file(path("gone/kick.wav"));
@@ -86,7 +86,7 @@ TEST_F(Session, against_an_empty_index_relinks_nothing) {
     EXPECT_TRUE(result.relinked.empty());
 }
 
-TEST_F(Session, takes_a_file_in_the_place_of_a_folder_as_absence) {
+TEST_F(Session, TakesAFileInThePlaceOfAFolderAsAbsence) {
     write_file(folder / "flat", "no folder");
     relink::begin(index);
     const std::string bytes = read_file(path("flat/kick.wav"));
@@ -95,7 +95,7 @@ TEST_F(Session, takes_a_file_in_the_place_of_a_folder_as_absence) {
     EXPECT_EQ(result.relinked.size(), 1u);
 }
 
-TEST_F(Session, counts_a_sample_as_unresolved_when_the_indexed_file_is_gone) {
+TEST_F(Session, CountsASampleAsUnresolvedWhenTheIndexedFileIsGone) {
     std::filesystem::remove(path("library/kick.wav"));
     relink::begin(index);
     struct stat status {};
@@ -109,7 +109,7 @@ TEST_F(Session, counts_a_sample_as_unresolved_when_the_indexed_file_is_gone) {
     EXPECT_TRUE(recorded.relinked.empty());
 }
 
-TEST_F(Session, lists_each_path_once_in_the_order_of_the_first_look_ups) {
+TEST_F(Session, ListsEachPathOnceInTheOrderOfTheFirstLookUps) {
     relink::begin(index);
     for (const char* name : {"b/snare.wav", "a/kick.wav", "z/tom.wav", "b/snare.wav", "a//kick.wav",
                              "y/rim.wav", "z/tom.wav", "a/kick.wav"}) {
@@ -123,7 +123,7 @@ TEST_F(Session, lists_each_path_once_in_the_order_of_the_first_look_ups) {
     EXPECT_EQ(result.unresolved, (Paths{path("z/tom.wav"), path("y/rim.wav")}));
 }
 
-TEST_F(Session, holds_only_its_own_look_ups) {
+TEST_F(Session, HoldsOnlyItsOwnLookUps) {
     relink::begin(index);
     read_file(path("gone/kick.wav"));
     read_file(path("gone/tom.wav"));
@@ -135,14 +135,14 @@ TEST_F(Session, holds_only_its_own_look_ups) {
     EXPECT_TRUE(second.unresolved.empty());
 }
 
-TEST_F(Session, that_has_ended_redirects_nothing) {
+TEST_F(Session, ThatHasEndedRedirectsNothing) {
     relink::begin(index);
     relink::end();
     EXPECT_EQ(read_file(path("gone/kick.wav")), "");
     EXPECT_FALSE(std::filesystem::exists(path("gone/kick.wav")));
 }
 
-TEST_F(Session, records_a_sample_of_apples_library_and_does_not_relink_it) {
+TEST_F(Session, RecordsASampleOfApplesLibraryAndDoesNotRelinkIt) {
     const std::string apples = "/Library/Application Support/Logic/EXS Factory Samples/kick.wav";
     const std::string moved = path("Logic Pro Library.bundle/snare.wav");
     write_file(moved, "Apple's snare");
@@ -158,7 +158,7 @@ TEST_F(Session, records_a_sample_of_apples_library_and_does_not_relink_it) {
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(Session, leaves_paths_alone_that_are_no_samples) {
+TEST_F(Session, LeavesPathsAloneThatAreNoSamples) {
     relink::begin(index);
     for (const char* name : {"gone/kick.txt", "gone/kick", "gone/._kick.wav", "gone/kick.wav/",
                              "gone/.AppleDouble/kick.wav", "gone/kick.wav/..namedfork/rsrc"}) {
@@ -169,7 +169,7 @@ TEST_F(Session, leaves_paths_alone_that_are_no_samples) {
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(Session, keeps_errno_when_a_look_up_is_redirected) {
+TEST_F(Session, KeepsErrnoWhenALookUpIsRedirected) {
     relink::begin(index);
     errno = EDOM;
     const int result = access(path("gone/kick.wav").c_str(), R_OK);
@@ -179,7 +179,7 @@ TEST_F(Session, keeps_errno_when_a_look_up_is_redirected) {
     EXPECT_EQ(error, EDOM);
 }
 
-TEST_F(Session, leaves_errno_as_the_real_function_set_it) {
+TEST_F(Session, LeavesErrnoAsTheRealFunctionSetIt) {
     write_file(folder / "flat", "no folder");
     relink::begin(index);
     errno = 0;
@@ -194,7 +194,7 @@ TEST_F(Session, leaves_errno_as_the_real_function_set_it) {
     EXPECT_EQ(no_folder, ENOTDIR);
 }
 
-TEST_F(Session, never_redirects_a_call_that_may_write) {
+TEST_F(Session, NeverRedirectsACallThatMayWrite) {
     relink::begin(index);
     const int created = open(path("gone/kick.wav").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     const int updated = open(path("gone/kick.wav").c_str(), O_RDWR);
@@ -208,7 +208,7 @@ TEST_F(Session, never_redirects_a_call_that_may_write) {
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(Session, creates_a_sample_where_the_caller_says_with_the_callers_mode) {
+TEST_F(Session, CreatesASampleWhereTheCallerSaysWithTheCallersMode) {
     umask(022);
     relink::begin(index);
     const int created = open(path("library/new.wav").c_str(), O_WRONLY | O_CREAT | O_EXCL, 0751);
@@ -221,7 +221,7 @@ TEST_F(Session, creates_a_sample_where_the_caller_says_with_the_callers_mode) {
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(Session, takes_paths_relative_to_the_current_folder) {
+TEST_F(Session, TakesPathsRelativeToTheCurrentFolder) {
     relink::begin(index);
     const std::string bytes = read_file("no such folder/kick.wav");
     const std::string tom = read_file("no such folder/tom.wav");
@@ -249,7 +249,7 @@ protected:
     int here = -1;
 };
 
-TEST_F(SessionWithFolder, leaves_a_name_relative_to_it_alone) {
+TEST_F(SessionWithFolder, LeavesANameRelativeToItAlone) {
     relink::begin(index);
     const bool has_tom = exists("tom.wav");
     const bool has_kick = exists("kick.wav");
@@ -260,7 +260,7 @@ TEST_F(SessionWithFolder, leaves_a_name_relative_to_it_alone) {
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(SessionWithFolder, looks_for_an_absolute_path) {
+TEST_F(SessionWithFolder, LooksForAnAbsolutePath) {
     relink::begin(index);
     const bool has_kick = exists(path("gone/kick.wav"));
     const relink::Result result = relink::end();
@@ -268,7 +268,7 @@ TEST_F(SessionWithFolder, looks_for_an_absolute_path) {
     EXPECT_EQ(result.relinked, (Pairs{{path("gone/kick.wav"), path("library/kick.wav")}}));
 }
 
-TEST_F(SessionWithFolder, gives_a_file_of_a_relative_root_from_the_current_folder) {
+TEST_F(SessionWithFolder, GivesAFileOfARelativeRootFromTheCurrentFolder) {
     const auto look_up = [&] {
         SampleIndex relative;
         const bool is_there = chdir(folder.path().c_str()) == 0;
@@ -281,7 +281,7 @@ TEST_F(SessionWithFolder, gives_a_file_of_a_relative_root_from_the_current_folde
     EXPECT_EXIT(_exit(look_up() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
-TEST_F(Session, leaves_calls_without_a_path_to_the_real_function) {
+TEST_F(Session, LeavesCallsWithoutAPathToTheRealFunction) {
     int (*volatile call)(const char*, int, ...) = open; // its declaration forbids a null path
     relink::begin(index);
     errno = 0;
@@ -292,7 +292,7 @@ TEST_F(Session, leaves_calls_without_a_path_to_the_real_function) {
     EXPECT_EQ(error, EFAULT);
 }
 
-TEST_F(Session, leaves_flags_and_offsets_of_an_opened_file_as_asked) {
+TEST_F(Session, LeavesFlagsAndOffsetsOfAnOpenedFileAsAsked) {
     relink::begin(index);
     const int file = open(path("gone/kick.wav").c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     relink::end();
@@ -303,7 +303,7 @@ TEST_F(Session, leaves_flags_and_offsets_of_an_opened_file_as_asked) {
     close(file);
 }
 
-TEST_F(Session, takes_no_other_error_for_absence) {
+TEST_F(Session, TakesNoOtherErrorForAbsence) {
     // A link to itself is an example of an error other than absence: it fails for every user.
     std::filesystem::create_directory(folder / "there");
     std::filesystem::create_symlink("kick.wav", folder / "there/kick.wav");
@@ -318,7 +318,7 @@ TEST_F(Session, takes_no_other_error_for_absence) {
     EXPECT_TRUE(recorded.unresolved.empty());
 }
 
-TEST_F(Session, may_end_while_other_threads_look_up) {
+TEST_F(Session, MayEndWhileOtherThreadsLookUp) {
     std::atomic<bool> is_over = false;
     std::atomic<int> wrong = 0;
     std::thread other([&] {
@@ -340,7 +340,7 @@ TEST_F(Session, may_end_while_other_threads_look_up) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(Session, accepts_look_ups_from_several_threads) {
+TEST_F(Session, AcceptsLookUpsFromSeveralThreads) {
     constexpr int rounds = 200;
     relink::begin(index);
     std::atomic<int> redirected = 0;

@@ -185,7 +185,7 @@ protected:
     SampleIndex index;
 };
 
-TEST_P(TheShimOf, reaches_the_indexed_file) {
+TEST_P(TheShimOf, ReachesTheIndexedFile) {
     const std::string gone = (folder / "gone/kick.wav").string();
     relink::begin(index);
     const bool has_sample = GetParam().has_sample(gone.c_str());
@@ -196,7 +196,7 @@ TEST_P(TheShimOf, reaches_the_indexed_file) {
     EXPECT_EQ(result.relinked[0].second, (folder / "library/kick.wav").string());
 }
 
-TEST_P(TheShimOf, records_a_sample_that_is_nowhere) {
+TEST_P(TheShimOf, RecordsASampleThatIsNowhere) {
     const std::string gone = (folder / "gone/tom.wav").string();
     relink::begin(index);
     const bool has_sample = GetParam().has_sample(gone.c_str());
@@ -205,7 +205,7 @@ TEST_P(TheShimOf, records_a_sample_that_is_nowhere) {
     EXPECT_EQ(result.unresolved, std::vector<std::string>{gone});
 }
 
-TEST_P(TheShimOf, does_nothing_without_a_session) {
+TEST_P(TheShimOf, DoesNothingWithoutASession) {
     EXPECT_TRUE(GetParam().has_sample((folder / "library/kick.wav").c_str()));
     EXPECT_FALSE(GetParam().has_sample((folder / "gone/kick.wav").c_str()));
 }
@@ -215,7 +215,7 @@ INSTANTIATE_TEST_SUITE_P(Function, TheShimOf, testing::ValuesIn(shims()),
 
 class TheShimsOf : public TheShimOf {};
 
-TEST_F(TheShimsOf, readlink_gives_the_text_of_an_indexed_link) {
+TEST_F(TheShimsOf, ReadlinkGivesTheTextOfAnIndexedLink) {
     test::TempFolder links;
     std::filesystem::create_symlink(folder / "library/kick.wav", links / "snare.wav");
     index.add_root(links.path().string());
@@ -229,7 +229,7 @@ TEST_F(TheShimsOf, readlink_gives_the_text_of_an_indexed_link) {
     EXPECT_EQ(result.relinked.size(), 1u);
 }
 
-TEST_F(TheShimsOf, opendir_records_the_sample_and_opens_no_file_as_a_folder) {
+TEST_F(TheShimsOf, OpendirRecordsTheSampleAndOpensNoFileAsAFolder) {
     const std::string gone = (folder / "gone/kick.wav").string();
     relink::begin(index);
     DIR* const opened = opendir(gone.c_str());
@@ -243,7 +243,7 @@ TEST_F(TheShimsOf, opendir_records_the_sample_and_opens_no_file_as_a_folder) {
 
 using Reopen = FILE*(const char*, const char*, FILE*);
 
-TEST_F(TheShimsOf, freopen_for_writing_makes_the_file_that_its_caller_names) {
+TEST_F(TheShimsOf, FreopenForWritingMakesTheFileThatItsCallerNames) {
     for (Reopen* const reopen : {freopen, freopen64}) {
         const std::string made = (folder / "kick.wav").string();
         FILE* const stream = fopen("/dev/null", "r");
@@ -260,7 +260,7 @@ TEST_F(TheShimsOf, freopen_for_writing_makes_the_file_that_its_caller_names) {
     }
 }
 
-TEST_F(TheShimsOf, freopen_without_a_path_opens_the_streams_own_file_again) {
+TEST_F(TheShimsOf, FreopenWithoutAPathOpensTheStreamsOwnFileAgain) {
     for (Reopen* const reopen : {freopen, freopen64}) {
         FILE* const stream = fopen((folder / "library/kick.wav").c_str(), "r");
         relink::begin(index);
@@ -270,7 +270,7 @@ TEST_F(TheShimsOf, freopen_without_a_path_opens_the_streams_own_file_again) {
     }
 }
 
-TEST_F(TheShimsOf, open_makes_a_nameless_file_with_the_callers_mode) {
+TEST_F(TheShimsOf, OpenMakesANamelessFileWithTheCallersMode) {
     const std::string path = folder.path().string();
     constexpr int flags = O_TMPFILE | O_WRONLY;
     umask(022);

@@ -268,7 +268,7 @@ TEST_P(TheShimOf, PassesOverWhatIsNoSample) {
 
 TEST_P(TheShimOf, IsUsedByManyThreads) {
     if (std::string(GetParam().name) == "clonefile") {
-        return; // all threads would make the same file; its shim calls look_up, as all shims do
+        return; // all threads would make the same file; its shim calls redirect, as all shims do
     }
     relink::begin(index);
     std::vector<std::thread> threads;

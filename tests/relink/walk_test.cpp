@@ -46,7 +46,7 @@ Paths walk(const fs::path& root) {
     return paths;
 }
 
-TEST(Walk, of_the_empty_root_takes_the_current_folder_without_a_dot) {
+TEST(Walk, OfTheEmptyRootTakesTheCurrentFolderWithoutADot) {
     const TempFolder folder;
     write_file(folder / "a.wav", "");
     write_file(folder / "Kit/b.wav", "");
@@ -57,7 +57,7 @@ TEST(Walk, of_the_empty_root_takes_the_current_folder_without_a_dot) {
     EXPECT_EXIT(_exit(walk_there() ? 0 : 1), testing::ExitedWithCode(0), "");
 }
 
-TEST(Walk, takes_regular_files_only) {
+TEST(Walk, TakesRegularFilesOnly) {
     const TempFolder folder;
     write_file(folder / "file.wav", "");
     write_file(folder / "folder.wav/inner.wav", "");
@@ -68,7 +68,7 @@ TEST(Walk, takes_regular_files_only) {
     EXPECT_EQ(walk(folder.path()), (Paths{"file.wav", "folder.wav/inner.wav"}));
 }
 
-TEST(Walk, follows_links_to_files_under_their_own_names) {
+TEST(Walk, FollowsLinksToFilesUnderTheirOwnNames) {
     const TempFolder folder;
     write_file(folder / "elsewhere/kick.data", "");
     write_file(folder / "elsewhere/snare.wav", "");
@@ -79,21 +79,21 @@ TEST(Walk, follows_links_to_files_under_their_own_names) {
     EXPECT_EQ(walk(folder / "root"), (Paths{"again.wav", "kick.wav"}));
 }
 
-TEST(Walk, takes_a_root_that_is_a_link) {
+TEST(Walk, TakesARootThatIsALink) {
     const TempFolder folder;
     write_file(folder / "real/a.wav", "");
     fs::create_symlink("real", folder / "root");
     EXPECT_EQ(walk(folder / "root"), Paths{"a.wav"});
 }
 
-TEST(Walk, prefers_its_own_folders_to_links) {
+TEST(Walk, PrefersItsOwnFoldersToLinks) {
     const TempFolder folder;
     write_file(folder / "z/a.wav", "");
     fs::create_symlink("z", folder / "a");
     EXPECT_EQ(walk(folder.path()), Paths{"z/a.wav"});
 }
 
-TEST(Walk, takes_the_bytewise_smallest_link_that_waits) {
+TEST(Walk, TakesTheBytewiseSmallestLinkThatWaits) {
     const TempFolder folder;
     write_file(folder / "out/one/a.wav", "");
     fs::create_directories(folder / "out/two");
@@ -104,7 +104,7 @@ TEST(Walk, takes_the_bytewise_smallest_link_that_waits) {
     EXPECT_EQ(walk(folder / "root"), Paths{"a/c/a.wav"});
 }
 
-TEST(Walk, compares_the_paths_of_links_without_a_slash_at_the_end) {
+TEST(Walk, ComparesThePathsOfLinksWithoutASlashAtTheEnd) {
     const TempFolder folder;
     write_file(folder / "out/a.wav", "");
     fs::create_directory(folder / "root");
@@ -113,7 +113,7 @@ TEST(Walk, compares_the_paths_of_links_without_a_slash_at_the_end) {
     EXPECT_EQ(walk(folder / "root"), Paths{"k/a.wav"});
 }
 
-TEST(Walk, reads_a_folder_that_several_links_name_once) {
+TEST(Walk, ReadsAFolderThatSeveralLinksNameOnce) {
     const TempFolder folder;
     write_file(folder / "out/deep/a.wav", "");
     fs::create_directory(folder / "root");
@@ -122,7 +122,7 @@ TEST(Walk, reads_a_folder_that_several_links_name_once) {
     EXPECT_EQ(walk(folder / "root"), Paths{"x/a.wav"});
 }
 
-TEST(Walk, ends_in_circles_of_links) {
+TEST(Walk, EndsInCirclesOfLinks) {
     const TempFolder folder;
     write_file(folder / "a/a.wav", "");
     write_file(folder / "b/b.wav", "");
@@ -133,7 +133,7 @@ TEST(Walk, ends_in_circles_of_links) {
     EXPECT_EQ(walk(folder.path()), (Paths{"a/a.wav", "b/b.wav"}));
 }
 
-TEST(Walk, of_each_root_reads_a_shared_folder) {
+TEST(Walk, OfEachRootReadsASharedFolder) {
     const TempFolder folder;
     write_file(folder / "shared/a.wav", "");
     fs::create_directory(folder / "one");
@@ -144,7 +144,7 @@ TEST(Walk, of_each_root_reads_a_shared_folder) {
     EXPECT_EQ(walk(folder / "two"), Paths{"link/a.wav"});
 }
 
-TEST(Walk, takes_ten_thousand_entries_of_one_folder) {
+TEST(Walk, TakesTenThousandEntriesOfOneFolder) {
     const TempFolder folder;
     for (int i = 0; i < 10'000; ++i) {
         const std::string name = std::to_string(i) + (i % 2 == 0 ? ".wav" : ".txt");
@@ -153,7 +153,7 @@ TEST(Walk, takes_ten_thousand_entries_of_one_folder) {
     EXPECT_EQ(walk(folder.path()).size(), 5'000u);
 }
 
-TEST(Walk, takes_names_of_255_bytes) {
+TEST(Walk, TakesNamesOf255Bytes) {
     const TempFolder folder;
     const std::string name = std::string(251, 'n') + ".wav";
     const std::string inner = std::string(255, 'f');
@@ -161,7 +161,7 @@ TEST(Walk, takes_names_of_255_bytes) {
     EXPECT_EQ(walk(folder.path()), Paths{inner + '/' + name});
 }
 
-TEST(Walk, works_where_standard_input_is_closed) {
+TEST(Walk, WorksWhereStandardInputIsClosed) {
     const TempFolder folder;
     write_file(folder / "Kit/a.wav", "");
     const auto walk_there = [&] {
@@ -187,20 +187,20 @@ std::string make_deep(const fs::path& top, const std::string& name, int depth) {
     return path + "deep.wav";
 }
 
-TEST(Walk, goes_on_beyond_the_longest_path_that_the_system_takes) {
+TEST(Walk, GoesOnBeyondTheLongestPathThatTheSystemTakes) {
     const TempFolder folder;
     const std::string deep = make_deep(folder.path(), std::string(200, 'd'), 50);
     ASSERT_GT(deep.size(), static_cast<std::size_t>(2 * PATH_MAX));
     EXPECT_EQ(walk(folder.path()), Paths{deep});
 }
 
-TEST(Walk, goes_deeper_than_a_process_may_have_files_open) {
+TEST(Walk, GoesDeeperThanAProcessMayHaveFilesOpen) {
     const TempFolder folder;
     const std::string deep = make_deep(folder.path(), "d", 1'500);
     EXPECT_EQ(walk(folder.path()), Paths{deep});
 }
 
-TEST(Walk, finds_its_way_where_paths_are_about_as_long_as_the_system_takes) {
+TEST(Walk, FindsItsWayWherePathsAreAboutAsLongAsTheSystemTakes) {
     const TempFolder folder;
     const std::size_t top = folder.path().string().size() + 1;
     for (std::size_t length = PATH_MAX - 3; length <= PATH_MAX + 3; ++length) {
@@ -222,7 +222,7 @@ TEST(Walk, finds_its_way_where_paths_are_about_as_long_as_the_system_takes) {
     }
 }
 
-TEST(Walk, passes_over_a_folder_that_may_not_be_read) {
+TEST(Walk, PassesOverAFolderThatMayNotBeRead) {
     const TempFolder folder;
     write_file(folder / "closed/a.wav", "");
     write_file(folder / "open/b.wav", "");
@@ -253,7 +253,7 @@ TEST(Walk, passes_over_a_folder_that_may_not_be_read) {
     EXPECT_EQ(code, 0);
 }
 
-TEST(Walk, goes_on_when_folders_vanish_under_it) {
+TEST(Walk, GoesOnWhenFoldersVanishUnderIt) {
     const TempFolder folder;
     for (int i = 0; i < 20; ++i) {
         write_file(folder / (std::to_string(i) + "/a.wav"), "");

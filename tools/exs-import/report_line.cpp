@@ -53,7 +53,7 @@ std::string json(const std::vector<std::string>& texts) {
     return json_array(texts, [](const std::string& text) { return json(text); });
 }
 
-std::string truth(bool value) {
+std::string json_bool(bool value) {
     return value ? "true" : "false";
 }
 
@@ -70,8 +70,8 @@ std::string redirection(const std::pair<std::string, std::string>& paths) {
 std::string layer_object(const Shape::Layer& layer) {
     return "{\"name\":" + json(layer.name) + ",\"zones\":" + std::to_string(layer.zones) +
            ",\"loopedZones\":" + std::to_string(layer.looped_zones) +
-           ",\"controllerChosen\":" + truth(layer.controller_chosen) +
-           ",\"onRelease\":" + truth(layer.on_release) + "}";
+           ",\"controllerChosen\":" + json_bool(layer.controller_chosen) +
+           ",\"onRelease\":" + json_bool(layer.on_release) + "}";
 }
 
 std::string shape_object(const Shape& shape) {
@@ -87,7 +87,7 @@ std::string shape_object(const Shape& shape) {
 
 std::string report_line(const Report& report) {
     return "{\"name\":" + json(report.name) + ",\"source\":" + json(report.source) +
-           ",\"ok\":" + truth(report.ok) + ",\"error\":" + json(report.error) +
+           ",\"ok\":" + json_bool(report.ok) + ",\"error\":" + json(report.error) +
            ",\"relinked\":" + json_array(report.relink.relinked, redirection) +
            ",\"unresolved\":" + json(report.relink.unresolved) +
            ",\"appleLibrary\":" + json(report.relink.apple_library) +

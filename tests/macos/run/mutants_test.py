@@ -15,7 +15,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[3]
 LIBRARY = "liblumo-relink.dylib"
-SHIMS, LOOK_UP = "interpose_macos.cpp", "look_up.h"
+SHIMS, REDIRECT = "interpose_macos.cpp", "redirect.h"
 
 
 class Mutants(unittest.TestCase):
@@ -23,7 +23,7 @@ class Mutants(unittest.TestCase):
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
-        for name in (SHIMS, LOOK_UP):
+        for name in (SHIMS, REDIRECT):
             (self.folder / name).write_bytes((ROOT / "relink" / name).read_bytes())
 
     def change(self, name, old, new):
@@ -99,7 +99,7 @@ class Mutants(unittest.TestCase):
         self.check_noticed()
 
     def test_the_guard_against_recursion_gone(self):
-        self.change(LOOK_UP, "inside.is_first() && ", "")
+        self.change(REDIRECT, "inside.is_first() && ", "")
         self.check_noticed("TheShimsOf.AllLeaveALinkThatIsThere")  # it waits for itself
 
     def test_a_tuple_of_another_function(self):
@@ -109,8 +109,8 @@ class Mutants(unittest.TestCase):
         self.check_noticed()
 
     def test_a_look_up_without_a_session(self):
-        self.change(LOOK_UP, "return session::is_open() ? look_up_in_session(path, call, opens) : "
-                    "call(path);", "return look_up_in_session(path, call, opens);")
+        self.change(REDIRECT, "session::is_open() ? redirect_in_session(path, call, opens) : "
+                    "call(path);", "redirect_in_session(path, call, opens);")
         self.check_noticed()
 
 

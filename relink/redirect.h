@@ -47,10 +47,10 @@ inline bool is_absence(int error, const char* path) {
            ((error == ENOTDIR || error == EACCES || error == EPERM) && !is_there(path));
 }
 
-/// look_up while a session is open. `opens` says that a call that succeeds has shown that its file
-/// may be read, which need not be asked then.
+/// As redirect, while a session is open. `opens` says that a call that succeeds has shown that its
+/// file may be read, which need not be asked then.
 template <class Call>
-auto look_up_in_session(const char* path, Call call, bool opens) {
+auto redirect_in_session(const char* path, Call call, bool opens) {
     const int before = errno;
     const session::Inside inside;
     const bool is_wanted = inside.is_first() && session::looks_for(path);
@@ -93,16 +93,16 @@ auto look_up_in_session(const char* path, Call call, bool opens) {
 /// errno is as the call left it whose result this is; when the second call succeeds, as it was
 /// before both. Where the session's file is absent by then too, the result is the first call's.
 template <class Call>
-auto look_up(const char* path, Call call, bool opens = false) {
-    return session::is_open() ? look_up_in_session(path, call, opens) : call(path);
+auto redirect(const char* path, Call call, bool opens = false) {
+    return session::is_open() ? redirect_in_session(path, call, opens) : call(path);
 }
 
-/// look_up for `call(folder, path)`. A name relative to another folder than the current one does
-/// not say where a sample was recorded.
+/// As redirect, for `call(folder, path)`. A name relative to another folder than the current one
+/// does not say where a sample was recorded.
 template <class Call>
-auto look_up_at(int folder, const char* path, Call call, bool opens = false) {
+auto redirect_at(int folder, const char* path, Call call, bool opens = false) {
     const bool says_where = folder == AT_FDCWD || (path && path[0] == '/');
-    return says_where ? look_up(
+    return says_where ? redirect(
                             path, [&](const char* p) { return call(AT_FDCWD, p); }, opens)
                       : call(folder, path);
 }
@@ -132,17 +132,17 @@ inline bool asks_to_read(const char*) {
     return true;
 }
 
-/// look_up for a call that opens as `how` says: flags, or a stream's mode. One that may write goes
-/// where its caller says.
+/// As redirect, for a call that opens as `how` says: flags, or a stream's mode. One that may write
+/// goes where its caller says.
 template <class How, class Call>
-auto look_up_to_open(How how, const char* path, Call call) {
-    return only_reads(how) ? look_up(path, call, asks_to_read(how)) : call(path);
+auto redirect_open(How how, const char* path, Call call) {
+    return only_reads(how) ? redirect(path, call, asks_to_read(how)) : call(path);
 }
 
-/// look_up_at for a call that opens as `flags` say.
+/// As redirect_at, for a call that opens as `flags` say.
 template <class Call>
-auto look_up_at_to_open(int flags, int folder, const char* path, Call call) {
-    return only_reads(flags) ? look_up_at(folder, path, call, asks_to_read(flags))
+auto redirect_open_at(int flags, int folder, const char* path, Call call) {
+    return only_reads(flags) ? redirect_at(folder, path, call, asks_to_read(flags))
                              : call(folder, path);
 }
 

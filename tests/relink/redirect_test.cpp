@@ -1,5 +1,5 @@
 // The order of calls in a look-up and what it leaves in errno, with functions made for the test.
-#include "look_up.h"
+#include "redirect.h"
 #include <lumo/relink.h>
 
 #include <gtest/gtest.h>
@@ -40,7 +40,7 @@ std::string real_path(const char* path) {
 
 namespace {
 
-class LookUp : public testing::Test {
+class Redirect : public testing::Test {
 protected:
     void SetUp() override {
         index.files["kick.wav"] = {{"/new/kick.wav", "/new"}};
@@ -66,37 +66,37 @@ protected:
     std::vector<std::string> calls;
 };
 
-TEST_F(LookUp, calls_with_the_callers_path_first) {
-    const int result = look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+TEST_F(Redirect, CallsWithTheCallersPathFirst) {
+    const int result = redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
     EXPECT_EQ(result, 7);
     EXPECT_EQ(calls, (std::vector<std::string>{"/old/kick.wav", "/new/kick.wav"}));
 }
 
-TEST_F(LookUp, calls_once_when_that_succeeds) {
+TEST_F(Redirect, CallsOnceWhenThatSucceeds) {
     readable = {"/old/kick.wav"};
-    EXPECT_EQ(look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), 7);
+    EXPECT_EQ(redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), 7);
     EXPECT_EQ(calls.size(), 1u);
 }
 
-TEST_F(LookUp, calls_once_when_it_fails_otherwise_than_by_absence) {
+TEST_F(Redirect, CallsOnceWhenItFailsOtherwiseThanByAbsence) {
     closed = "/old/kick.wav";
     for (const int error :
          {EACCES, EPERM, ENOTDIR, EMFILE, ELOOP, ENAMETOOLONG, EINTR, EIO, ENXIO}) {
         calls.clear();
-        EXPECT_EQ(look_up("/old/kick.wav", [&](const char* p) { return call(p, error); }), -1);
+        EXPECT_EQ(redirect("/old/kick.wav", [&](const char* p) { return call(p, error); }), -1);
         EXPECT_EQ(errno, error);
         EXPECT_EQ(calls.size(), 1u);
     }
     EXPECT_TRUE(end().relinked.empty());
 }
 
-TEST_F(LookUp, leaves_errno_as_it_was_when_it_succeeds) {
+TEST_F(Redirect, LeavesErrnoAsItWasWhenItSucceeds) {
     errno = EDOM;
-    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOTDIR); });
+    redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOTDIR); });
     EXPECT_EQ(errno, EDOM);
 }
 
-TEST_F(LookUp, OfAnOpenTakesItsSuccessForTheRightToRead) {
+TEST_F(Redirect, OfAnOpenTakesItsSuccessForTheRightToRead) {
     readable.clear(); // which would be the answer to that question
     const auto open = [&](const char* p) {
         calls.emplace_back(p);
@@ -104,23 +104,23 @@ TEST_F(LookUp, OfAnOpenTakesItsSuccessForTheRightToRead) {
         return std::string(p) == "/new/kick.wav" ? 7 : -1;
     };
     errno = EDOM;
-    EXPECT_EQ(look_up_to_open(O_RDONLY, "/old/kick.wav", open), 7);
+    EXPECT_EQ(redirect_open(O_RDONLY, "/old/kick.wav", open), 7);
     EXPECT_EQ(errno, EDOM);
-    EXPECT_EQ(look_up_to_open("rb", "/old/kick.wav", open), 7);
+    EXPECT_EQ(redirect_open("rb", "/old/kick.wav", open), 7);
     EXPECT_EQ(calls, (std::vector<std::string>{"/old/kick.wav", "/new/kick.wav", "/old/kick.wav",
                                                "/new/kick.wav"}));
     EXPECT_EQ(end().relinked.size(), 1u);
 }
 
-TEST_F(LookUp, OfAnOpenThatFailsAsksWhetherTheFileMayBeRead) {
+TEST_F(Redirect, OfAnOpenThatFailsAsksWhetherTheFileMayBeRead) {
     readable.clear();
     EXPECT_EQ(
-        look_up_to_open(O_RDONLY, "/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }),
+        redirect_open(O_RDONLY, "/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }),
         -1);
     EXPECT_EQ(end().unresolved, std::vector<std::string>{"/old/kick.wav"});
     begin(index);
     readable = {"/new/kick.wav"};
-    const int result = look_up_to_open(O_RDONLY, "/old/kick.wav", [&](const char* p) {
+    const int result = redirect_open(O_RDONLY, "/old/kick.wav", [&](const char* p) {
         errno = p == std::string("/new/kick.wav") ? EMFILE : ENOENT;
         return -1;
     });
@@ -130,9 +130,9 @@ TEST_F(LookUp, OfAnOpenThatFailsAsksWhetherTheFileMayBeRead) {
 }
 
 #ifdef O_PATH
-TEST_F(LookUp, OfAnOpenWithoutRightsAsksWhetherTheFileMayBeRead) {
+TEST_F(Redirect, OfAnOpenWithoutRightsAsksWhetherTheFileMayBeRead) {
     readable.clear();
-    const int result = look_up_to_open(O_RDONLY | O_PATH, "/old/kick.wav", [&](const char* p) {
+    const int result = redirect_open(O_RDONLY | O_PATH, "/old/kick.wav", [&](const char* p) {
         errno = ENOENT;
         return p == std::string("/new/kick.wav") ? 7 : -1;
     });
@@ -141,10 +141,10 @@ TEST_F(LookUp, OfAnOpenWithoutRightsAsksWhetherTheFileMayBeRead) {
 }
 #endif
 
-TEST_F(LookUp, LeavesTheSecondErrorWhenTheSessionsFileIsThere) {
+TEST_F(Redirect, LeavesTheSecondErrorWhenTheSessionsFileIsThere) {
     for (const int error : {EINVAL, EACCES, EPERM, ENOTDIR, ENODATA, EMFILE}) {
         calls.clear();
-        const int result = look_up("/old/kick.wav", [&](const char* p) {
+        const int result = redirect("/old/kick.wav", [&](const char* p) {
             calls.emplace_back(p);
             errno = calls.size() == 1 ? ENOENT : error;
             return -1;
@@ -155,11 +155,11 @@ TEST_F(LookUp, LeavesTheSecondErrorWhenTheSessionsFileIsThere) {
     }
 }
 
-TEST_F(LookUp, LeavesTheFirstErrorWhenTheSessionsFileIsAbsentByThen) {
+TEST_F(Redirect, LeavesTheFirstErrorWhenTheSessionsFileIsAbsentByThen) {
     for (const int error : {ENOENT, ENOTDIR, EACCES, EPERM}) {
         readable = {"/new/kick.wav"};
         calls.clear();
-        const int result = look_up("/old/kick.wav", [&](const char* p) {
+        const int result = redirect("/old/kick.wav", [&](const char* p) {
             calls.emplace_back(p);
             if (calls.size() == 2) {
                 readable.clear();
@@ -173,9 +173,9 @@ TEST_F(LookUp, LeavesTheFirstErrorWhenTheSessionsFileIsAbsentByThen) {
     }
 }
 
-TEST_F(LookUp, GivesAFailureOfTheSecondCallThatLeavesErrnoAlone) {
+TEST_F(Redirect, GivesAFailureOfTheSecondCallThatLeavesErrnoAlone) {
     errno = 0; // pathconf fails so where there is no limit
-    const int result = look_up("/old/kick.wav", [&](const char* p) {
+    const int result = redirect("/old/kick.wav", [&](const char* p) {
         if (!is_there(p)) {
             errno = ENOENT;
         } else {
@@ -187,85 +187,85 @@ TEST_F(LookUp, GivesAFailureOfTheSecondCallThatLeavesErrnoAlone) {
     EXPECT_EQ(errno, 0);
 }
 
-TEST_F(LookUp, TakesWhatCannotBeSeenForAbsent) {
+TEST_F(Redirect, TakesWhatCannotBeSeenForAbsent) {
     for (const int error : {EACCES, EPERM}) {
         const std::string path = "/closed/" + std::to_string(error) + "/kick.wav";
         errno = EDOM;
-        EXPECT_EQ(look_up(path.c_str(), [&](const char* p) { return call(p, error); }), 7);
+        EXPECT_EQ(redirect(path.c_str(), [&](const char* p) { return call(p, error); }), 7);
         EXPECT_EQ(errno, EDOM);
     }
     EXPECT_EQ(end().relinked.size(), 2u);
 }
 
-TEST_F(LookUp, RecordsWhatCannotBeSeenAndIsNotIndexedAsUnresolvedWithItsError) {
-    const int result = look_up("/closed/tom.wav", [&](const char* p) { return call(p, EACCES); });
+TEST_F(Redirect, RecordsWhatCannotBeSeenAndIsNotIndexedAsUnresolvedWithItsError) {
+    const int result = redirect("/closed/tom.wav", [&](const char* p) { return call(p, EACCES); });
     EXPECT_EQ(result, -1);
     EXPECT_EQ(errno, EACCES);
     EXPECT_EQ(end().unresolved, (std::vector<std::string>{"/closed/tom.wav"}));
 }
 
-TEST_F(LookUp, AsksForTheRealPathOfAnExistingLinkAndOfAFolderOnce) {
+TEST_F(Redirect, AsksForTheRealPathOfAnExistingLinkAndOfAFolderOnce) {
     readable = {"/old/kick.wav",   "/old/tom.wav", "/old/link.wav", "/old/notes.txt",
                 "/other/kick.wav", "kick.wav",     "/kick.wav"};
     for (const char* path :
          {"/old/kick.wav", "/old/tom.wav", "/old/kick.wav", "/old/link.wav", "/old/link.wav",
           "/old/notes.txt", "/old/gone.wav", "/other/kick.wav", "kick.wav", "/kick.wav"}) {
         errno = EDOM;
-        look_up(path, [&](const char* p) { return call(p, ENOENT); });
+        redirect(path, [&](const char* p) { return call(p, ENOENT); });
     }
     EXPECT_EQ(asked_for_real_path,
               (std::vector<std::string>{"/old/", "/old/link.wav", "/other/", ".", "/"}));
     EXPECT_TRUE(end().apple_library.empty());
 }
 
-TEST_F(LookUp, RecordsAnExistingSampleWhoseRealPathIsApplesAndGivesIt) {
+TEST_F(Redirect, RecordsAnExistingSampleWhoseRealPathIsApplesAndGivesIt) {
     readable = {"/old/kick.wav"};
     real_folder = "/Library/Application Support/Logic";
     errno = EDOM;
-    EXPECT_EQ(look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), 7);
+    EXPECT_EQ(redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), 7);
     EXPECT_EQ(errno, EDOM);
-    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+    redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
     const Result result = end();
     EXPECT_EQ(result.apple_library, (std::vector<std::string>{"/old/kick.wav"}));
     EXPECT_TRUE(result.relinked.empty());
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(LookUp, RecordsASampleThatComesOrGoesMeanwhileInOneList) {
+TEST_F(Redirect, RecordsASampleThatComesOrGoesMeanwhileInOneList) {
     real_folder = "/Library/Application Support/Logic";
-    look_up("/old/tom.wav", [&](const char* p) { return call(p, ENOENT); });
+    redirect("/old/tom.wav", [&](const char* p) { return call(p, ENOENT); });
     readable = {"/old/tom.wav", "/old/kick.wav"};
-    look_up("/old/tom.wav", [&](const char* p) { return call(p, ENOENT); });
-    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+    redirect("/old/tom.wav", [&](const char* p) { return call(p, ENOENT); });
+    redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
     readable = {"/new/kick.wav"};
-    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+    redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
     const Result result = end();
     EXPECT_EQ(result.unresolved, (std::vector<std::string>{"/old/tom.wav"}));
     EXPECT_EQ(result.apple_library, (std::vector<std::string>{"/old/kick.wav"}));
     EXPECT_TRUE(result.relinked.empty());
 }
 
-TEST_F(LookUp, counts_a_sample_as_unresolved_when_the_indexed_file_may_not_be_read) {
+TEST_F(Redirect, CountsASampleAsUnresolvedWhenTheIndexedFileMayNotBeRead) {
     readable.clear();
-    EXPECT_EQ(look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), -1);
+    EXPECT_EQ(redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), -1);
     EXPECT_EQ(calls, (std::vector<std::string>{"/old/kick.wav"}));
     const Result result = end();
     EXPECT_TRUE(result.relinked.empty());
     EXPECT_EQ(result.unresolved, (std::vector<std::string>{"/old/kick.wav"}));
 }
 
-TEST_F(LookUp, gives_one_answer_to_one_path_whatever_happens_meanwhile) {
-    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+TEST_F(Redirect, GivesOneAnswerToOnePathWhateverHappensMeanwhile) {
+    redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
     readable.clear();
-    look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
+    redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); });
     const Result result = end();
     EXPECT_EQ(result.relinked.size(), 1u);
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(LookUp, made_from_within_another_goes_to_the_real_function) {
-    look_up("/old/kick.wav", [&](const char* p) {
-        look_up("/old/tom.wav", [&](const char* inner) { return call(inner, ENOENT); });
+TEST_F(Redirect, MadeFromWithinAnotherGoesToTheRealFunction) {
+    redirect("/old/kick.wav", [&](const char* p) {
+        redirect("/old/tom.wav", [&](const char* inner) { return call(inner, ENOENT); });
         return call(p, ENOENT);
     });
     const Result result = end();
@@ -273,17 +273,17 @@ TEST_F(LookUp, made_from_within_another_goes_to_the_real_function) {
     EXPECT_TRUE(result.unresolved.empty());
 }
 
-TEST_F(LookUp, takes_null_for_the_failure_of_a_function_that_gives_a_pointer) {
+TEST_F(Redirect, TakesNullForTheFailureOfAFunctionThatGivesAPointer) {
     static char found = 0;
-    char* const result = look_up("/old/kick.wav", [&](const char* p) -> char* {
+    char* const result = redirect("/old/kick.wav", [&](const char* p) -> char* {
         return call(p, ENOENT) < 0 ? nullptr : &found;
     });
     EXPECT_EQ(result, &found);
 }
 
-TEST_F(LookUp, without_a_session_is_one_call) {
+TEST_F(Redirect, WithoutASessionIsOneCall) {
     end();
-    EXPECT_EQ(look_up("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), -1);
+    EXPECT_EQ(redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), -1);
     EXPECT_EQ(calls.size(), 1u);
 }
 

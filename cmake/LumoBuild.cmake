@@ -60,9 +60,18 @@ function(lumo_add_test name)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 600 PROPERTIES TIMEOUT 1800 LABELS "${arg_LABELS}")
 endfunction()
 
-# The output of Python's unittest when no test failed but some were skipped; CTest then reports the
-# test as skipped.
-set(LUMO_PYTHON_SKIPPED "OK \\(skipped=")
+# lumo_add_python_test(NAME SCRIPT [LABELS ...] [ENVIRONMENT ...]): a unittest program, registered as
+# one test, which finds the modules in tests/support. CTest reports it as skipped when no test failed
+# but some were skipped.
+function(lumo_add_python_test name script)
+  cmake_parse_arguments(arg "" "" "LABELS;ENVIRONMENT" ${ARGN})
+  find_package(Python3 REQUIRED COMPONENTS Interpreter)
+  add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} ${CMAKE_CURRENT_SOURCE_DIR}/${script})
+  list(APPEND arg_ENVIRONMENT PYTHONPATH=${PROJECT_SOURCE_DIR}/tests/support
+                              PYTHONDONTWRITEBYTECODE=1)
+  set_tests_properties(${name} PROPERTIES LABELS "${arg_LABELS}" TIMEOUT 1800
+    SKIP_REGULAR_EXPRESSION "OK \\(skipped=" ENVIRONMENT "${arg_ENVIRONMENT}")
+endfunction()
 
 # lumo_add_fuzzer(NAME SOURCES... [LIBS ...]): a fuzz target. Without LUMO_FUZZ it is linked with a
 # main that replays files, so that it is compiled in every build, and the inputs kept in

@@ -12,14 +12,13 @@ import os
 import re
 import shutil
 import subprocess
-import tempfile
 import unittest
 from concurrent.futures import ThreadPoolExecutor
-from pathlib import Path
 
-import scene
+from lumo_testing import FolderTest, built_program, contents, incomplete_files, line_faults
 from traced_import import Stage, can_trace
 
+TOOL = built_program("LUMO_TOOL")
 ERRORS = ("EIO", "ENOSPC", "EACCES", "EMFILE", "EINTR")
 CANNOT_FAIL = {"exit", "exit_group"}
 
@@ -27,7 +26,7 @@ CANNOT_FAIL = {"exit", "exit_group"}
 def faults_of(stage, call, error):
     """The faults of one run with one failing call."""
     show = stage.show(f"{call.name}-{call.number}-{error}")
-    prior = scene.contents(show)
+    prior = contents(show)
     try:
         result = stage.run_with_fault(show, call, f"error={error}")
     except subprocess.TimeoutExpired:
@@ -36,10 +35,10 @@ def faults_of(stage, call, error):
     if result.returncode != 0 and not ended_at_state_name(result):
         faults.append(f"ended with {result.returncode}: {result.stderr.decode()[-200:]}")
     if result.returncode == 0 and not call.is_report:
-        faults += scene.line_faults(result.stdout, show, stage.instruments)
-    after = scene.contents(show)
+        faults += line_faults(result.stdout, show, stage.instruments)
+    after = contents(show)
     faults += [f"{path} changed" for path, data in prior.items() if after.get(path) != data]
-    half = scene.files_not_sound(show / "samples", stage.originals)
+    half = incomplete_files(show / "samples", stage.originals)
     faults += [f"{path} is half" for path in half]
     shutil.rmtree(show)
     return [f"{call} {error}: {fault}" for fault in faults]
@@ -52,23 +51,22 @@ def ended_at_state_name(result):
             re.search(rb'\.aupreset"?\]', result.stderr) is not None)  # libc++ quotes paths
 
 
-class FaultTable(unittest.TestCase):
+class FaultTable(FolderTest):
     @unittest.skipUnless(can_trace(), "strace cannot be used here")
     def test_every_call_may_fail(self):
-        with tempfile.TemporaryDirectory() as folder:
-            stage = Stage(TOOL, Path(folder).resolve())
-            calls = [call for call in stage.calls() if call.name not in CANNOT_FAIL]
-            cells = {}
-            with ThreadPoolExecutor(os.cpu_count()) as pool:
-                for call in calls:
-                    for error in ERRORS:
-                        cells.setdefault((call.name, error), []).append(
-                            pool.submit(faults_of, stage, call, error))
-            self.show(cells)
-            faults = [fault for runs in cells.values() for run in runs for fault in run.result()]
-            self.assertEqual(faults, [], "\n" + "\n".join(faults))
+        stage = Stage(TOOL, self.folder)
+        calls = [call for call in stage.calls() if call.name not in CANNOT_FAIL]
+        cells = {}
+        with ThreadPoolExecutor(os.cpu_count()) as pool:
+            for call in calls:
+                for error in ERRORS:
+                    cells.setdefault((call.name, error), []).append(
+                        pool.submit(faults_of, stage, call, error))
+        self.print_table(cells)
+        faults = [fault for runs in cells.values() for run in runs for fault in run.result()]
+        self.assertEqual(faults, [], "\n" + "\n".join(faults))
 
-    def show(self, cells):
+    def print_table(self, cells):
         """Prints the table: for each cell the number of runs that passed, and of all runs."""
         names = sorted({name for name, _ in cells})
         print(f"\n{'call':<20}" + "".join(f"{error:>10}" for error in ERRORS))
@@ -79,5 +77,4 @@ class FaultTable(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    TOOL = scene.tool_from_environment()
     unittest.main(verbosity=2)

@@ -5,25 +5,23 @@ mounted."""
 
 import shutil
 import subprocess
-import tempfile
 import unittest
-from pathlib import Path
 
-import scene
+from lumo_testing import (FolderTest, built_program, import_command, incomplete_files,
+                          line_faults, run, write_preset, write_wave)
 
+TOOL = built_program("LUMO_TOOL")
 PAGE = 4096
 
 
-class FullDisk(unittest.TestCase):
+class FullDisk(FolderTest):
     def setUp(self):
-        temporary = tempfile.TemporaryDirectory()
-        self.addCleanup(temporary.cleanup)
-        self.folder = Path(temporary.name).resolve()
+        super().setUp()
         for i in range(3):
-            scene.write_wave(self.folder / "Kit" / f"{i}.wav", 5000, i)
+            write_wave(self.folder / "Kit" / f"{i}.wav", 5000, i)
         self.samples = {path.read_bytes() for path in (self.folder / "Kit").iterdir()}
         self.instrument = self.folder / "Kit.aupreset"
-        scene.write_preset(self.instrument, sorted((self.folder / "Kit").iterdir()))
+        write_preset(self.instrument, sorted((self.folder / "Kit").iterdir()))
         self.disk = self.folder / "disk"
         self.disk.mkdir()
 
@@ -54,17 +52,15 @@ class FullDisk(unittest.TestCase):
     def import_into_disk(self):
         """The error of one import. Checks its line and that no sample in the show is incomplete."""
         show = self.disk / "Show.lumo"
-        words = scene.command(TOOL, show, show / "states", [self.instrument])
-        result = scene.run(words, self.folder)
+        result = run(import_command(TOOL, show, [self.instrument]))
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertEqual(scene.line_faults(result.stdout, show, [self.instrument]), [])
-        self.assertEqual(scene.files_not_sound(show / "samples", self.samples), [])
+        self.assertEqual(line_faults(result.stdout, show, [self.instrument]), [])
+        self.assertEqual(incomplete_files(show / "samples", self.samples), [])
         error = result.stdout.decode().split('"error":"')[1].split('","relinked')[0]
         return error.replace(str(self.disk), "DISK")
 
 
 if __name__ == "__main__":
-    TOOL = scene.tool_from_environment()
     if not shutil.which("mount"):
         raise SystemExit("mount is not here")
     unittest.main(verbosity=2)

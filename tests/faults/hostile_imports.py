@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Whole imports of damaged instruments through the built tool.
 
-usage: hostile_imports.py [COUNT [SEED]]
+usage: PYTHONPATH=tests/support LUMO_TOOL=... tests/faults/hostile_imports.py [COUNT [SEED]]
 
 Presets and EXS instruments are damaged at random and imported, many in one run; each must give its
 report line. The tool's memory and processor time are limited, except for the memory of a build with
@@ -18,8 +18,10 @@ import sys
 import tempfile
 from pathlib import Path
 
-import scene
+from lumo_testing import (HANG_SECONDS, built_program, import_command, write_exs, write_preset,
+                          write_wave)
 
+TOOL = built_program("LUMO_TOOL")
 BATCH, MEMORY, PROCESSOR_SECONDS = 40, 256 << 20, 60  # the last two per run
 NUMBERS = [b"\0", b"\x01", b"\x7f", b"\x80", b"\xff", b"\xff\xff\xff\xff", b"\xff\xff\xff\x7f",
            b"\0\0\0\x80", b"\xff" * 8]
@@ -59,22 +61,19 @@ def damage(data, seeds, chance):
 def seeds_of(folder):
     """The intact instruments of both kinds that are damaged."""
     sample = folder / "Kit" / "kick.wav"
-    scene.write_wave(sample, 100, 1)
-    scene.write_wave(folder / "Kit" / "snare.wav", 150, 2)
+    write_wave(sample, 100, 1)
+    write_wave(folder / "Kit" / "snare.wav", 150, 2)
     samples = [sample, folder / "Kit" / "snare.wav", "/nowhere/Kit/kick.wav"]
-    scene.write_preset(folder / "seed.aupreset", samples)
-    scene.write_exs(folder / "seed.exs", samples)
-    binary = folder / "binary.aupreset"
-    binary.write_bytes(plistlib.dumps(plistlib.loads((folder / "seed.aupreset").read_bytes()),
-                                      fmt=plistlib.FMT_BINARY))
-    return {".aupreset": [(folder / "seed.aupreset").read_bytes(), binary.read_bytes()],
-            ".exs": [(folder / "seed.exs").read_bytes()]}
+    presets = [write_preset(folder / f"{number}.aupreset", samples, fmt=fmt)
+               for number, fmt in enumerate((plistlib.FMT_XML, plistlib.FMT_BINARY))]
+    return {".aupreset": [preset.read_bytes() for preset in presets],
+            ".exs": [write_exs(folder / "seed.exs", samples).read_bytes()]}
 
 
 def limit():
     """Limits memory and processor time; runs in the child process."""
     resource.setrlimit(resource.RLIMIT_CPU, (PROCESSOR_SECONDS, PROCESSOR_SECONDS))
-    if not os.environ.get("LUMO_SANITIZED"):
+    if not os.environ.get("LUMO_SANITIZE"):
         resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
 
 
@@ -82,7 +81,7 @@ def imported(words, count):
     """None when a run printed `count` lines and ended with status 0; otherwise a description."""
     try:
         result = subprocess.run(words, capture_output=True, preexec_fn=limit, check=False,
-                                timeout=scene.HANG_SECONDS)
+                                timeout=HANG_SECONDS)
     except subprocess.TimeoutExpired:
         return "it did not end"
     lines = result.stdout.count(b"\n")
@@ -95,7 +94,6 @@ def imported(words, count):
 def main():
     count = int(sys.argv[1]) if len(sys.argv) > 1 else 10000
     chance = random.Random(int(sys.argv[2]) if len(sys.argv) > 2 else 1)
-    tool = scene.tool_from_environment()
     findings = Path(os.environ.get("LUMO_FINDINGS", "findings"))
     done = found = 0
     with tempfile.TemporaryDirectory() as name:
@@ -113,12 +111,11 @@ def main():
                 seed = chance.choice(seeds[extension])
                 instruments[-1].write_bytes(damage(seed, everything, chance))
             done += BATCH
-            command = scene.command(tool, show, show / "states", instruments, [folder / "seeds"])
+            command = import_command(TOOL, show, instruments, search=[folder / "seeds"])
             if imported(command, BATCH) is None:
                 continue
             for instrument in instruments:
-                command = scene.command(tool, show, show / "states", [instrument],
-                                        [folder / "seeds"])
+                command = import_command(TOOL, show, [instrument], search=[folder / "seeds"])
                 fault = imported(command, 1)
                 if fault:
                     findings.mkdir(parents=True, exist_ok=True)

@@ -4,22 +4,19 @@ line within seconds, and only audio files are copied."""
 
 import json
 import os
-import tempfile
 import unittest
-from pathlib import Path
 
-import scene
+from lumo_testing import (FolderTest, built_program, contents, import_command, line_faults, run,
+                          write_exs, write_preset)
 
+TOOL = built_program("LUMO_TOOL")
 NOT_AUDIO = "AUSampler couldn't load it (OSStatus 1954115647)"
 MISSING = "AUSampler couldn't load it (OSStatus -43)"
 
 
-class HostilePaths(unittest.TestCase):
+class HostilePaths(FolderTest):
     def setUp(self):
-        temporary = tempfile.TemporaryDirectory()
-        self.addCleanup(temporary.cleanup)
-        self.folder = Path(temporary.name).resolve()
-        self.show = self.folder / "Show.lumo"
+        super().setUp()
         os.mkfifo(self.folder / "pipe.wav")
         os.symlink("/dev/zero", self.folder / "endless.wav")
         os.symlink("loop.wav", self.folder / "loop.wav")
@@ -28,19 +25,17 @@ class HostilePaths(unittest.TestCase):
         (self.folder / "empty.wav").write_bytes(b"")
 
     def report(self, instrument):
-        words = scene.command(TOOL, self.show, self.show / "states", [instrument])
-        result = scene.run(words, self.folder)
+        result = run(import_command(TOOL, self.show, [instrument]))
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertEqual(scene.line_faults(result.stdout, self.show, [instrument]), [])
+        self.assertEqual(line_faults(result.stdout, self.show, [instrument]), [])
         return json.loads(result.stdout.decode("utf-8", "replace"))
 
     def refused(self, sample):
         """The import errors of a preset and of an EXS instrument that refer to this sample."""
-        scene.write_preset(self.folder / "in" / "a.aupreset", [sample])
-        scene.write_exs(self.folder / "in" / "a.exs", [sample])
-        reports = [self.report(self.folder / "in" / name) for name in ("a.aupreset", "a.exs")]
+        reports = [self.report(write_preset(self.folder / "in" / "a.aupreset", [sample])),
+                   self.report(write_exs(self.folder / "in" / "a.exs", [sample]))]
         self.assertFalse(any(report["ok"] for report in reports), reports)
-        self.assertEqual(scene.contents(self.show), {})
+        self.assertEqual(contents(self.show), {})
         return [report["error"] for report in reports]
 
     def test_samples_that_are_no_audio_files_are_refused(self):
@@ -73,13 +68,12 @@ class HostilePaths(unittest.TestCase):
                     else:
                         path.symlink_to("/dev/zero" if name == "zero" else path.name)
                     self.assertFalse(self.report(path)["ok"])
-        self.assertEqual(scene.contents(self.show), {})
+        self.assertEqual(contents(self.show), {})
 
-    def test_an_exs_pipe_that_nobody_writes_does_not_hang(self):
+    def test_an_exs_pipe_without_a_writer_does_not_hang(self):
         os.mkfifo(self.folder / "pipe.exs")
         self.assertFalse(self.report(self.folder / "pipe.exs")["ok"])
 
 
 if __name__ == "__main__":
-    TOOL = scene.tool_from_environment()
     unittest.main(verbosity=2)

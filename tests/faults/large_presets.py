@@ -7,12 +7,13 @@ import plistlib
 import random
 import resource
 import sys
-import tempfile
 import unittest
 from pathlib import Path
 
-import scene
+from lumo_testing import (FolderTest, built_program, import_command, line_faults, run, write_preset,
+                          write_wave)
 
+TOOL = built_program("LUMO_TOOL")
 SIZE, MEMORY = 100_000_000, 400 << 20
 NO_LIST = "the preset isn't a property list"
 
@@ -42,19 +43,15 @@ def much_of_one_zone(layers, zones):
                            "Instrument": {"Layers": [layer] * layers}}, fmt=plistlib.FMT_BINARY)
 
 
-class LargePresets(unittest.TestCase):
+class LargePresets(FolderTest):
     def setUp(self):
-        temporary = tempfile.TemporaryDirectory()
-        self.addCleanup(temporary.cleanup)
-        self.folder = Path(temporary.name).resolve()
+        super().setUp()
         self.preset = self.folder / "large.aupreset"
-        self.show = self.folder / "Show.lumo"
 
     def report(self):
-        words = scene.command(TOOL, self.show, self.show / "states", [self.preset])
-        result = scene.run(words, self.folder, preexec_fn=limit)
+        result = run(import_command(TOOL, self.show, [self.preset]), preexec_fn=limit)
         self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertEqual(scene.line_faults(result.stdout, self.show, [self.preset]), [])
+        self.assertEqual(line_faults(result.stdout, self.show, [self.preset]), [])
         return json.loads(result.stdout)
 
     def error(self, data):
@@ -73,8 +70,8 @@ class LargePresets(unittest.TestCase):
     def preset_around(self):
         """A preset that plays a sound, in two parts; array items can be written between them."""
         sound = self.folder / "Kit" / "kick.wav"
-        scene.write_wave(sound, 100, 1)
-        scene.write_preset(self.preset, [sound])
+        write_wave(sound, 100, 1)
+        write_preset(self.preset, [sound])
         zones = b"<key>Layers</key>"
         start, end = self.preset.read_bytes().split(zones)
         return start + b"<key>much</key><array>", b"</array>" + zones + end
@@ -124,6 +121,5 @@ class LargePresets(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    TOOL = scene.tool_from_environment()
     sys.setrecursionlimit(5000)  # plistlib checks the states recursively
     unittest.main(verbosity=2)

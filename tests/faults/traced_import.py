@@ -6,7 +6,7 @@ import shutil
 import subprocess
 from dataclasses import dataclass
 
-import scene
+from lumo_testing import contents, import_command, run, write_exs, write_preset, write_wave
 
 # Memory and threads: these calls do not change the disk, and no behaviour is guaranteed when memory
 # runs out.
@@ -42,17 +42,17 @@ class Stage:
         self.tool = tool
         self.folder = folder
         self.input = folder / "input"
-        scene.write_wave(self.input / "Kit" / "kick.wav", 300, 1)
-        scene.write_wave(self.input / "Kit" / "snare.wav", 400, 2)
-        scene.write_wave(self.input / "Moved" / "hat.wav", 500, 3)
-        self.originals = set(scene.contents(self.input).values())
-        scene.write_exs(self.input / "One.exs", [self.input / "Kit" / "kick.wav",
-                                                 "/nowhere/Moved/hat.wav"])
-        scene.write_preset(self.input / "Two.aupreset", [self.input / "Kit" / "snare.wav",
-                                                         self.input / "Kit" / "kick.wav"])
-        self.instruments = [self.input / "One.exs", self.input / "Two.aupreset"]
+        write_wave(self.input / "Kit" / "kick.wav", 300, 1)
+        write_wave(self.input / "Kit" / "snare.wav", 400, 2)
+        write_wave(self.input / "Moved" / "hat.wav", 500, 3)
+        self.originals = set(contents(self.input).values())
+        self.instruments = [
+            write_exs(self.input / "One.exs",
+                      [self.input / "Kit" / "kick.wav", "/nowhere/Moved/hat.wav"]),
+            write_preset(self.input / "Two.aupreset",
+                         [self.input / "Kit" / "snare.wav", self.input / "Kit" / "kick.wav"])]
         show = folder / "prior"
-        scene.write_wave(show / "samples" / "Kit" / "kick.wav", 77, 4)
+        write_wave(show / "samples" / "Kit" / "kick.wav", 77, 4)
         (show / "states").mkdir()
         (show / "states" / "One.aupreset").write_bytes(b"what was there")
         self.originals.add((show / "samples" / "Kit" / "kick.wav").read_bytes())
@@ -64,23 +64,22 @@ class Stage:
         return show
 
     def command(self, show):
-        return scene.command(self.tool, show, show / "states", self.instruments)
+        return import_command(self.tool, show, self.instruments)
 
     def run(self, show):
         """Runs the import without a fault."""
-        return scene.run(self.command(show), self.folder)
+        return run(self.command(show))
 
     def run_with_fault(self, show, call, fault):
         """Runs the import with a fault, in strace's notation, at one call."""
-        return scene.run(["strace", "-f", "-qq", "-o", os.devnull, "-e", f"trace={call.name}",
-                          "-e", f"inject={call.name}:{fault}:when={call.number}",
-                          *self.command(show)], self.folder)
+        return run(["strace", "-f", "-qq", "-o", os.devnull, "-e", f"trace={call.name}",
+                    "-e", f"inject={call.name}:{fault}:when={call.number}", *self.command(show)])
 
     def calls(self):
         """The system calls of the import in order, from the end of the argument checks."""
         show = self.show("traced")
         trace = self.folder / "trace"
-        result = scene.run(["strace", "-f", "-o", trace, *self.command(show)], self.folder)
+        result = run(["strace", "-f", "-o", trace, *self.command(show)])
         assert result.returncode == 0, result.stderr.decode()
         counts, calls, started = {}, [], False
         for line in trace.read_text(errors="replace").splitlines():

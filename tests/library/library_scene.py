@@ -1,35 +1,17 @@
 """What the tests of this folder share: runs of the program, with the real tool and with one that
 does as a test says."""
 
-import importlib.util
 import json
-import os
 import shutil
-import subprocess
 import sys
-import tempfile
 import time
-import unittest
 import zlib
 from pathlib import Path
 
-PROJECT = Path(__file__).resolve().parents[2]
+from lumo_testing import FolderTest, built_program, import_command, run, write_preset, write_wave
 
-
-def load(path):
-    """A module under a name of its own: several folders of tests have a scene.py."""
-    spec = importlib.util.spec_from_file_location(f"{path.parent.name}_{path.stem}", path)
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
-
-
-fault_scene = load(PROJECT / "tests/faults/scene.py")
-contents, write_preset = fault_scene.contents, fault_scene.write_preset
-write_wave = fault_scene.write_wave
-
-TOOL = Path(os.environ["LUMO_TOOL"]).resolve()
-LIBRARY = Path(os.environ["LUMO_LIBRARY"]).resolve()
+TOOL = built_program("LUMO_TOOL")
+LIBRARY = built_program("LUMO_LIBRARY")
 DEADLINE = 60  # seconds, for what must happen at all
 
 # Lies beside a copy of the program in place of the tool. plan.json has, by the stem of an
@@ -92,13 +74,11 @@ for instrument in instruments:
 '''
 
 
-class LibraryTest(unittest.TestCase):
-    """A test with a folder of its own, which the program runs in."""
+class LibraryTest(FolderTest):
+    """A test whose programs run in its temporary folder."""
 
     def setUp(self):
-        temporary = tempfile.TemporaryDirectory()
-        self.addCleanup(temporary.cleanup)
-        self.folder = Path(temporary.name).resolve()
+        super().setUp()
         self.library = self.folder / "lib"
         self.program = LIBRARY
 
@@ -141,19 +121,14 @@ class LibraryTest(unittest.TestCase):
             write_wave(folder / f"{i}.wav", frames + i, zlib.crc32(name.encode()) + i)
             recorded = Path("/Volumes/Gone") / name if moved else folder
             paths.append(recorded / f"{i}.wav")
-        path = folder / f"{name}.aupreset"
-        write_preset(path, paths)
-        return path
+        return write_preset(folder / f"{name}.aupreset", paths)
 
     def words(self, *arguments):
-        return [str(self.program), "--package", "Show.lumo", "--states", "states",
-                *[os.fspath(argument) for argument in arguments]]
+        return import_command(self.program, "Show.lumo", arguments, "states")
 
     def run_library(self, *arguments, words=None, **options):
         """Runs the program to its end; what it wrote is kept as bytes."""
-        return subprocess.run(words or self.words(*arguments), cwd=self.folder,
-                              stdin=subprocess.DEVNULL, capture_output=True, timeout=300,
-                              check=False, **options)
+        return run(words or self.words(*arguments), cwd=self.folder, **options)
 
     def expect(self, done, status):
         self.assertEqual(done.returncode, status, (done.stdout, done.stderr))

@@ -1,19 +1,19 @@
 #!/usr/bin/env python3
-"""Makes a library of instruments for trying lumo-import-library.
+"""Makes a library of instruments to try lumo-import-library with.
 
-usage: made_library.py FOLDER [INSTRUMENTS]
+usage: PYTHONPATH=tests/support tests/library/made_library.py FOLDER [INSTRUMENTS]
 
-By default there are 2,000 instruments in 60 folders of FOLDER/Instruments. 200 of their samples
-moved to FOLDER/Moved, others are gone, 3 instruments play samples of Apple's library, and each kind
-of failure that files can bring about is there.
+Writes 2,000 instruments by default, in 60 folders of FOLDER/Instruments. 200 of their samples moved
+to FOLDER/Moved, others are missing, 3 instruments play samples of Apple's library, and every error
+that an input file can cause occurs.
 """
 
 import os
 import plistlib
-import struct
 import sys
-import wave
 from pathlib import Path
+
+from lumo_testing import CLASS_INFO, write_exs, write_preset, write_wave, zone
 
 INSTRUMENTS, FOLDERS, MOVED = 2000, 60, 200
 KINDS = ("Violins", "Violas", "Cellos", "Basses", "Flutes", "Oboes", "Clarinets", "Bassoons",
@@ -23,37 +23,11 @@ PLACES = ("Chamber", "Hall", "Studio")
 STYLES = ("Legato", "Spiccato", "Tremolo", "Pizzicato", "Sustain", "Marcato", "Con Sordino",
           "Harmonics")
 SAMPLES = 4
-FIRST_WAVEFORM = 0x10000000
-CLASS_INFO = {"version": 0, "type": 0x61756D75, "subtype": 0x73616D70, "manufacturer": 0x6170706C,
-              "name": "Untitled", "data": bytes.fromhex(
-                  "00000000 00000000 00000004 00000384 00000000 00000385 00000000"
-                  "00000386 00000000 00000387 00000000")}
-
-
-def exs(path, sample):
-    """An EXS24 instrument with one zone."""
-    def chunk(kind, content):
-        return struct.pack("<4BIII4s64s", 1, 1, 0, kind, len(content), 0, 0, b"TBOS", b"") + content
-    zone, one = bytearray(96), bytearray(592)
-    zone[1], zone[6], zone[7] = 60, 60, 60
-    struct.pack_into("<ii", zone, 88, -1, 0)
-    struct.pack_into("256s256s", one, 80, os.fsencode(sample.parent), os.fsencode(sample.name))
-    path.write_bytes(chunk(0, bytes(40)) + chunk(1, bytes(zone)) + chunk(3, bytes(one)))
-
-
-def sound(path, frames):
-    path.parent.mkdir(parents=True, exist_ok=True)
-    with wave.open(str(path), "wb") as file:
-        file.setnchannels(1)
-        file.setsampwidth(2)
-        file.setframerate(44100)
-        file.writeframes(struct.pack(f"<{frames}h", *(i * 37 % 4000 - 2000 for i in range(frames))))
 
 
 def layer(number, name, areas, **more):
-    zones = [{"ID": i, "enabled": True, "loop enabled": False, "root key": low,
-              "waveform": FIRST_WAVEFORM + i % SAMPLES, "min key": low, "max key": high,
-              "min vel": soft, "max vel": loud} for i, (low, high, soft, loud) in enumerate(areas)]
+    zones = [zone(i, i % SAMPLES, root_key=low, min_key=low, max_key=high, min_vel=soft,
+                  max_vel=loud) for i, (low, high, soft, loud) in enumerate(areas)]
     return {"ID": number, "name": name, "Zones": zones, **more}
 
 
@@ -77,21 +51,17 @@ def layers_of(i):
 
 
 def preset(path, references, layers):
-    path.parent.mkdir(parents=True, exist_ok=True)
-    path.write_bytes(plistlib.dumps(
-        {**CLASS_INFO, "Instrument": {"name": path.name, "Layers": layers},
-         "file-references": {f"Sample:{FIRST_WAVEFORM + i}": os.fspath(reference)
-                             for i, reference in enumerate(references)}}, fmt=plistlib.FMT_BINARY))
+    write_preset(path, references, layers, plistlib.FMT_BINARY)
 
 
 def failures(folder):
     """Instruments that fail, each in its own way, as functions of the path that they make."""
     good = folder / "good.wav"
-    sound(good, 60)
+    write_wave(good, 60)
     text = folder / "no sound.wav"
     text.write_text("this is no sound")
     badly_named = Path(os.fsdecode(os.fsencode(folder.parent / "Moved") + b"/\xff"))
-    sound(badly_named / "badly named.wav", 61)
+    write_wave(badly_named / "badly named.wav", 61)
     one = [layer(0, "", [(60, 60, 1, 127)])]
     deep = {"Instrument": {"Layers": one}, **CLASS_INFO, "subtype": 0}
     return [
@@ -106,7 +76,7 @@ def failures(folder):
         ("Sample in an odd folder.aupreset",
          lambda path: preset(path, ["/Volumes/Old Disk/badly named.wav"], one)),
         (f"{'Name too long for a state ' * 10}"[:250] + ".exs",
-         lambda path: exs(path, good)),
+         lambda path: write_exs(path, [good])),
     ]
 
 
@@ -137,7 +107,7 @@ def make(folder, instruments=INSTRUMENTS):
             moved = i % (instruments * SAMPLES // MOVED) == 1
             place = folder / "Moved" / name if moved else root / name
             for note, sample in enumerate(samples):
-                sound(place / sample, 500 + (i * SAMPLES + note) % 997)
+                write_wave(place / sample, 500 + (i * SAMPLES + note) % 997)
             preset(path, [(recorded if moved else root / name) / sample for sample in samples],
                    layers_of(i))
     return failed

@@ -149,7 +149,7 @@ class InABrowser(PageTest):
         cls.browser.close()
         cls.profile.cleanup()
 
-    def show(self, lines):
+    def open_page(self, lines):
         self.browser.media()
         self.browser.load(self.make_page(lines))
         self.browser.wait_for("document.querySelector('#count').textContent !== ''")
@@ -182,12 +182,12 @@ class InABrowser(PageTest):
         ]
 
     def test_loads_without_a_complaint(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         self.browser.run("rows.forEach(row => { fill(row); toggle(row); })")
         self.assertEqual(self.browser.complaints(), [])
 
     def test_shows_totals_and_failures_first_with_cause_and_remedy(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         totals = self.browser.run(
             "[...document.querySelectorAll('#totals div')].map(d => d.innerText.split('\\n'))")
         self.assertEqual({name: value for value, name in totals} if totals[0][0][0].isdigit() else
@@ -203,7 +203,7 @@ class InABrowser(PageTest):
         self.assertEqual(self.names(), ["Gone", "Lost", "Apple's", "Alpha 9", "Alpha 10"])
 
     def test_filters_names_paths_and_errors(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         for typed, found in (("alpha", ["Alpha 9", "Alpha 10"]), ("TWO.wav", ["Alpha 10"]),
                              ("new/one", ["Alpha 10"]), ("volumes gone", ["Gone", "Lost"]),
                              ("apple loops", ["Apple's"]), ("wasn't found", ["Gone", "Lost"]),
@@ -222,14 +222,14 @@ class InABrowser(PageTest):
                          f"'{value}'; box.dispatchEvent(new Event('change')); }})()")
 
     def test_shows_the_failed_or_the_imported_alone(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         self.choose("show", "failed")
         self.assertEqual(self.names(), ["Gone", "Lost", "Apple's"])
         self.choose("show", "imported")
         self.assertEqual(self.names(), ["Alpha 9", "Alpha 10"])
 
     def test_shows_one_cause_alone(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         click = "document.querySelectorAll('#causes button')[1].click()"
         self.browser.run(click)
         self.assertEqual(self.names(), ["Apple's"])
@@ -237,7 +237,7 @@ class InABrowser(PageTest):
         self.assertEqual(len(self.names()), 5)
 
     def test_sorts(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         for order, names in (("name", ["Alpha 9", "Alpha 10", "Apple's", "Gone", "Lost"]),
                              ("samples", ["Alpha 9", "Alpha 10"]), ("bytes", ["Alpha 10"])):
             self.choose("sort", order)
@@ -251,7 +251,7 @@ class InABrowser(PageTest):
                 self.assertEqual(listed[:len(names)], names, order)
 
     def test_is_used_by_keyboard(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         focused = "document.activeElement.id || document.activeElement.innerText.split('\\n')[0]"
         self.browser.press("/")
         self.assertEqual(self.browser.run(focused), "filter")
@@ -279,7 +279,7 @@ class InABrowser(PageTest):
         return self.text("li.open")
 
     def test_shows_what_was_found_where(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         text = self.open("Alpha 10").split("\n")
         at = text.index("Found elsewhere (2)")
         self.assertEqual(text[at:], ["Found elsewhere (2)", "Recorded", "Found",
@@ -288,7 +288,7 @@ class InABrowser(PageTest):
         self.assertIn("3, 5.0 kB, of which 1.0 kB copied by this import", text)
 
     def test_shows_what_was_not_found_and_what_is_apples(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         text = self.open("Gone")
         for words in ("a sample wasn't found: x.wav", "To do: add the folder", "Not found (2)",
                       "/Volumes/Gone/Kit/y.wav"):
@@ -297,7 +297,7 @@ class InABrowser(PageTest):
         self.assertIn("/Library/Audio/Apple Loops/a.caf", self.open("Apple's"))
 
     def test_draws_the_key_map_of_the_written_state(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         self.open("Alpha 10")
         drawn = self.browser.run("[...document.querySelectorAll("
                                  "'li.open .big > g > path:not(.rule)')]"
@@ -315,11 +315,11 @@ class InABrowser(PageTest):
                                   "Layer 2", "1 zone, on release"])
 
     def test_says_when_a_state_cannot_be_read(self):
-        self.show([report("Moved away", stateFile="gone.aupreset")])
+        self.open_page([report("Moved away", stateFile="gone.aupreset")])
         self.assertIn("There is no key map: the state could not be read.", self.open("Moved away"))
 
     def test_draws_maps_when_they_come_into_view(self):
-        self.show(many_reports(self.folder, 1000))
+        self.open_page(many_reports(self.folder, 1000))
         self.browser.wait_for("document.querySelectorAll('.row').length > 5")
         drawn = self.browser.run("document.querySelectorAll('.thumb').length")
         self.assertLess(drawn, 200)
@@ -327,7 +327,7 @@ class InABrowser(PageTest):
         self.browser.wait_for("rows[900].item.querySelector('.thumb') !== null")
 
     def test_has_a_dark_form_and_one_for_paper(self):
-        self.show(self.small_library())
+        self.open_page(self.small_library())
         ground = "getComputedStyle(document.body).backgroundColor"
         self.browser.media(prefers_color_scheme="light")
         self.assertEqual(self.browser.run(ground), "rgb(255, 255, 255)")
@@ -339,7 +339,7 @@ class InABrowser(PageTest):
         self.assertEqual(self.browser.run("getComputedStyle(tools).display"), "none")
 
     def test_fills_all_of_the_list_for_paper(self):
-        self.show(many_reports(self.folder, 300))
+        self.open_page(many_reports(self.folder, 300))
         self.assertLess(self.browser.run("document.querySelectorAll('.row').length"), 300)
         self.browser.run("window.dispatchEvent(new Event('beforeprint'))")
         self.assertEqual(self.browser.run("document.querySelectorAll('.row').length"), 300)
@@ -349,10 +349,10 @@ class InABrowser(PageTest):
                  "<img src=x onerror='window.harm = 1'>",
                  "\"><b>bold", "'; window.harm = 1; '", "\x1b[31mred\x07", "right\u202eexe.exs",
                  "caf\udce9", "line\u2028end", "__proto__", "{data}{script}"]
-        self.show([report(name, relinked=[{"from": f"/old/{name}", "to": f"new/{name}"}])
-                   for name in names] + [failed(name + "!", f"odd: {name}",
-                                                unresolved=[f"/x/{name}/s"])
-                                         for name in names])
+        imported = [report(name, relinked=[{"from": f"/old/{name}", "to": f"new/{name}"}])
+                    for name in names]
+        self.open_page(imported + [failed(f"{name}!", f"odd: {name}", unresolved=[f"/x/{name}/s"])
+                                   for name in names])
         self.browser.run("rows.forEach(row => { fill(row); toggle(row); })")
         self.assertEqual(self.browser.run("window.harm || 0"), 0)
         self.assertEqual(self.browser.run("document.querySelectorAll('img, b').length"), 0)

@@ -2,18 +2,17 @@
 """What belongs to lumo-import-library beside its code: manual page, completions, documents."""
 
 import os
+import plistlib
 import re
 import shlex
 import shutil
 import subprocess
-import sys
 import unittest
 from pathlib import Path
 
-from library_scene import LIBRARY, PROJECT, TOOL, LibraryTest, contents
-
-sys.path.insert(0, str(PROJECT / "tests/product"))
-from completion_test import COMPLETION, IN_BASH, IN_ZSH  # noqa: E402 (found by the line before)
+from completions import completions_in_bash, completions_in_zsh
+from library_scene import LIBRARY, TOOL, LibraryTest
+from lumo_testing import PROJECT, contents, import_command, run
 
 DOCUMENT = (PROJECT / "docs/library.md").read_text(encoding="utf-8")
 PAGE = Path(os.environ["LUMO_MANUAL_PAGE"])
@@ -21,16 +20,11 @@ HELP = subprocess.run([LIBRARY, "--help"], capture_output=True, text=True, check
 OPTIONS = set(re.findall(r"--[a-z][a-z-]*", HELP))
 
 
-def of_this_program(script):
-    script = script.replace("_lumo_exs_import", "_lumo_import_library")
-    return script.replace("lumo-exs-import", LIBRARY.name)
-
-
 class ManualPage(unittest.TestCase):
     def test_gives_man_and_mandoc_nothing_to_warn_of(self):
         for words in (["man", "--warnings", "-l", PAGE],
                       ["mandoc", "-T", "lint", "-W", "warning", PAGE]):
-            done = subprocess.run(words, capture_output=True, check=False)
+            done = run(words)
             self.assertEqual((done.returncode, done.stderr), (0, b""), done.stdout)
 
     def test_tells_of_every_option_and_of_no_other(self):
@@ -46,17 +40,10 @@ class Completion(LibraryTest):
         (self.folder / "lines").touch()
 
     def bash(self, *words):
-        done = subprocess.run(["bash", "-c", of_this_program(IN_BASH), "bash",
-                               COMPLETION / "lumo-import-library.bash", LIBRARY.name, *words],
-                              cwd=self.folder, capture_output=True, check=True)
-        self.assertEqual(done.stderr, b"")
-        return set(done.stdout.decode().split("\n")) - {""}
+        return completions_in_bash(LIBRARY.name, words, self.folder)
 
     def zsh(self, typed):
-        words = ["zsh", "-f", "-c", of_this_program(IN_ZSH), "zsh", COMPLETION, typed]
-        done = subprocess.run(words, cwd=self.folder, stdin=subprocess.DEVNULL,
-                              capture_output=True, check=False)
-        return set(re.findall(r"OFFER:(.+?)\r*$", done.stdout.decode(), re.MULTILINE))
+        return completions_in_zsh(LIBRARY.name, typed, self.folder)
 
     def test_offers_the_options(self):
         self.assertEqual(self.bash("--"), OPTIONS)
@@ -86,10 +73,9 @@ class InParts(LibraryTest):
         return block.replace("\\\n", "").strip().split("\n")
 
     def run_command(self, command):
-        return subprocess.run(["bash", "-c", command], cwd=self.folder, stdin=subprocess.DEVNULL,
-                              capture_output=True, check=False, timeout=600,
-                              env={**os.environ, "PATH": f"{LIBRARY.parent}:{os.environ['PATH']}",
-                                   "HOME": str(self.folder)})
+        return run(["bash", "-c", command], cwd=self.folder,
+                   env={**os.environ, "PATH": f"{LIBRARY.parent}:{os.environ['PATH']}",
+                        "HOME": str(self.folder)})
 
     def make_library(self):
         root = self.folder / "Instruments"
@@ -101,20 +87,16 @@ class InParts(LibraryTest):
         for name in ("a", "b"):  # samples of one folder name and name, which differ in size
             self.make_kit(f"{name}/Kit", samples=2, frames=ord(name))
 
-    def show(self):
+    def show_contents(self):
         """What the show holds whatever the numbers in names are: for each state, by its name
         without a number, what its references lead to, by their keys."""
         states = []
         for path in sorted((self.folder / "Show.lumo/states").iterdir()):
-            script = ("import plistlib, sys; print('\\n'.join(f'{key}\\t{path}' for key, path in "
-                      "sorted(plistlib.load(open(sys.argv[1], 'rb'))['file-references'].items())))")
-            lines = subprocess.run([sys.executable, "-c", script, path], capture_output=True,
-                                   text=True, check=True).stdout.splitlines()
-            references = [line.split("\t") for line in lines]
+            references = plistlib.loads(path.read_bytes())["file-references"]
             states.append((re.sub(r"-\d+$", "", path.stem),
                            [(key, re.sub(r"-\d+(?=\.\w+$)", "", sample),
                              (self.folder / "Show.lumo" / sample).read_bytes())
-                            for key, sample in references]))
+                            for key, sample in sorted(references.items())]))
         return sorted(states), sorted(contents(self.folder / "Show.lumo/samples").values())
 
     def test_gnu_parallel_makes_the_show_of_one_run(self):
@@ -126,12 +108,12 @@ class InParts(LibraryTest):
             self.assertEqual(done.returncode, 0, (command, done.stdout, done.stderr))
         self.assertIn(b"18 instruments: 18 imported, 0 failed", done.stdout)
         self.assertTrue((self.folder / "library.html").stat().st_size > 0)
-        in_parts = self.show()
+        in_parts = self.show_contents()
         shutil.rmtree(self.folder / "Show.lumo")
-        done = subprocess.run([LIBRARY, "--package", "Show.lumo", "--states", "Show.lumo/states",
-                               "Instruments"], cwd=self.folder, capture_output=True, check=False)
+        done = run(import_command(LIBRARY, "Show.lumo", ["Instruments"], "Show.lumo/states"),
+                   cwd=self.folder)
         self.assertEqual(done.returncode, 0, done.stderr)
-        self.assertEqual(in_parts, self.show())
+        self.assertEqual(in_parts, self.show_contents())
 
     def test_slurm_array_runs_one_part_a_task(self):
         """The job script, with the variables that Slurm sets for a task."""

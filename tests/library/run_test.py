@@ -8,7 +8,8 @@ import signal
 import subprocess
 import unittest
 
-from library_scene import LIBRARY, TOOL, LibraryTest, contents, write_preset
+from library_scene import LIBRARY, TOOL, LibraryTest
+from lumo_testing import contents, write_preset
 
 
 class Finding(LibraryTest):

@@ -1,6 +1,10 @@
 #!/usr/bin/env python3
-"""Takes docs/library.png anew: the page of the made library, one instrument open. take_picture.py
-needs LUMO_TOOL and LUMO_LIBRARY, the built programs, and Chromium."""
+"""Makes docs/library.png: the page of made_library.py's instruments, with one of them open.
+
+usage: PYTHONPATH=tests/support LUMO_TOOL=... LUMO_LIBRARY=... tests/library/take_picture.py
+
+LUMO_TOOL and LUMO_LIBRARY are the built programs. Needs Chromium.
+"""
 
 import subprocess
 import tempfile
@@ -8,7 +12,8 @@ from pathlib import Path
 
 import made_library
 from browser import Browser
-from library_scene import LIBRARY, PROJECT
+from library_scene import LIBRARY
+from lumo_testing import PROJECT
 
 # An instrument with all kinds of layers is open among others that were imported.
 OPEN = """(() => {

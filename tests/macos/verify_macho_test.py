@@ -9,10 +9,10 @@ import pathlib
 import re
 import subprocess
 import sys
-import tempfile
 import unittest
 
-ROOT = pathlib.Path(__file__).resolve().parents[2]
+from lumo_testing import PROJECT, FolderTest, run
+
 TOOL, LIBRARY = "lumo-exs-import", "liblumo-relink.dylib"
 STUB = """--- !tapi-tbd
 tbd-version: 4
@@ -42,9 +42,9 @@ class Build:
 
     def compile(self, source, output, like):
         """Compiles the file `source` as the project's file `like` is compiled."""
-        command, = [one for one in self.commands[LIBRARY] if one.endswith(f"-c {ROOT / like}")]
+        command, = [one for one in self.commands[LIBRARY] if one.endswith(f"-c {PROJECT / like}")]
         command = re.sub(r" -M[DTF]\b( \S+\.o(\.d)?)?", "", command)
-        command = re.sub(r"-o \S+ -c \S+", f"-I{(ROOT / like).parent} -o {output} -c {source}",
+        command = re.sub(r"-o \S+ -c \S+", f"-I{(PROJECT / like).parent} -o {output} -c {source}",
                          command)
         self.run(command.replace("-Werror", "-w"))
 
@@ -56,22 +56,16 @@ def replaced(old, new):
     return change
 
 
-class VerifierTest(unittest.TestCase):
+class VerifierTest(FolderTest):
     builds = []
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
 
     def failing(self, build, tool=None, library=None, foreign="/no/such/folder"):
         """The properties that fail, without the name of the image and the values."""
-        run = subprocess.run(
-            [ROOT / "script/verify-macho", "--foreign", foreign,
-             tool or f"{build.folder}/bin/{TOOL}",
-             library or f"{build.folder}/bin/{LIBRARY}"], capture_output=True, text=True)
-        found = re.findall(r"^FAIL  \S+ (?:\S+): (.*?)(?:\$INODE64)?:", run.stdout, re.M)
-        self.assertEqual(run.returncode, 1 if found else 0, run.stdout + run.stderr)
+        done = run([PROJECT / "script/verify-macho", "--foreign", foreign,
+                    tool or f"{build.folder}/bin/{TOOL}",
+                    library or f"{build.folder}/bin/{LIBRARY}"], text=True)
+        found = re.findall(r"^FAIL  \S+ (?:\S+): (.*?)(?:\$INODE64)?:", done.stdout, re.M)
+        self.assertEqual(done.returncode, 1 if found else 0, done.stdout + done.stderr)
         return found
 
     def expect_of_library(self, properties, **link):
@@ -151,7 +145,7 @@ class VerifierTest(unittest.TestCase):
         """What fails with a library in whose interpose section `old` is `new`."""
         like = "relink/interpose_macos.cpp"
         source = self.folder / "interpose.cpp"
-        source.write_text(replaced(old, new)((ROOT / like).read_text()))
+        source.write_text(replaced(old, new)((PROJECT / like).read_text()))
         for build in self.builds:
             build.compile(source, self.folder / "interpose.o", like)
             build.link(LIBRARY, self.folder / LIBRARY, change=lambda command: re.sub(

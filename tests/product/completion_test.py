@@ -4,54 +4,24 @@
 import re
 import unittest
 
-from scene import PROJECT, TOOL, SceneTest, run
+from completions import COMPLETION, completions_in_bash, completions_in_zsh
+from lumo_testing import GlassTest, built_program, run
 
-COMPLETION = PROJECT / "packaging/completion"
+TOOL = built_program("LUMO_TOOL")
 OPTIONS = {"--package", "--states", "--search"}
 
-# Calls the function as bash does; compopt is replaced as it works only while bash completes.
-IN_BASH = """
-. "$1"; shift
-compopt() { :; }
-COMP_WORDS=("$@") COMP_CWORD=$(($# - 1))
-_lumo_exs_import
-printf '%s\\n' "${COMPREPLY[@]}"
-"""
 
-# A zsh on its own pseudo-terminal completes what is typed. compadd, which adds completions, prints
-# them first, and the completion widget prints THROUGH when it has finished.
-IN_ZSH = """
-zmodload zsh/zpty
-zpty shell 'TERM=dumb zsh -f -i'
-zpty -w shell "stty -echo; fpath=(${(q)1} \\$fpath); autoload -Uz compinit; compinit -u -D"
-zpty -w shell 'compadd() {
-    builtin compadd -O offers "$@"; print -rl -- OFFER:${^offers}; builtin compadd "$@" }'
-zpty -w shell 'through() { _main_complete; print THRO""UGH }; zle -C through complete-word through'
-zpty -w shell 'bindkey "^I" through; print REA""DY'
-zpty -r shell ready '*READY*'
-zpty -w -n shell "lumo-exs-import $2"$'\\t'
-zpty -r shell offers '*THROUGH*'
-print -r -- "$offers"
-"""
-
-
-class Completion(SceneTest):
+class Completion(GlassTest):
     def setUp(self):
         super().setUp()
         (self.folder / "Two words.EXS").touch()
         (self.folder / "notes.txt").touch()
 
     def bash(self, *words):
-        """The completions in bash for the last of these words."""
-        done = run(["bash", "-c", IN_BASH, "bash", COMPLETION / "lumo-exs-import.bash",
-                    "lumo-exs-import", *words], cwd=self.folder)
-        self.assertEqual(done.stderr, b"")
-        return set(done.stdout.decode().split("\n")) - {""}
+        return completions_in_bash("lumo-exs-import", words, self.folder)
 
     def zsh(self, typed):
-        """The completions in zsh after the tool's name and this text were typed."""
-        done = run(["zsh", "-f", "-c", IN_ZSH, "zsh", COMPLETION, typed], cwd=self.folder)
-        return set(re.findall(r"OFFER:(.+?)\r*$", done.stdout.decode(), re.MULTILINE))
+        return completions_in_zsh("lumo-exs-import", typed, self.folder)
 
     def test_of_bash_offers_the_options_that_the_usage_names(self):
         self.assertEqual(self.bash("--"), OPTIONS)

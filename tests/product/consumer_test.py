@@ -5,12 +5,13 @@ import os
 import sys
 import unittest
 
-from scene import PROJECT, TOOL, SceneTest, preset_with_samples, run
+from lumo_testing import PROJECT, GlassTest, built_program, preset_with_samples, run
 
+TOOL = built_program("LUMO_TOOL")
 CONSUME = PROJECT / "examples/consume/consume.py"
 
 
-class Consumer(SceneTest):
+class Consumer(GlassTest):
     def consume(self, *instruments, tool=TOOL):
         return run([sys.executable, CONSUME, tool, self.show, self.states, self.glass,
                     *instruments])

@@ -7,7 +7,7 @@ import json
 import re
 import unittest
 
-from scene import PROJECT
+from lumo_testing import PROJECT
 
 PAGE = (PROJECT / "docs/report-line.md").read_text(encoding="utf-8")
 SCHEMA = json.loads((PROJECT / "docs/report-line.schema.json").read_text(encoding="utf-8"))

@@ -8,8 +8,9 @@ import re
 import unittest
 from pathlib import Path
 
-from scene import PROJECT, TOOL, run
+from lumo_testing import PROJECT, built_program, run
 
+TOOL = built_program("LUMO_TOOL")
 PAGE = Path(os.environ["LUMO_MANUAL_PAGE"])
 
 

@@ -12,8 +12,10 @@ import unittest
 
 import jsonschema
 
-from scene import PROJECT, SceneTest, preset_with_samples, run
+from lumo_testing import (PROJECT, GlassTest, built_program, import_command, preset_with_samples,
+                          run)
 
+TOOL = built_program("LUMO_TOOL")
 SCHEMA = json.loads((PROJECT / "docs/report-line.schema.json").read_text(encoding="utf-8"))
 VALIDATOR = jsonschema.Draft202012Validator(SCHEMA)
 
@@ -36,13 +38,14 @@ def no_file_grows():
     resource.setrlimit(resource.RLIMIT_FSIZE, (0, 0))
 
 
-class ReportLines(SceneTest):
+class ReportLines(GlassTest):
     def lines(self, *instruments, tracer=(), **options):
         """The lines of a run, each validated against the schema, with keys in its order."""
         environment = dict(os.environ)
         if tracer:  # a traced process cannot be searched for leaks
             environment["ASAN_OPTIONS"] = "detect_leaks=0"
-        done = run([*tracer, *self.command(*instruments)], env=environment, **options)
+        command = import_command(TOOL, self.show, instruments, self.states)
+        done = run([*tracer, *command], env=environment, **options)
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertTrue(done.stdout.endswith(b"\n"))
         texts = done.stdout.decode().split("\n")[:-1]

@@ -4,11 +4,11 @@
 import os
 import re
 import subprocess
-import tempfile
 import unittest
-from pathlib import Path
 
-SCRIPTS = Path(__file__).resolve().parents[2] / "script"
+from lumo_testing import PROJECT, FolderTest
+
+SCRIPTS = PROJECT / "script"
 CTEST_FILE = """
 add_test(fine true)
 add_test(needs_a_disk false)
@@ -16,11 +16,9 @@ set_tests_properties(needs_a_disk PROPERTIES SKIP_RETURN_CODE 1)
 """
 
 
-class Steps(unittest.TestCase):
+class Steps(FolderTest):
     def setUp(self):
-        temporary = tempfile.TemporaryDirectory()
-        self.addCleanup(temporary.cleanup)
-        self.folder = Path(temporary.name).resolve()
+        super().setUp()
         self.allowed = self.folder / "allowed"
         self.allowed.write_text("")
 

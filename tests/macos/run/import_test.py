@@ -9,13 +9,11 @@ import json
 import os
 import re
 import shutil
-import subprocess
 import sys
-import tempfile
 import unittest
-from pathlib import Path
 
-GLASS = Path(__file__).resolve().parents[3] / "examples/glass"
+from lumo_testing import GLASS, FolderTest, contents, import_command, run
+
 EXAMPLES = ("Glass.aupreset", "Glass Chimes.exs")
 # How the sampler opens a sample, and how it looks for one before that.
 OPENS = """open open$NOCANCEL openat openat$NOCANCEL open_dprotected_np openat_dprotected_np
@@ -27,18 +25,7 @@ WEAK = """_stat64 _lstat64 _open_dprotected_np _openat_dprotected_np _guarded_op
     _guarded_open_dprotected_np""".split()
 
 
-def contents(folder):
-    """Every file below a folder: its path in it, its bytes."""
-    return {path.relative_to(folder): path.read_bytes()
-            for path in sorted(folder.rglob("*")) if path.is_file()}
-
-
-class ImportTest(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name).resolve()
-
+class ImportTest(FolderTest):
     def place(self, name):
         """A new folder with a copy of the example, whose samples are not where it says."""
         shutil.copytree(GLASS, self.folder / name / "glass")
@@ -46,9 +33,9 @@ class ImportTest(unittest.TestCase):
 
     def run_tool(self, words, place, instruments, **settings):
         """The lines of an import in that folder, without the time that each took."""
-        command = [*words, "--package", "Show.lumo", "--states", "Show.lumo/states", *instruments]
-        result = subprocess.run(command, cwd=place, capture_output=True, text=True, check=False,
-                                env=os.environ | settings)
+        *emulator, tool = words
+        command = import_command(tool, "Show.lumo", instruments, "Show.lumo/states")
+        result = run([*emulator, *command], cwd=place, text=True, env=os.environ | settings)
         self.assertEqual((result.returncode, result.stderr), (0, ""))
         return [re.sub(r'"loadMs":[0-9.]+,', "", line) for line in result.stdout.splitlines()]
 
@@ -126,10 +113,9 @@ class Sampler(ImportTest):
         for setting in ("LUMO_SAMPLER_OPENS", "LUMO_SAMPLER_LOOKS"):
             with self.subTest(setting):
                 place = self.place(setting)
-                result = subprocess.run([RUNNER, MAC_TOOL, "--package", "S", "--states", "S",
-                                         "glass/Glass.aupreset"], cwd=place, text=True,
-                                        capture_output=True, check=False,
-                                        env=os.environ | {setting: "guesses"})
+                command = import_command(MAC_TOOL, "S", ["glass/Glass.aupreset"], "S")
+                result = run([RUNNER, *command], cwd=place, text=True,
+                             env=os.environ | {setting: "guesses"})
                 self.assertEqual(result.returncode, 99)
                 self.assertIn("guesses", result.stderr)
 

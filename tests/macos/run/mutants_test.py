@@ -9,22 +9,19 @@ import os
 import re
 import subprocess
 import sys
-import tempfile
 import unittest
-from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[3]
+from lumo_testing import PROJECT, FolderTest
+
 LIBRARY = "liblumo-relink.dylib"
 SHIMS, REDIRECT = "interpose_macos.cpp", "redirect.h"
 
 
-class Mutants(unittest.TestCase):
+class Mutants(FolderTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
+        super().setUp()
         for name in (SHIMS, REDIRECT):
-            (self.folder / name).write_bytes((ROOT / "relink" / name).read_bytes())
+            (self.folder / name).write_bytes((PROJECT / "relink" / name).read_bytes())
 
     def change(self, name, old, new):
         text = (self.folder / name).read_text()
@@ -35,7 +32,7 @@ class Mutants(unittest.TestCase):
         """Builds the library from the folder's sources, into the folder."""
         commands = subprocess.run(["ninja", "-C", BUILD, "-t", "commands", f"bin/{LIBRARY}"],
                                   check=True, capture_output=True, text=True).stdout.splitlines()
-        compiling, = [one for one in commands if one.endswith(f"-c {ROOT}/relink/{SHIMS}")]
+        compiling, = [one for one in commands if one.endswith(f"-c {PROJECT}/relink/{SHIMS}")]
         compiling = re.sub(r" -M[DTF]\b( \S+\.o(\.d)?)?", "", compiling)
         compiling, count = re.subn(r"-o (\S+) -c \S+", f"-o {self.folder}/shims.o -c "
                                    f"{self.folder}/{SHIMS}", compiling)

@@ -7,21 +7,16 @@ usage: programs_test.py RUNNER ARCHITECTURE BUILD_ROOT LLVM
 import errno
 import os
 import platform
-import subprocess
 import sys
-import tempfile
 import unittest
 from pathlib import Path
+
+from lumo_testing import FolderTest, run
 
 PROGRAMS = Path(__file__).resolve().parent / "programs"
 
 
-class Programs(unittest.TestCase):
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = Path(folder.name)
-
+class Programs(FolderTest):
     def compile(self, source, *options):
         """Compiles a program; what is printed by the compiler fails the test."""
         target = ["-target", f"{ARCHITECTURE}-apple-macos13.0", "-isysroot", ROOT]
@@ -29,7 +24,7 @@ class Programs(unittest.TestCase):
         if source.endswith(".cpp"):
             words[0] = f"{LLVM}/bin/clang++"
             words += ["-std=c++20", "-stdlib++-isystem", f"{ROOT}/usr/include/c++/v1"]
-        made = subprocess.run(words, stderr=subprocess.PIPE, text=True, check=False)
+        made = run(words, text=True)
         self.assertEqual((made.returncode, made.stderr), (0, ""))
 
     def build(self, source, *options):
@@ -38,8 +33,7 @@ class Programs(unittest.TestCase):
         return program
 
     def run_program(self, program, *arguments):
-        return subprocess.run([RUNNER, program, *arguments], capture_output=True, text=True,
-                              check=False)
+        return run([RUNNER, program, *arguments], text=True)
 
     def test_constants_and_layouts_are_those_of_the_macs_headers(self):
         self.compile("layout.c", "-fsyntax-only")
@@ -70,7 +64,7 @@ class Programs(unittest.TestCase):
 
     def check_gives_up(self, word, message, *before):
         words = [*before, RUNNER, self.build("unknown.c"), word]
-        result = subprocess.run(words, capture_output=True, text=True, check=False)
+        result = run(words, text=True)
         self.assertEqual((result.stderr, result.returncode), (f"macos-run: {message}\n", 99))
 
     def test_an_unknown_flag_is_named(self):

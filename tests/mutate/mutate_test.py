@@ -101,7 +101,7 @@ class Changes(unittest.TestCase):
 class Order(unittest.TestCase):
     def test_tests_named_like_a_source_are_near(self):
         program = workbench.Program("reading", [], {}, [], {
-            "tests/platform/exs_reader.cpp", "tests/platform/sampler_host.cpp",
+            "tests/platform/exs_reader_test.cpp", "tests/platform/sampler_host.cpp",
             "platform/sampler/exs_text.cpp"})
         self.assertEqual([mutate.nearness(name, program) for name in (
             "platform/sampler/exs_reader.cpp", "platform/sampler/exs_text.cpp", "exs/shape.cpp",

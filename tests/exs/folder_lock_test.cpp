@@ -1,6 +1,5 @@
 // The lock that serialises imports into one folder.
 #include "folder_lock.h"
-
 #include "support/descriptors.h"
 #include "support/temp_folder.h"
 

@@ -1,6 +1,5 @@
 // Reading the bytes of a preset from files of any kind.
 #include "preset_file.h"
-
 #include "support/descriptors.h"
 #include "support/temp_folder.h"
 

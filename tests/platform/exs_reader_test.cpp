@@ -1,6 +1,5 @@
 // Reading EXS24 files: every generation, every field, and every kind of damage.
 #include "sampler/exs_reader.h"
-
 #include "support/exs_builder.h"
 
 #include <gtest/gtest.h>

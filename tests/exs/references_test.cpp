@@ -1,7 +1,6 @@
 // Reading and replacing the file references of a state.
-#include "references.h"
-
 #include "list_values.h"
+#include "references.h"
 
 #include <gtest/gtest.h>
 

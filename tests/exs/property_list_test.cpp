@@ -1,7 +1,6 @@
 // Reading strings and numbers from property lists, and writing property lists to files.
-#include "property_list.h"
-
 #include "list_values.h"
+#include "property_list.h"
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>

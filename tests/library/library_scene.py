@@ -8,11 +8,11 @@ import time
 import zlib
 from pathlib import Path
 
-from lumo_testing import FolderTest, built_program, import_command, run, write_preset, write_wave
+from lumo_testing import (HANG_SECONDS, FolderTest, built_program, import_command, run,
+                          write_preset, write_wave)
 
 TOOL = built_program("LUMO_TOOL")
 LIBRARY = built_program("LUMO_LIBRARY")
-DEADLINE = 60  # seconds, for what must happen at all
 
 # Lies beside a copy of the program in place of the tool. plan.json has, by the stem of an
 # instrument, what happens there; each call's words are added to calls.jsonl.
@@ -134,7 +134,7 @@ class LibraryTest(FolderTest):
         self.assertEqual(done.returncode, status, (done.stdout, done.stderr))
 
     def wait_until(self, condition, what):
-        end = time.monotonic() + DEADLINE
+        end = time.monotonic() + HANG_SECONDS
         while not condition():
             self.assertLess(time.monotonic(), end, f"this never happened: {what}")
             time.sleep(0.005)

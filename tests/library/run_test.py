@@ -9,7 +9,7 @@ import subprocess
 import unittest
 
 from library_scene import LIBRARY, TOOL, LibraryTest
-from lumo_testing import contents, write_preset
+from lumo_testing import HANG_SECONDS, contents, write_preset
 
 
 class Finding(LibraryTest):
@@ -273,7 +273,7 @@ class Endings(LibraryTest):
         self.wait_until((here / "waiting").exists, "the tool is at c")
         self.wait_until(lambda: (self.folder / "lines").read_bytes().count(b"\n") == 2, "two lines")
         send(process.pid, number)
-        out, err = process.communicate(timeout=60)
+        out, err = process.communicate(timeout=HANG_SECONDS)
         self.assertEqual((process.returncode, err), (status, b""))
         self.assertIn(b"2 instruments: 2 imported, 0 failed\n", out)
         self.assertIn(b"2 not begun\n", out)

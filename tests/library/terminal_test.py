@@ -8,6 +8,7 @@ import time
 import unittest
 
 from library_scene import LibraryTest
+from lumo_testing import HANG_SECONDS
 from screen import Terminal
 
 
@@ -38,7 +39,7 @@ class StatusLine(LibraryTest):
     def finish(self, left, status=0):
         """Lets it import the rest; what it wrote to standard output."""
         self.step(left)
-        out, err = self.process.communicate(timeout=60)
+        out, err = self.process.communicate(timeout=HANG_SECONDS)
         self.assertEqual(self.process.returncode, status, (out, err))
         self.terminal.close()
         self.assertEqual(self.terminal.screen.unknown, [])

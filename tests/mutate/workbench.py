@@ -186,7 +186,8 @@ def mounts_of_its_own():
 def set_limits(cpu_limit):
     """The bounds of a test that may do anything."""
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-    resource.setrlimit(resource.RLIMIT_AS, (MAX_MEMORY, MAX_MEMORY))
+    # Not RLIMIT_AS: a browser reserves far more addresses than it ever uses.
+    resource.setrlimit(resource.RLIMIT_DATA, (MAX_MEMORY, MAX_MEMORY))
     if cpu_limit:
         seconds = int(cpu_limit) + 1
         resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds))

@@ -1,8 +1,8 @@
 // Measuring the shape of a state: counting layers per cell compared with a bit test of each cell
 // and layer, and the whole measurement compared with libplist reading the same state.
+#include "base/ref.h"
 #include "coverage.h"
 #include "paired_time.h"
-#include "ref.h"
 #include "state_text.h"
 #include <lumo/exs.h>
 
@@ -18,6 +18,8 @@
 namespace {
 
 using namespace lumo::exs;
+using lumo::adopt;
+using lumo::Ref;
 
 /// Layers as in velocity-split instruments: a zone for every few keys.
 std::vector<Coverage> make_layers(std::size_t count) {
@@ -69,16 +71,16 @@ void compare_counting(std::size_t count, const char* goal, int rounds) {
 }
 
 Ref<CFPropertyListRef> read_list(const std::string& bytes) {
-    const auto data = Ref<CFDataRef>::adopt(
-        CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                     static_cast<CFIndex>(bytes.size())));
-    return Ref<CFPropertyListRef>::adopt(
+    const auto data =
+        adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
+                           static_cast<CFIndex>(bytes.size())));
+    return adopt(
         CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(), 0, nullptr, nullptr));
 }
 
 Ref<CFDataRef> binary_form(const Ref<CFPropertyListRef>& list) {
-    return Ref<CFDataRef>::adopt(CFPropertyListCreateData(
-        kCFAllocatorDefault, list.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+    return adopt(CFPropertyListCreateData(kCFAllocatorDefault, list.get(),
+                                          kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
 }
 
 void compare_describing(const char* form, int zones, const Ref<CFPropertyListRef>& state,
@@ -100,8 +102,8 @@ void compare_describing(const char* form, int zones, const Ref<CFPropertyListRef
 void compare_describing(int zones, int rounds) {
     const Ref<CFPropertyListRef> from_xml = read_list(lumo::bench::state_text(zones));
     const Ref<CFDataRef> binary = binary_form(from_xml);
-    const auto from_binary = Ref<CFPropertyListRef>::adopt(
-        CFPropertyListCreateWithData(kCFAllocatorDefault, binary.get(), 0, nullptr, nullptr));
+    const auto from_binary =
+        adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, binary.get(), 0, nullptr, nullptr));
     compare_describing("XML", zones, from_xml, binary, rounds);
     compare_describing("binary", zones, from_binary, binary, rounds);
 }

@@ -1,10 +1,10 @@
 // Reading and writing a large state: XML compared with expat, which only tokenises it, and the
 // binary form compared with libplist. The measured time includes releasing the objects on both
 // sides.
+#include "base/ref.h"
 #include "paired_time.h"
 #include "state_text.h"
 
-#include <CoreFoundation/CoreFoundation.h>
 #include <expat.h>
 #include <plist/plist.h>
 
@@ -18,26 +18,22 @@
 
 namespace {
 
-struct Release {
-    void operator()(const void* object) const { CFRelease(object); }
-};
+using lumo::adopt;
+using lumo::Ref;
 
-template <class Ref>
-using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
-
-Holder<CFDataRef> data_of(const std::string& bytes) {
-    return Holder<CFDataRef>{CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
-                                          static_cast<CFIndex>(bytes.size()))};
+Ref<CFDataRef> data_of(const std::string& bytes) {
+    return adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                              static_cast<CFIndex>(bytes.size())));
 }
 
-Holder<CFPropertyListRef> read_list(const Holder<CFDataRef>& data) {
-    return Holder<CFPropertyListRef>{CFPropertyListCreateWithData(
-        nullptr, data.get(), kCFPropertyListImmutable, nullptr, nullptr)};
+Ref<CFPropertyListRef> read_list(const Ref<CFDataRef>& data) {
+    return adopt(CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable,
+                                              nullptr, nullptr));
 }
 
-Holder<CFDataRef> write_list(const Holder<CFPropertyListRef>& list) {
-    return Holder<CFDataRef>{CFPropertyListCreateData(
-        nullptr, list.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr)};
+Ref<CFDataRef> write_list(const Ref<CFPropertyListRef>& list) {
+    return adopt(CFPropertyListCreateData(nullptr, list.get(), kCFPropertyListBinaryFormat_v1_0, 0,
+                                          nullptr));
 }
 
 void tokenise(const std::string& text) {
@@ -50,7 +46,7 @@ void tokenise(const std::string& text) {
 
 using PlistHolder = std::unique_ptr<std::remove_pointer_t<plist_t>, decltype(&plist_free)>;
 
-PlistHolder read_with_libplist(const Holder<CFDataRef>& data) {
+PlistHolder read_with_libplist(const Ref<CFDataRef>& data) {
     plist_t list = nullptr;
     plist_from_bin(reinterpret_cast<const char*>(CFDataGetBytePtr(data.get())),
                    static_cast<std::uint32_t>(CFDataGetLength(data.get())), &list);

@@ -55,7 +55,7 @@ target_compile_options(lumo_test_flags INTERFACE $<$<CONFIG:RelWithDebInfo>:-O0 
 function(lumo_add_test name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS;LABELS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_test_support GTest::gtest_main
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_base lumo_test_support GTest::gtest_main
                                         lumo_build_flags lumo_test_flags)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 600 PROPERTIES TIMEOUT 1800 LABELS "${arg_LABELS}")
 endfunction()
@@ -80,7 +80,7 @@ add_custom_target(fuzzers)
 function(lumo_add_fuzzer name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_build_flags)
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_base lumo_build_flags)
   set_target_properties(${name} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/fuzz)
   add_dependencies(fuzzers ${name})
@@ -102,7 +102,7 @@ add_custom_target(benchmarks)
 function(lumo_add_benchmark name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
-  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_build_flags)
+  target_link_libraries(${name} PRIVATE ${arg_LIBS} lumo_base lumo_build_flags)
   set_target_properties(${name} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/bench)
   add_dependencies(benchmarks ${name})

@@ -53,7 +53,7 @@ OSStatus load_in_session(const SampleIndex& index, relink::Result& result, Load 
 
 OSStatus load_exs(AudioUnit sampler, const SampleIndex& index, Report& report) {
     const std::string& path = report.source;
-    const auto url = Ref<CFURLRef>::adopt(CFURLCreateFromFileSystemRepresentation(
+    const auto url = adopt(CFURLCreateFromFileSystemRepresentation(
         kCFAllocatorDefault, reinterpret_cast<const UInt8*>(path.data()),
         static_cast<CFIndex>(path.size()), false));
     if (!url) {
@@ -200,8 +200,7 @@ bool write_state(const void* state, const Options& options, Descriptor folder, R
 /// don't resolve.
 Ref<CFPropertyListRef> resolved(const void* state, const Options& options, Report& report) {
     std::string reason;
-    auto list =
-        Ref<CFPropertyListRef>::adopt(resolve_package_state(state, options.package, reason));
+    auto list = adopt(resolve_package_state(state, options.package, reason));
     if (!list) {
         report.error = "check: " + reason;
     }

@@ -91,10 +91,10 @@ std::vector<unsigned char> read_preset(const std::string& path) {
 
 Ref<CFPropertyListRef> read_dictionary(const std::string& path) {
     const std::vector<unsigned char> bytes = read_preset(path);
-    const auto data = Ref<CFDataRef>::adopt(
-        CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
-    auto list = Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+    const auto data =
+        adopt(CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    auto list = adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
+                                                   kCFPropertyListImmutable, nullptr, nullptr));
     return list && CFGetTypeID(list.get()) == CFDictionaryGetTypeID() ? std::move(list)
                                                                       : Ref<CFPropertyListRef>();
 }

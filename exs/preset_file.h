@@ -1,7 +1,7 @@
 // Reads preset and state files: their bytes, and the property list in them.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 
 #include <string>
 #include <vector>

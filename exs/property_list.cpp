@@ -38,8 +38,7 @@ bool write_file(const char* path, const UInt8* bytes, std::size_t size) {
 } // namespace
 
 Ref<CFStringRef> make_string(const char* text) {
-    return Ref<CFStringRef>::adopt(
-        CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8));
+    return adopt(CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8));
 }
 
 std::string to_string(CFStringRef string) {
@@ -89,8 +88,8 @@ std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t d
 }
 
 bool write_plist(const void* list, const std::filesystem::path& path) {
-    const auto data = Ref<CFDataRef>::adopt(CFPropertyListCreateData(
-        kCFAllocatorDefault, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+    const auto data = adopt(CFPropertyListCreateData(kCFAllocatorDefault, list,
+                                                     kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
     if (!data) {
         return false;
     }

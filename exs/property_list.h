@@ -2,7 +2,7 @@
 // container is borrowed from it; no function takes ownership of an argument.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 
 #include <cstdint>
 #include <filesystem>

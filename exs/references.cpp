@@ -15,7 +15,7 @@ namespace {
 constexpr const char* references_key = "file-references";
 
 Ref<CFMutableDictionaryRef> make_dictionary(const References& paths) {
-    auto dictionary = Ref<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
+    auto dictionary = adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     for (const auto& [key, path] : paths) {
         if (is_utf8(key) && is_utf8(path)) {
@@ -49,11 +49,11 @@ References references(const void* state) {
 }
 
 Ref<CFTypeRef> with_references(const void* state, const References& paths) {
-    auto copy = Ref<CFMutableDictionaryRef>::adopt(
+    auto copy = adopt(
         CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0, static_cast<CFDictionaryRef>(state)));
     const Ref<CFMutableDictionaryRef> dictionary = make_dictionary(paths);
     CFDictionarySetValue(copy.get(), make_string(references_key).get(), dictionary.get());
-    return Ref<CFTypeRef>::adopt(copy.release());
+    return copy;
 }
 
 } // namespace lumo::exs

@@ -2,7 +2,7 @@
 // else in a state is preserved.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 
 #include <map>
 #include <string>

@@ -50,7 +50,7 @@ Ref<CFPropertyListRef> get_state(AudioUnit sampler) {
     UInt32 size = sizeof list;
     const OSStatus status = AudioUnitGetProperty(sampler, kAudioUnitProperty_ClassInfo,
                                                  kAudioUnitScope_Global, 0, &list, &size);
-    auto state = Ref<CFPropertyListRef>::adopt(list);
+    auto state = adopt(list);
     return status == 0 ? std::move(state) : Ref<CFPropertyListRef>();
 }
 

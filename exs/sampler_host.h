@@ -2,7 +2,7 @@
 // audio is rendered; all properties belong to the unit as a whole (global scope, element 0).
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 
 #include <AudioToolbox/AudioToolbox.h>
 

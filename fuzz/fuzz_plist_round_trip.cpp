@@ -17,13 +17,16 @@ bool same_bytes(CFDataRef a, CFDataRef b) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     CFPropertyListFormat format{};
     const auto list = read_list(data, size, &format);
-    const auto written = list ? write_list(list.get()) : nullptr;
+    if (!list) {
+        return 0;
+    }
+    const auto written = write_list(list.get());
     if (!written) {
         return 0;
     }
     const auto again = read_list(CFDataGetBytePtr(written.get()),
                                  static_cast<std::size_t>(CFDataGetLength(written.get())));
-    require(again != nullptr);
+    require(static_cast<bool>(again));
     require(format != kCFPropertyListXMLFormat_v1_0 || CFEqual(list.get(), again.get()));
     const auto rewritten = write_list(again.get());
     require(rewritten && same_bytes(written.get(), rewritten.get()));

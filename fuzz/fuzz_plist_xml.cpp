@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CFPropertyListFormat format{};
     if (const auto list = read_list(data, size, &format)) {
         require(format == kCFPropertyListXMLFormat_v1_0);
-        require(write_list(list.get()) != nullptr);
+        require(static_cast<bool>(write_list(list.get())));
     }
     return 0;
 }

@@ -1,23 +1,13 @@
 // The key of a name with CoreFoundation: composed, folded, and composed again, since folding can
 // produce a letter and a mark that have a composed form.
+#include "base/ref.h"
 #include "base/utf8.h"
 #include "sample_names.h"
 
-#include <CoreFoundation/CoreFoundation.h>
-
 #include <cstddef>
-#include <memory>
-#include <type_traits>
 
 namespace lumo::exs::relink {
 namespace {
-
-struct Release {
-    void operator()(CFTypeRef object) const { CFRelease(object); }
-};
-
-using String = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Release>;
-using MutableString = std::unique_ptr<std::remove_pointer_t<CFMutableStringRef>, Release>;
 
 /// Copies the UTF-8 bytes of `string`; false when it cannot be converted (a lone surrogate).
 bool copy_bytes(CFStringRef string, std::string& bytes) {
@@ -39,10 +29,10 @@ bool make_unicode_key(std::string_view name, std::string& key) {
     if (!is_utf8(name)) {
         return false;
     }
-    const String text(
+    const auto text = adopt(
         CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(name.data()),
                                 static_cast<CFIndex>(name.size()), kCFStringEncodingUTF8, false));
-    const MutableString folded(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, text.get()));
+    const auto folded = adopt(CFStringCreateMutableCopy(kCFAllocatorDefault, 0, text.get()));
     CFStringNormalize(folded.get(), kCFStringNormalizationFormC);
     CFStringFold(folded.get(), kCFCompareCaseInsensitive, nullptr);
     CFStringNormalize(folded.get(), kCFStringNormalizationFormC);

@@ -86,8 +86,8 @@ void set(const Info& info, const char* key, CFTypeRef value) {
 
 void set_parameters(const Info& info, const SamplerParameters& parameters) {
     const auto bytes = parameter_data(parameters);
-    const auto data = Ref<CFDataRef>::adopt(
-        CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    const auto data =
+        adopt(CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
     set(info, "data", data.get());
 }
 
@@ -126,15 +126,15 @@ OSStatus read_class_info(CFPropertyListRef list, SamplerState& state) {
     }
     const CFTypeRef name = value_of_type(dictionary, "name", CFStringGetTypeID());
     LoadedInstrument loaded;
-    loaded.instrument = Ref<CFDictionaryRef>::retain(instrument);
+    loaded.instrument = retain(instrument);
     read_references(dictionary, loaded);
-    state = {*parameters, read_unit_values(dictionary),
-             Ref<CFStringRef>::retain(static_cast<CFStringRef>(name)), std::move(loaded)};
+    state = {*parameters, read_unit_values(dictionary), retain(static_cast<CFStringRef>(name)),
+             std::move(loaded)};
     return 0;
 }
 
 Ref<CFMutableDictionaryRef> class_info(const SamplerState& state) {
-    auto info = Info::adopt(CFDictionaryCreateMutable(
+    auto info = adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     set_constants(info);
     set_parameters(info, state.parameters);

@@ -3,7 +3,7 @@
 
 #include "audio_toolbox/sampler_parameters.h"
 #include "audio_toolbox/unit_values.h"
-#include "ref.h"
+#include "base/ref.h"
 #include "sampler/exs_load.h"
 
 #include <CoreFoundation/CoreFoundation.h>

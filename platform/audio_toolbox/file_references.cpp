@@ -56,10 +56,10 @@ Ref<CFDictionaryRef> dictionary_of(References& references) {
     for (const Ref<CFStringRef>& path : references.paths) {
         paths.push_back(path.get());
     }
-    return Ref<CFDictionaryRef>::adopt(
-        CFDictionaryCreate(kCFAllocatorDefault, references.keys.data(), paths.data(),
-                           static_cast<CFIndex>(paths.size()), &kCFTypeDictionaryKeyCallBacks,
-                           &kCFTypeDictionaryValueCallBacks));
+    return adopt(CFDictionaryCreate(kCFAllocatorDefault, references.keys.data(), paths.data(),
+                                    static_cast<CFIndex>(paths.size()),
+                                    &kCFTypeDictionaryKeyCallBacks,
+                                    &kCFTypeDictionaryValueCallBacks));
 }
 
 SampleKind kind_of(const std::string& key) {

@@ -31,15 +31,14 @@ std::string to_utf8(CFStringRef string) {
 
 Ref<CFStringRef> posix_path(CFStringRef reference) {
     if (is_file_url(to_utf8(reference))) {
-        if (const auto url = Ref<CFURLRef>::adopt(
-                CFURLCreateWithString(kCFAllocatorDefault, reference, nullptr))) {
-            if (auto path = Ref<CFStringRef>::adopt(
-                    CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle))) {
+        if (const auto url =
+                adopt(CFURLCreateWithString(kCFAllocatorDefault, reference, nullptr))) {
+            if (auto path = adopt(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle))) {
                 return path;
             }
         }
     }
-    return Ref<CFStringRef>::retain(reference);
+    return retain(reference);
 }
 
 } // namespace lumo::platform

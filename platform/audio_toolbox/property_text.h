@@ -1,7 +1,7 @@
 // Converts strings of property lists to UTF-8 and to paths.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

@@ -71,7 +71,7 @@ Ref<CFDictionaryRef> references(const ExsInstrument& instrument,
             owned.emplace_back(state_text("Sample:" + std::to_string(exs_waveform(number)))).get());
         paths.push_back(owned.emplace_back(state_text(instrument.samples[number].path)).get());
     }
-    return Ref<CFDictionaryRef>::adopt(CFDictionaryCreate(
+    return adopt(CFDictionaryCreate(
         kCFAllocatorDefault, keys.data(), paths.data(), static_cast<CFIndex>(samples.size()),
         &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
 }

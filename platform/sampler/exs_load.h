@@ -1,7 +1,7 @@
 // Loads EXS24 instruments.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 #include "sampler/sample_file.h"
 
 #include <CoreFoundation/CoreFoundation.h>

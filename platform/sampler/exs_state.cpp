@@ -79,7 +79,7 @@ Ref<CFDictionaryRef> exs_instrument_state(const ExsInstrument& instrument,
     if (const int volume = parameters.value(ExsParameter::output_volume); volume != 0) {
         state.real(keys.gain, static_cast<float>(volume));
     }
-    return Ref<CFDictionaryRef>::adopt(static_cast<CFDictionaryRef>(state.make().release()));
+    return retain(static_cast<CFDictionaryRef>(state.make().get()));
 }
 
 } // namespace lumo::platform

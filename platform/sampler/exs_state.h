@@ -1,7 +1,7 @@
 // The sampler state of an EXS24 instrument.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 #include "sampler/exs_layers.h"
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -6,8 +6,8 @@
 // slash was an ordinary character there; later systems show it as a colon.
 #include "sampler/exs_text.h"
 
+#include "base/ref.h"
 #include "base/utf8.h"
-#include "ref.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -29,9 +29,9 @@ std::string utf8(CFStringRef string) {
 }
 
 String from_mac_roman(std::span<const std::uint8_t> bytes) {
-    return String::adopt(CFStringCreateWithBytes(kCFAllocatorDefault, bytes.data(),
-                                                 static_cast<CFIndex>(bytes.size()),
-                                                 kCFStringEncodingMacRoman, false));
+    return adopt(CFStringCreateWithBytes(kCFAllocatorDefault, bytes.data(),
+                                         static_cast<CFIndex>(bytes.size()),
+                                         kCFStringEncodingMacRoman, false));
 }
 
 bool is_ascii(std::string_view text) {

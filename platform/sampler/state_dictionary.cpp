@@ -8,19 +8,19 @@
 namespace lumo::platform {
 
 StateValue state_integer(std::int64_t value) {
-    return StateValue::adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &value));
+    return adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &value));
 }
 
 StateValue state_real(float value) {
-    return StateValue::adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberFloat32Type, &value));
+    return adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberFloat32Type, &value));
 }
 
 StateValue state_boolean(bool value) {
-    return StateValue::retain(value ? kCFBooleanTrue : kCFBooleanFalse);
+    return retain(value ? kCFBooleanTrue : kCFBooleanFalse);
 }
 
 StateValue state_text(const std::string& text) {
-    StateValue made = StateValue::adopt(
+    StateValue made = adopt(
         CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(text.data()),
                                 static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
     return made ? made : state_text({});
@@ -32,9 +32,8 @@ StateValue state_array(const std::vector<StateValue>& values) {
     for (const StateValue& value : values) {
         objects.push_back(value.get());
     }
-    return StateValue::adopt(CFArrayCreate(kCFAllocatorDefault, objects.data(),
-                                           static_cast<CFIndex>(objects.size()),
-                                           &kCFTypeArrayCallBacks));
+    return adopt(CFArrayCreate(kCFAllocatorDefault, objects.data(),
+                               static_cast<CFIndex>(objects.size()), &kCFTypeArrayCallBacks));
 }
 
 StateDictionary& StateDictionary::set(const StateValue& key, StateValue value) {
@@ -50,9 +49,9 @@ StateValue StateDictionary::make() const {
     for (std::size_t i = 0; i < count_; ++i) {
         values[i] = values_[i].get();
     }
-    return StateValue::adopt(CFDictionaryCreate(
-        kCFAllocatorDefault, keys.data(), values.data(), static_cast<CFIndex>(count_),
-        &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    return adopt(CFDictionaryCreate(kCFAllocatorDefault, keys.data(), values.data(),
+                                    static_cast<CFIndex>(count_), &kCFTypeDictionaryKeyCallBacks,
+                                    &kCFTypeDictionaryValueCallBacks));
 }
 
 } // namespace lumo::platform

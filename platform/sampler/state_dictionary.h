@@ -1,7 +1,7 @@
 // Creates the dictionaries of a sampler state.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 
 #include <CoreFoundation/CoreFoundation.h>
 

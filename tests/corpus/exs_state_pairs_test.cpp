@@ -1,11 +1,11 @@
 // Real instruments, imported by the tool, against the states that the real sampler saved after
 // loading them.
+#include "base/ref.h"
 #include "corpus/corpus_folder.h"
 #include "support/import_run.h"
 #include "support/state_paths.h"
 #include "support/temp_folder.h"
 
-#include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -33,18 +33,16 @@ StatePaths comparable(const StatePaths& state) {
 /// The state in a file. Empty, and the test fails, when the file is not a property list.
 StatePaths state_in(const std::filesystem::path& path) {
     const std::string bytes = read_file(path);
-    CFDataRef data = CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                                  static_cast<CFIndex>(bytes.size()));
-    CFPropertyListRef list = CFPropertyListCreateWithData(
-        kCFAllocatorDefault, data, kCFPropertyListImmutable, nullptr, nullptr);
-    CFRelease(data);
+    const auto data =
+        adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
+                           static_cast<CFIndex>(bytes.size())));
+    const auto list = adopt(CFPropertyListCreateWithData(
+        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
     if (!list) {
         ADD_FAILURE() << path;
         return {};
     }
-    const StatePaths paths = state_paths(list);
-    CFRelease(list);
-    return comparable(paths);
+    return comparable(state_paths(list.get()));
 }
 
 class ExsStatePairs : public testing::TestWithParam<const char*> {};

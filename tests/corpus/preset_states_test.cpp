@@ -18,18 +18,18 @@ namespace {
 /// The property list in a file; null when there is none.
 Ref<CFPropertyListRef> read_preset(const fs::path& path) {
     const std::string bytes = read_file(path);
-    const auto data = Ref<CFDataRef>::adopt(
-        CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                     static_cast<CFIndex>(bytes.size())));
-    return Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+    const auto data =
+        adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
+                           static_cast<CFIndex>(bytes.size())));
+    return adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
+                                              kCFPropertyListImmutable, nullptr, nullptr));
 }
 
 /// The state without its samples, whose paths are valid on other machines only, and without entries
 /// that hosts add.
 Ref<CFMutableDictionaryRef> without_samples(CFPropertyListRef preset) {
-    auto state = Ref<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutableCopy(
-        kCFAllocatorDefault, 0, static_cast<CFDictionaryRef>(preset)));
+    auto state = adopt(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0,
+                                                     static_cast<CFDictionaryRef>(preset)));
     CFDictionarySetValue(state.get(), text("file-references").get(), parse("<dict/>").get());
     CFDictionaryRemoveValue(state.get(), text("file-secure-references").get());
     return state;

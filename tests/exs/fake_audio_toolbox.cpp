@@ -84,7 +84,7 @@ OSStatus AudioUnitSetProperty(AudioUnit unit, AudioUnitPropertyID property, Audi
     if (property == kAUSamplerProperty_LoadInstrument) {
         take_instrument(data);
     } else {
-        audio_toolbox().loaded_state = adopt(CFRetain(*static_cast<const CFTypeRef*>(data)));
+        audio_toolbox().loaded_state = retain(*static_cast<const CFTypeRef*>(data));
     }
     return audio_toolbox().load(loads());
 }

@@ -198,7 +198,7 @@ TEST_F(ImportLoading, SaysThatTheStateCannotBeRead) {
     audio_toolbox().get_status = -10879;
     EXPECT_EQ(import_preset().error, "AUSampler's state couldn't be read");
     audio_toolbox().get_status = 0;
-    audio_toolbox().state = nullptr;
+    audio_toolbox().state = {};
     EXPECT_EQ(import_preset().error, "AUSampler's state couldn't be read");
 }
 

@@ -3,14 +3,6 @@
 
 namespace lumo::test {
 
-Value adopt(CFTypeRef object) {
-    return {object, [](CFTypeRef last) {
-                if (last) {
-                    CFRelease(last);
-                }
-            }};
-}
-
 Value text(const std::string& utf8) {
     return adopt(
         CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
@@ -26,7 +18,7 @@ Value real(double number) {
 }
 
 Value boolean(bool value) {
-    return adopt(CFRetain(value ? kCFBooleanTrue : kCFBooleanFalse));
+    return retain(value ? kCFBooleanTrue : kCFBooleanFalse);
 }
 
 Value data(const std::string& bytes) {
@@ -64,8 +56,7 @@ Value values_of_every_kind(const std::string& path) {
 }
 
 Value entry(const Value& dictionary, const char* key) {
-    const CFTypeRef value = CFDictionaryGetValue(as_dictionary(dictionary), text(key).get());
-    return value ? adopt(CFRetain(value)) : Value();
+    return retain(CFDictionaryGetValue(as_dictionary(dictionary), text(key).get()));
 }
 
 } // namespace lumo::test

@@ -1,20 +1,18 @@
 // Property lists as expressions: dictionary({{"Layers", array({...})}, {"gain", real(0)}}).
 #pragma once
 
-#include <CoreFoundation/CoreFoundation.h>
+#include "base/ref.h"
 
-#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 namespace lumo::test {
 
-/// A CoreFoundation object. Copies share one reference, which the last one releases.
-using Value = std::shared_ptr<const void>;
-
-/// Takes ownership of the reference that a Create function returned.
-Value adopt(CFTypeRef object);
+/// A CoreFoundation object.
+using Value = Ref<CFTypeRef>;
+using lumo::adopt;
+using lumo::retain;
 
 /// Objects of these values; `text` is null when the bytes are not UTF-8.
 Value text(const std::string& utf8);

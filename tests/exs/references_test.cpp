@@ -12,7 +12,7 @@ using lumo::exs::references;
 using lumo::exs::with_references;
 
 Value rewritten(const Value& state, const References& paths) {
-    return adopt(with_references(state.get(), paths).release());
+    return with_references(state.get(), paths);
 }
 
 Value state_with(const Value& file_references) {
@@ -87,7 +87,7 @@ TEST(WithReferences, GivenAStatesOwnLeavesOutWhatIsNoText) {
 TEST(WithReferences, LeavesTheStateAsItIs) {
     const Value state = state_with(dictionary({{"Sample:1", text("/a.wav")}}));
     const Value before = state_with(dictionary({{"Sample:1", text("/a.wav")}}));
-    rewritten(state, {{"Sample:1", "samples/a.wav"}}).reset();
+    static_cast<void>(rewritten(state, {{"Sample:1", "samples/a.wav"}}));
     EXPECT_TRUE(CFEqual(state.get(), before.get()));
 }
 

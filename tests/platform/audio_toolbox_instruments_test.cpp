@@ -33,7 +33,7 @@ protected:
 
     OSStatus load(const fs::path& path) const {
         const std::string bytes = path.string();
-        const auto url = Ref<CFURLRef>::adopt(CFURLCreateFromFileSystemRepresentation(
+        const auto url = adopt(CFURLCreateFromFileSystemRepresentation(
             kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
             static_cast<CFIndex>(bytes.size()), false));
         const AUSamplerInstrumentData data{url.get(), kInstrumentType_EXS24,

@@ -185,7 +185,7 @@ TEST_F(AudioUnitProperties, InfoOfWhatIsNotThereClearsBoth) {
 
 class LoadInstrument : public AudioUnitProperties {
 protected:
-    Ref<CFURLRef> url = Ref<CFURLRef>::adopt(CFURLCreateFromFileSystemRepresentation(
+    Ref<CFURLRef> url = adopt(CFURLCreateFromFileSystemRepresentation(
         kCFAllocatorDefault, reinterpret_cast<const UInt8*>("/nowhere/a.exs"), 14, false));
     AUSamplerInstrumentData data{url.get(), kInstrumentType_EXS24, kAUSampler_DefaultMelodicBankMSB,
                                  kAUSampler_DefaultBankLSB, 0};

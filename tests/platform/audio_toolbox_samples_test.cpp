@@ -122,13 +122,13 @@ TEST_F(PresetSamples, NamedByWhatNoFileSystemHasAreNotFound) {
     given_instead = folder / "kick.wav";
     write_audio(given_instead, wav);
     const std::u16string path = u"/recorded/kick.wav\xD800";
-    const auto string = Ref<CFStringRef>::adopt(CFStringCreateWithBytes(
+    const auto string = adopt(CFStringCreateWithBytes(
         kCFAllocatorDefault, reinterpret_cast<const UInt8*>(path.data()),
         static_cast<CFIndex>(path.size() * sizeof(char16_t)), kCFStringEncodingUTF16LE, false));
     ASSERT_TRUE(string);
-    const auto info = Ref<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutableCopy(
+    const auto info = adopt(CFDictionaryCreateMutableCopy(
         kCFAllocatorDefault, 0, static_cast<CFDictionaryRef>(class_info_with("").get())));
-    const auto references = Ref<CFMutableDictionaryRef>::adopt(CFDictionaryCreateMutable(
+    const auto references = adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     CFDictionarySetValue(references.get(), text("Sample:1").get(), string.get());
     CFDictionarySetValue(info.get(), text("file-references").get(), references.get());

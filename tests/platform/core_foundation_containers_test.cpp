@@ -1,40 +1,31 @@
 // Arrays and dictionaries through CoreFoundation's functions: contents, ownership, refused
 // arguments.
-#include <CoreFoundation/CoreFoundation.h>
+#include "base/ref.h"
+
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <thread>
-#include <type_traits>
 #include <utility>
 #include <vector>
 
 namespace {
 
-struct Release {
-    void operator()(const void* object) const { CFRelease(object); }
-};
+using lumo::adopt;
+using lumo::Ref;
+using lumo::retain;
 
-template <class Ref>
-using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
-
-template <class Ref>
-Holder<Ref> hold(Ref reference) {
-    return Holder<Ref>{reference};
+Ref<CFStringRef> text(const std::string& utf8) {
+    return adopt(CFStringCreateWithCString(nullptr, utf8.c_str(), kCFStringEncodingUTF8));
 }
 
-Holder<CFStringRef> text(const std::string& utf8) {
-    return hold(CFStringCreateWithCString(nullptr, utf8.c_str(), kCFStringEncodingUTF8));
+Ref<CFNumberRef> number(int value) {
+    return adopt(CFNumberCreate(nullptr, kCFNumberIntType, &value));
 }
 
-Holder<CFNumberRef> number(int value) {
-    return hold(CFNumberCreate(nullptr, kCFNumberIntType, &value));
-}
-
-Holder<CFMutableDictionaryRef> dictionary() {
-    return hold(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
-                                          &kCFTypeDictionaryValueCallBacks));
+Ref<CFMutableDictionaryRef> dictionary() {
+    return adopt(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
+                                           &kCFTypeDictionaryValueCallBacks));
 }
 
 int value_of(CFDictionaryRef dictionary, const std::string& key) {
@@ -46,7 +37,7 @@ int value_of(CFDictionaryRef dictionary, const std::string& key) {
     return value;
 }
 
-Holder<CFMutableDictionaryRef> numbered(int count) {
+Ref<CFMutableDictionaryRef> numbered(int count) {
     auto result = dictionary();
     for (int i = 0; i < count; ++i) {
         CFDictionarySetValue(result.get(), text("key " + std::to_string(i)).get(), number(i).get());
@@ -114,8 +105,8 @@ TEST(Dictionaries, AddAndCreateKeepTheFirstOfEqualKeys) {
     const void* keys[] = {a.get(), b.get()};
     const void* values[] = {one.get(), two.get()};
     const auto created =
-        hold(CFDictionaryCreate(nullptr, keys, values, 2, &kCFTypeDictionaryKeyCallBacks,
-                                &kCFTypeDictionaryValueCallBacks));
+        adopt(CFDictionaryCreate(nullptr, keys, values, 2, &kCFTypeDictionaryKeyCallBacks,
+                                 &kCFTypeDictionaryValueCallBacks));
     EXPECT_EQ(CFDictionaryGetCount(created.get()), 1);
     EXPECT_EQ(value_of(created.get(), "key"), 1);
 }
@@ -125,7 +116,7 @@ TEST(Dictionaries, TakeAnIntegerAndTheRealOfItsValueForOneKey) {
     const double real = 5.0;
     CFDictionarySetValue(entries.get(), number(5).get(), text("integer").get());
     CFDictionarySetValue(entries.get(),
-                         hold(CFNumberCreate(nullptr, kCFNumberDoubleType, &real)).get(),
+                         adopt(CFNumberCreate(nullptr, kCFNumberDoubleType, &real)).get(),
                          text("real").get());
     EXPECT_EQ(CFDictionaryGetCount(entries.get()), 1);
     EXPECT_TRUE(CFEqual(CFDictionaryGetValue(entries.get(), number(5).get()), text("real").get()));
@@ -156,7 +147,7 @@ TEST(Dictionaries, LoseARemovedEntryOnly) {
 
 TEST(Dictionaries, CopiedAreIndependentButShareTheirValues) {
     const auto original = numbered(20);
-    const auto copy = hold(CFDictionaryCreateMutableCopy(nullptr, 0, original.get()));
+    const auto copy = adopt(CFDictionaryCreateMutableCopy(nullptr, 0, original.get()));
     EXPECT_TRUE(CFEqual(original.get(), copy.get()));
     const auto key = text("key 7");
     EXPECT_EQ(CFDictionaryGetValue(original.get(), key.get()),
@@ -168,13 +159,13 @@ TEST(Dictionaries, CopiedAreIndependentButShareTheirValues) {
 
 TEST(Dictionaries, OutliveTheOneTheyWereCopiedFrom) {
     auto original = numbered(20);
-    const auto copy = hold(CFDictionaryCreateMutableCopy(nullptr, 0, original.get()));
-    original.reset();
+    const auto copy = adopt(CFDictionaryCreateMutableCopy(nullptr, 0, original.get()));
+    original = {};
     EXPECT_EQ(value_of(copy.get(), "key 19"), 19);
 }
 
 TEST(Dictionaries, WithoutCallbacksHoldPlainPointers) {
-    auto pointers = hold(CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr));
+    auto pointers = adopt(CFDictionaryCreateMutable(nullptr, 0, nullptr, nullptr));
     std::vector<int> things(50);
     for (int& thing : things) {
         CFDictionarySetValue(pointers.get(), &thing, &thing + 1);
@@ -195,7 +186,7 @@ TEST(Dictionaries, AreNotEqualWhenAValueDiffers) {
 }
 
 TEST(Arrays, HoldTheirValuesInOrder) {
-    const auto array = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    const auto array = adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
     for (int i = 0; i < 100; ++i) {
         CFArrayAppendValue(array.get(), number(1000 + i).get());
     }
@@ -209,8 +200,8 @@ TEST(Arrays, AreEqualWhenTheirValuesAre) {
     const auto a = text("a");
     const auto b = text("b");
     const void* values[] = {a.get(), b.get()};
-    const auto array = hold(CFArrayCreate(nullptr, values, 2, &kCFTypeArrayCallBacks));
-    const auto same = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    const auto array = adopt(CFArrayCreate(nullptr, values, 2, &kCFTypeArrayCallBacks));
+    const auto same = adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
     CFArrayAppendValue(same.get(), text("a").get());
     EXPECT_FALSE(CFEqual(array.get(), same.get()));
     CFArrayAppendValue(same.get(), text("b").get());
@@ -232,7 +223,7 @@ TEST(Objects, MayBeRetainedAndReadFromManyThreads) {
     for (int& sum : sums) {
         threads.emplace_back([&shared, &sum] {
             for (int i = 0; i < 2000; ++i) {
-                const auto own = hold(static_cast<CFDictionaryRef>(CFRetain(shared.get())));
+                const auto own = retain(static_cast<CFDictionaryRef>(shared.get()));
                 sum += value_of(own.get(), "key 29");
             }
         });

@@ -23,11 +23,11 @@ bool is_real(CFNumberType type) {
            type == kCFNumberCGFloatType;
 }
 
-Holder<CFTypeRef> make_object(const Json& source) {
+Ref<CFTypeRef> make_object(const Json& source) {
     if (source["t"] == "bool") {
-        return hold(CFRetain(source["v"].get<bool>() ? kCFBooleanTrue : kCFBooleanFalse));
+        return retain(source["v"].get<bool>() ? kCFBooleanTrue : kCFBooleanFalse);
     }
-    return Holder<CFTypeRef>{make_number(source).release()};
+    return make_number(source);
 }
 
 std::string formatted(const std::array<unsigned char, 16>& buffer, CFNumberType type) {

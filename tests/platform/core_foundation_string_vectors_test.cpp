@@ -14,14 +14,14 @@ bool can_write(const std::string& encoding) {
            encoding == "ASCII";
 }
 
-Holder<CFStringRef> create(const Json& row, CFStringEncoding encoding) {
+Ref<CFStringRef> create(const Json& row, CFStringEncoding encoding) {
     const std::string bytes = from_hex(row["bytes"]);
     if (row["fn"] == "CFStringCreateWithCString") {
-        return hold(CFStringCreateWithCString(nullptr, bytes.c_str(), encoding));
+        return adopt(CFStringCreateWithCString(nullptr, bytes.c_str(), encoding));
     }
-    return hold(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
-                                        static_cast<CFIndex>(bytes.size()), encoding,
-                                        row["external"].get<bool>()));
+    return adopt(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                         static_cast<CFIndex>(bytes.size()), encoding,
+                                         row["external"].get<bool>()));
 }
 
 TEST(StringVectors, CreationAgreesWithCoreFoundation) {
@@ -35,7 +35,7 @@ TEST(StringVectors, CreationAgreesWithCoreFoundation) {
             continue;
         }
         const auto string = create(row, *encoding);
-        const Json units = string == nullptr ? Json{} : units_of(string.get());
+        const Json units = string ? units_of(string.get()) : Json{};
         if (is_own_core_foundation && row["name"].get<std::string>().starts_with("stray-a9")) {
             EXPECT_EQ(units, Json{}) << row.dump();
             table.differs_on_purpose(name, "the byte A9 is no more valid UTF-8 than any other");
@@ -144,17 +144,17 @@ TEST(StringVectors, BytesAgreeWithCoreFoundation) {
     EXPECT_EQ(table.differing(), 0U);
 }
 
-Holder<CFMutableDictionaryRef> make_dictionary() {
-    return hold(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
-                                          &kCFTypeDictionaryValueCallBacks));
+Ref<CFMutableDictionaryRef> make_dictionary() {
+    return adopt(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
+                                           &kCFTypeDictionaryValueCallBacks));
 }
 
 /// The value that a dictionary holds after `put` was called for two equal keys.
 Json value_after(void (*put)(CFMutableDictionaryRef, const void*, const void*)) {
     const auto dictionary = make_dictionary();
     for (const char* value : {"first", "second"}) {
-        const auto key = hold(CFStringCreateWithCString(nullptr, "key", kCFStringEncodingUTF8));
-        const auto text = hold(CFStringCreateWithCString(nullptr, value, kCFStringEncodingUTF8));
+        const auto key = adopt(CFStringCreateWithCString(nullptr, "key", kCFStringEncodingUTF8));
+        const auto text = adopt(CFStringCreateWithCString(nullptr, value, kCFStringEncodingUTF8));
         put(dictionary.get(), key.get(), text.get());
     }
     std::array<char, 16> buffer{};

@@ -58,8 +58,8 @@ void compare_url(ConformanceTable& table, CFURLRef url, const Json& row, const J
     table.compare("CFURLGetFileSystemRepresentation", path_of(url, false) == row["fsr"], about);
     table.compare("CFURLGetFileSystemRepresentation", path_of(url, true) == resolved,
                   about + ", got " + path_of(url, true).dump());
-    const auto path = hold(CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle));
-    const Json text = path == nullptr ? Json{} : Json(text_of(path.get()));
+    const auto path = adopt(CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle));
+    const Json text = path ? Json(text_of(path.get())) : Json{};
     table.compare("CFURLCopyFileSystemPath", text == row["posixPath"], about);
     for (const char* column : not_offered) {
         table.not_offered("other functions", column);
@@ -71,12 +71,12 @@ TEST(UrlVectors, FilePathsAgreeWithCoreFoundation) {
     ConformanceTable table;
     for (const Json& row : vectors["fromFSR"]) {
         const std::string path = from_hex(row["path"]);
-        const auto url = hold(CFURLCreateFromFileSystemRepresentation(
+        const auto url = adopt(CFURLCreateFromFileSystemRepresentation(
             nullptr, reinterpret_cast<const UInt8*>(path.data()), static_cast<CFIndex>(path.size()),
             row["isDirectory"].get<bool>()));
-        table.compare("CFURLCreateFromFileSystemRepresentation", (url != nullptr) == row["created"],
-                      row.dump());
-        if (url != nullptr && row["created"]) {
+        table.compare("CFURLCreateFromFileSystemRepresentation",
+                      static_cast<bool>(url) == row["created"], row.dump());
+        if (url && row["created"]) {
             compare_url(table, url.get(), row, resolved_here(row, path));
         }
     }
@@ -91,10 +91,11 @@ TEST(UrlVectors, TextAgreesWithCoreFoundation) {
     for (const Json& row : vectors["fromString"]) {
         const std::string input = row["input"];
         const auto string =
-            hold(CFStringCreateWithCString(nullptr, input.c_str(), kCFStringEncodingUTF8));
-        const auto url = hold(CFURLCreateWithString(nullptr, string.get(), nullptr));
-        table.compare("CFURLCreateWithString", (url != nullptr) == row["created"], row.dump());
-        if (url != nullptr && row["created"]) {
+            adopt(CFStringCreateWithCString(nullptr, input.c_str(), kCFStringEncodingUTF8));
+        const auto url = adopt(CFURLCreateWithString(nullptr, string.get(), nullptr));
+        table.compare("CFURLCreateWithString", static_cast<bool>(url) == row["created"],
+                      row.dump());
+        if (url && row["created"]) {
             compare_url(table, url.get(), row, row["fsrResolved"]);
         }
     }
@@ -107,7 +108,7 @@ TEST(UrlVectors, SmallBuffersAgreeWithCoreFoundation) {
     const Json vectors = read_vectors("url.json");
     ConformanceTable table;
     const std::string path = "/tmp/abc";
-    const auto url = hold(CFURLCreateFromFileSystemRepresentation(
+    const auto url = adopt(CFURLCreateFromFileSystemRepresentation(
         nullptr, reinterpret_cast<const UInt8*>(path.data()), static_cast<CFIndex>(path.size()),
         false));
     const std::string name = "CFURLGetFileSystemRepresentation";

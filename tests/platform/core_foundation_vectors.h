@@ -1,19 +1,16 @@
-// Shared by the tests over recorded CoreFoundation results: the strings of the records, and owners
-// of references.
+// Shared by the tests over recorded CoreFoundation results: the strings of the records.
 #pragma once
 
+#include "base/ref.h"
 #include "platform/conformance_table.h"
 #include "vectors/vectors.h"
 
-#include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <map>
-#include <memory>
 #include <optional>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 namespace lumo::test {
@@ -21,21 +18,6 @@ namespace lumo::test {
 /// Whether the project's own CoreFoundation is tested. It deliberately differs from some recorded
 /// results; any other library must return the recorded result.
 inline constexpr bool is_own_core_foundation = LUMO_OWN_COREFOUNDATION != 0;
-
-/// The deleter of Holder.
-struct Release {
-    void operator()(const void* object) const { CFRelease(object); }
-};
-
-/// Owns the result of a Create or Copy function.
-template <class Ref>
-using Holder = std::unique_ptr<std::remove_pointer_t<Ref>, Release>;
-
-/// Takes ownership of the reference that such a function returned.
-template <class Ref>
-Holder<Ref> hold(Ref reference) {
-    return Holder<Ref>{reference};
-}
 
 /// Bytes as lower-case hexadecimal digits, two per byte.
 inline std::string to_hex(const std::string& bytes) {
@@ -67,16 +49,16 @@ inline std::optional<CFStringEncoding> encoding_named(const std::string& name) {
 }
 
 /// A string of the UTF-16 units listed in a record.
-inline Holder<CFStringRef> make_string(const Json& units) {
+inline Ref<CFStringRef> make_string(const Json& units) {
     std::string bytes;
     for (const auto& unit : units) {
         const auto value = unit.get<unsigned>();
         bytes.push_back(static_cast<char>(value >> 8));
         bytes.push_back(static_cast<char>(value & 0xFF));
     }
-    return hold(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
-                                        static_cast<CFIndex>(bytes.size()),
-                                        kCFStringEncodingUTF16BE, false));
+    return adopt(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                         static_cast<CFIndex>(bytes.size()),
+                                         kCFStringEncodingUTF16BE, false));
 }
 
 /// The UTF-16 units of a string.

@@ -7,12 +7,12 @@
 
 namespace lumo::test {
 
-platform::Ref<CFDictionaryRef> state_of_bytes(const std::string& bytes) {
+Ref<CFDictionaryRef> state_of_bytes(const std::string& bytes) {
     const auto instrument =
         platform::read_exs({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
     return instrument ? platform::exs_instrument_state(*instrument,
                                                        platform::exs_layers(*instrument), "Pad.exs")
-                      : platform::Ref<CFDictionaryRef>();
+                      : Ref<CFDictionaryRef>();
 }
 
 StatePaths state_of(const ExsBuilder& builder) {

@@ -1,7 +1,7 @@
 // The states of EXS24 instruments as tables, for tests.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 #include "support/exs_builder.h"
 #include "support/state_paths.h"
 
@@ -14,7 +14,7 @@ namespace lumo::test {
 
 /// The state of the instrument in an EXS24 file named "Pad.exs"; null when the file is refused or
 /// its instrument has no state.
-platform::Ref<CFDictionaryRef> state_of_bytes(const std::string& bytes);
+Ref<CFDictionaryRef> state_of_bytes(const std::string& bytes);
 /// The same state as a table; empty when there is none.
 StatePaths state_of(const ExsBuilder& builder);
 

@@ -10,7 +10,7 @@ namespace {
 
 /// A number of up to 128 bits, made with the number type that has no public name and takes two
 /// 64-bit words.
-Holder<CFNumberRef> make_wide(const std::string& decimal) {
+Ref<CFNumberRef> make_wide(const std::string& decimal) {
     __extension__ using Wide = unsigned __int128;
     Wide value = 0;
     for (const char c : decimal) {
@@ -19,25 +19,25 @@ Holder<CFNumberRef> make_wide(const std::string& decimal) {
     value = decimal.front() == '-' ? -value : value;
     const std::array<std::uint64_t, 2> words = {static_cast<std::uint64_t>(value >> 64),
                                                 static_cast<std::uint64_t>(value)};
-    return hold(CFNumberCreate(nullptr, static_cast<CFNumberType>(17), words.data()));
+    return adopt(CFNumberCreate(nullptr, static_cast<CFNumberType>(17), words.data()));
 }
 
-Holder<CFNumberRef> make_integer(const Json& source) {
+Ref<CFNumberRef> make_integer(const Json& source) {
     const std::string& text = source["v"].get_ref<const std::string&>();
     if (source.value("w", 64) == 128) {
         return make_wide(text);
     }
     // Supported machines are little-endian: the low bytes of the value come first.
     const std::int64_t value = std::strtoll(text.c_str(), nullptr, 10);
-    return hold(CFNumberCreate(nullptr, number_types().at(source.value("ct", "SInt64")), &value));
+    return adopt(CFNumberCreate(nullptr, number_types().at(source.value("ct", "SInt64")), &value));
 }
 
-Holder<CFNumberRef> make_real(const Json& source) {
+Ref<CFNumberRef> make_real(const Json& source) {
     const double value = std::strtod(source["v"].get_ref<const std::string&>().c_str(), nullptr);
     const auto single = static_cast<float>(value);
     return source.value("w", 64) == 32
-               ? hold(CFNumberCreate(nullptr, kCFNumberFloat32Type, &single))
-               : hold(CFNumberCreate(nullptr, kCFNumberFloat64Type, &value));
+               ? adopt(CFNumberCreate(nullptr, kCFNumberFloat32Type, &single))
+               : adopt(CFNumberCreate(nullptr, kCFNumberFloat64Type, &value));
 }
 
 } // namespace
@@ -62,7 +62,7 @@ const std::map<std::string, CFNumberType>& number_types() {
     return types;
 }
 
-Holder<CFNumberRef> make_number(const Json& source) {
+Ref<CFNumberRef> make_number(const Json& source) {
     return source["t"] == "int" ? make_integer(source) : make_real(source);
 }
 

@@ -12,6 +12,6 @@ namespace lumo::test {
 const std::map<std::string, CFNumberType>& number_types();
 
 /// The number of a record of type "int" or "real".
-Holder<CFNumberRef> make_number(const Json& source);
+Ref<CFNumberRef> make_number(const Json& source);
 
 } // namespace lumo::test

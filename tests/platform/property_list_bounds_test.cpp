@@ -54,7 +54,7 @@ BinaryList doubling(std::size_t levels) {
 } // namespace
 
 TEST(PropertyListBounds, AnyDepthIsWritten) {
-    Holder<CFTypeRef> list = array_of({});
+    Ref<CFTypeRef> list = array_of({});
     for (int i = 1; i < 100000; ++i) {
         list = array_of({list.get()});
     }
@@ -64,7 +64,7 @@ TEST(PropertyListBounds, AnyDepthIsWritten) {
 }
 
 TEST(PropertyListBounds, SharingIsNotWrittenOut) {
-    Holder<CFTypeRef> list = array_of({});
+    Ref<CFTypeRef> list = array_of({});
     for (int i = 0; i < 200; ++i) {
         list = array_of({list.get(), list.get()});
     }
@@ -84,9 +84,9 @@ TEST(PropertyListBounds, SharedPartsCountForTheDepthToo) {
     }
     CFErrorRef error = nullptr;
     const std::string bytes = list.bytes();
-    const auto data = hold(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
-                                        static_cast<CFIndex>(bytes.size())));
-    EXPECT_TRUE(hold(CFPropertyListCreateWithData(nullptr, data.get(), 0, nullptr, &error)));
+    const auto data = adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                         static_cast<CFIndex>(bytes.size())));
+    EXPECT_TRUE(adopt(CFPropertyListCreateWithData(nullptr, data.get(), 0, nullptr, &error)));
 
     list = nested_arrays(600);
     std::string all = "\xAF\x11" + big_endian(600, 2);
@@ -140,15 +140,15 @@ TEST(PropertyListBounds, AnyDepthOfPlistElementsIsRead) {
 }
 
 TEST(PropertyListBounds, ContainersOfAnyDepthAreReleased) {
-    auto outer = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    auto outer = adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
     for (int i = 0; i < 100000; ++i) {
-        auto around = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+        auto around = adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
         CFArrayAppendValue(around.get(), outer.get());
         outer = std::move(around);
     }
     EXPECT_EQ(CFArrayGetCount(outer.get()), 1);
-    outer.reset();
-    EXPECT_EQ(outer, nullptr);
+    outer = {};
+    EXPECT_FALSE(outer);
 }
 
 } // namespace lumo::test

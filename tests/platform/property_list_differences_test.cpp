@@ -17,9 +17,9 @@ namespace {
 using namespace std::string_literals;
 
 /// The URL made of a string.
-Holder<CFURLRef> url_of(const char* text) {
-    const auto string = hold(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));
-    return hold(CFURLCreateWithString(nullptr, string.get(), nullptr));
+Ref<CFURLRef> url_of(const char* text) {
+    const auto string = adopt(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));
+    return adopt(CFURLCreateWithString(nullptr, string.get(), nullptr));
 }
 
 /// The path of a URL, not resolved against a base.
@@ -39,7 +39,7 @@ TEST(PropertyListDifferences, OpenStepTextIsRefused) {
 }
 
 TEST(PropertyListDifferences, MutableListsAreNotOffered) {
-    const auto data = hold(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>("<true/>"), 7));
+    const auto data = adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>("<true/>"), 7));
     EXPECT_EQ(CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListMutableContainers,
                                            nullptr, nullptr),
               nullptr);
@@ -115,7 +115,7 @@ TEST(PropertyListDifferences, ARefusedFormatGivesAnError) {
          {kCFPropertyListOpenStepFormat, kCFPropertyListXMLFormat_v1_0}) {
         CFErrorRef error = nullptr;
         EXPECT_EQ(CFPropertyListCreateData(nullptr, kCFBooleanTrue, format, 0, &error), nullptr);
-        EXPECT_EQ(CFErrorGetCode(hold(error).get()), 3851);
+        EXPECT_EQ(CFErrorGetCode(adopt(error).get()), 3851);
     }
 }
 
@@ -123,8 +123,9 @@ TEST(CoreFoundationDifferences, OneByteOfUtf16IsAnEmptyString) {
     for (const CFStringEncoding encoding :
          {kCFStringEncodingUTF16, kCFStringEncodingUTF16BE, kCFStringEncodingUTF16LE}) {
         const auto* byte = reinterpret_cast<const UInt8*>("a");
-        EXPECT_EQ(described(hold(CFStringCreateWithBytes(nullptr, byte, 1, encoding, false)).get()),
-                  "\"\"");
+        EXPECT_EQ(
+            described(adopt(CFStringCreateWithBytes(nullptr, byte, 1, encoding, false)).get()),
+            "\"\"");
     }
 }
 
@@ -162,7 +163,7 @@ TEST(CoreFoundationDifferences, UidsAreEqualByValue) {
 
 TEST(CoreFoundationDifferences, ARelativePathThatIsNotUtf8ComesBack) {
     const auto* path = reinterpret_cast<const UInt8*>("caf\xE9");
-    const auto url = hold(CFURLCreateFromFileSystemRepresentation(nullptr, path, 4, false));
+    const auto url = adopt(CFURLCreateFromFileSystemRepresentation(nullptr, path, 4, false));
     EXPECT_EQ(path_of(url.get()), "caf\xE9");
 }
 
@@ -180,7 +181,7 @@ TEST(CoreFoundationDifferences, ABracketMayStandInAPath) {
 
 TEST(CoreFoundationDeathTest, ArraysEndAtTheirCount) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const auto array = hold(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+    const auto array = adopt(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
     EXPECT_DEATH(CFArrayGetValueAtIndex(array.get(), 0), "");
 }
 

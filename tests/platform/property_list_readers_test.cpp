@@ -121,7 +121,7 @@ std::ostream& operator<<(std::ostream& out, const Case& list) {
 
 class PropertyListReaders : public testing::TestWithParam<Case> {
 protected:
-    Holder<CFPropertyListRef> list_ = read_list(GetParam().xml);
+    Ref<CFPropertyListRef> list_ = read_list(GetParam().xml);
     std::string bytes_ = written(list_.get());
 };
 

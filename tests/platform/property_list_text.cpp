@@ -131,7 +131,7 @@ std::string set_text(CFSetRef set) {
 /// at the start only, so another character is put before it.
 Json units_of_utf8(const std::string& utf8) {
     const std::string text = "." + utf8;
-    const auto string = hold(
+    const auto string = adopt(
         CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
                                 static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
     Json units = units_of(string.get());
@@ -162,16 +162,16 @@ std::string dictionary_text(const Json& entries) {
     return sorted(std::move(parts), "{", "}");
 }
 
-Holder<CFPropertyListRef> read(std::string_view bytes, CFPropertyListFormat* format,
-                               CFErrorRef* error) {
-    const auto data = hold(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
-                                        static_cast<CFIndex>(bytes.size())));
-    return Holder<CFPropertyListRef>{
-        CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable, format, error)};
+Ref<CFPropertyListRef> read(std::string_view bytes, CFPropertyListFormat* format,
+                            CFErrorRef* error) {
+    const auto data = adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                                         static_cast<CFIndex>(bytes.size())));
+    return adopt(
+        CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable, format, error));
 }
 
 std::string refusal(CFErrorRef reported) {
-    const auto error = hold(reported);
+    const auto error = adopt(reported);
     if (!error) {
         return "refused without an error";
     }
@@ -257,7 +257,7 @@ std::string read_with_format(std::string_view bytes) {
     return name + described(list.get());
 }
 
-Holder<CFPropertyListRef> read_list(std::string_view bytes) {
+Ref<CFPropertyListRef> read_list(std::string_view bytes) {
     auto list = read(bytes, nullptr, nullptr);
     EXPECT_TRUE(list);
     return list;
@@ -266,14 +266,13 @@ Holder<CFPropertyListRef> read_list(std::string_view bytes) {
 std::string written(CFPropertyListRef list) {
     CFErrorRef error = nullptr;
     const auto data =
-        hold(CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, &error));
+        adopt(CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, &error));
     return data ? bytes_of(data.get()) : refusal(error);
 }
 
-Holder<CFTypeRef> array_of(const std::vector<const void*>& items) {
-    return Holder<CFTypeRef>{CFArrayCreate(nullptr, const_cast<const void**>(items.data()),
-                                           static_cast<CFIndex>(items.size()),
-                                           &kCFTypeArrayCallBacks)};
+Ref<CFTypeRef> array_of(const std::vector<const void*>& items) {
+    return adopt(CFArrayCreate(nullptr, const_cast<const void**>(items.data()),
+                               static_cast<CFIndex>(items.size()), &kCFTypeArrayCallBacks));
 }
 
 unsigned count_of(const std::string& bytes) {

@@ -27,7 +27,7 @@ std::string read_and_describe(std::string_view bytes);
 std::string read_with_format(std::string_view bytes);
 
 /// A property list read from `bytes`, which must be one.
-Holder<CFPropertyListRef> read_list(std::string_view bytes);
+Ref<CFPropertyListRef> read_list(std::string_view bytes);
 /// A property list in its binary form, or "refused: domain code".
 std::string written(CFPropertyListRef list);
 
@@ -35,6 +35,6 @@ std::string written(CFPropertyListRef list);
 unsigned count_of(const std::string& bytes);
 
 /// An array of the given objects.
-Holder<CFTypeRef> array_of(const std::vector<const void*>& items);
+Ref<CFTypeRef> array_of(const std::vector<const void*>& items);
 
 } // namespace lumo::test

@@ -11,16 +11,16 @@
 namespace lumo::test {
 namespace {
 
-using Any = Holder<CFTypeRef>;
+using Any = Ref<CFTypeRef>;
 
 /// A string of all of `utf8`. CoreFoundation drops one byte order mark at the start, so a text that
 /// begins with a mark gets a second one.
 Any text_object(const std::string& utf8) {
     const std::string mark = "\xEF\xBB\xBF";
     const std::string text = utf8.starts_with(mark) ? mark + utf8 : utf8;
-    return Any{CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
-                                       static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8,
-                                       false)};
+    return adopt(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
+                                         static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8,
+                                         false));
 }
 
 /// The text of a record's "rep": a part and its number of repetitions.
@@ -36,7 +36,7 @@ std::string repeated(const Json& repetition, bool hex) {
 
 Any string_object(const Json& record) {
     if (record.contains("u16")) {
-        return Any{make_string(record["u16"]).release()};
+        return make_string(record["u16"]);
     }
     return text_object(record.contains("rep") ? repeated(record["rep"], false)
                                               : record["v"].get<std::string>());
@@ -45,8 +45,8 @@ Any string_object(const Json& record) {
 Any data_object(const Json& record) {
     const std::string bytes = record.contains("rep") ? repeated(record["rep"], true)
                                                      : from_hex(record["v"].get<std::string>());
-    return Any{CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
-                            static_cast<CFIndex>(bytes.size()))};
+    return adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
+                              static_cast<CFIndex>(bytes.size())));
 }
 
 /// A UID or a set: no public function makes them, so they are read from a binary property list with
@@ -69,16 +69,17 @@ Any uid_object(const Json& record) {
 }
 
 Any date_object(const Json& record) {
-    return Any{CFDateCreate(nullptr, std::strtod(record["v"].get<std::string>().c_str(), nullptr))};
+    return adopt(
+        CFDateCreate(nullptr, std::strtod(record["v"].get<std::string>().c_str(), nullptr)));
 }
 
 Any url_object() {
     const auto* path = reinterpret_cast<const UInt8*>("/tmp");
-    return Any{CFURLCreateFromFileSystemRepresentation(nullptr, path, 4, false)};
+    return adopt(CFURLCreateFromFileSystemRepresentation(nullptr, path, 4, false));
 }
 
 Any integer_object(SInt64 value) {
-    return Any{CFNumberCreate(nullptr, kCFNumberSInt64Type, &value)};
+    return adopt(CFNumberCreate(nullptr, kCFNumberSInt64Type, &value));
 }
 
 Any filling(const std::string& kind, SInt64 i) {
@@ -86,19 +87,19 @@ Any filling(const std::string& kind, SInt64 i) {
         return text_object("s" + std::to_string(i));
     }
     if (kind == "true") {
-        return Any{CFRetain(kCFBooleanTrue)};
+        return retain(kCFBooleanTrue);
     }
     if (kind == "emptyarray") {
-        return Any{CFArrayCreate(nullptr, nullptr, 0, &kCFTypeArrayCallBacks)};
+        return adopt(CFArrayCreate(nullptr, nullptr, 0, &kCFTypeArrayCallBacks));
     }
     return integer_object(kind == "int1000" ? 1000 + i : i);
 }
 
 Any nest(std::size_t depth) {
-    Any inner{CFArrayCreate(nullptr, nullptr, 0, &kCFTypeArrayCallBacks)};
+    Any inner = filling("emptyarray", 0);
     for (std::size_t i = 1; i < depth; ++i) {
         const void* item = inner.get();
-        inner.reset(CFArrayCreate(nullptr, &item, 1, &kCFTypeArrayCallBacks));
+        inner = adopt(CFArrayCreate(nullptr, &item, 1, &kCFTypeArrayCallBacks));
     }
     return inner;
 }
@@ -108,7 +109,7 @@ class ObjectMaker {
 public:
     Any make(const Json& record) {
         if (record["t"] == "ref") {
-            return Any{CFRetain(known_.at(record["id"].get<std::string>()))};
+            return retain(known_.at(record["id"].get<std::string>()));
         }
         Any object = make_new(record);
         remember(record, object.get());
@@ -119,13 +120,13 @@ private:
     Any make_new(const Json& record) {
         const std::string type = record["t"].get<std::string>();
         if (type == "bool") {
-            return Any{CFRetain(record["v"].get<bool>() ? kCFBooleanTrue : kCFBooleanFalse)};
+            return retain(record["v"].get<bool>() ? kCFBooleanTrue : kCFBooleanFalse);
         }
         if (type == "null") {
-            return Any{CFRetain(kCFNull)};
+            return retain(kCFNull);
         }
         if (type == "int" || type == "real") {
-            return Any{make_number(record).release()};
+            return make_number(record);
         }
         if (type == "array") {
             return record.contains("nest") ? nest(record["nest"].get<std::size_t>())
@@ -155,7 +156,7 @@ private:
                 CFArrayAppendValue(array, filling(record["fill"][0].get<std::string>(), i).get());
             }
         }
-        return Any{array};
+        return adopt(array);
     }
 
     Any make_dictionary(const Json& record) {
@@ -167,7 +168,7 @@ private:
                 entry[0].is_string() ? text_object(entry[0].get<std::string>()) : make(entry[0]);
             CFDictionarySetValue(dictionary, key.get(), make(entry[1]).get());
         }
-        return Any{dictionary};
+        return adopt(dictionary);
     }
 
     /// Borrows the object: the list that is being made keeps it alive.

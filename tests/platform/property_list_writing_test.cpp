@@ -15,8 +15,8 @@ std::string read_back(const std::string& xml) {
     return read_with_format(written(read_list(xml).get()));
 }
 
-Holder<CFNumberRef> real_number(double value) {
-    return hold(CFNumberCreate(nullptr, kCFNumberDoubleType, &value));
+Ref<CFNumberRef> real_number(double value) {
+    return adopt(CFNumberCreate(nullptr, kCFNumberDoubleType, &value));
 }
 
 } // namespace
@@ -39,7 +39,7 @@ TEST(PropertyListWriting, ValuesOfDifferentKindsStayTwo) {
 
 TEST(PropertyListWriting, SinglePrecisionStaysApart) {
     const float single = 1.5F;
-    const auto narrow = hold(CFNumberCreate(nullptr, kCFNumberFloat32Type, &single));
+    const auto narrow = adopt(CFNumberCreate(nullptr, kCFNumberFloat32Type, &single));
     const auto list = array_of({narrow.get(), real_number(1.5).get()});
     EXPECT_EQ(read_and_describe(written(list.get())), "[real32 1.5, real 1.5]");
 }
@@ -88,7 +88,7 @@ TEST(PropertyListWriting, RefusesWhatIsNoPropertyList) {
         nullptr);
     EXPECT_EQ(written(array_of({kCFNull}).get()), not_written);
     const auto* path = reinterpret_cast<const UInt8*>("/tmp");
-    const auto url = hold(CFURLCreateFromFileSystemRepresentation(nullptr, path, 4, false));
+    const auto url = adopt(CFURLCreateFromFileSystemRepresentation(nullptr, path, 4, false));
     EXPECT_EQ(written(array_of({url.get()}).get()), not_written);
     EXPECT_EQ(written(read_list(BinaryList{.objects = {"\xC0"}}.bytes()).get()), not_written);
     EXPECT_EQ(written(read_list(BinaryList{.objects = {"\xD1\x01\x01", "\x10\x05"}}.bytes()).get()),

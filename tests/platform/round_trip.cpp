@@ -5,13 +5,11 @@
 namespace lumo::test {
 namespace {
 
-using platform::Ref;
-
 Ref<CFPropertyListRef> written_and_read(CFPropertyListRef list) {
-    const auto data = Ref<CFDataRef>::adopt(CFPropertyListCreateData(
-        kCFAllocatorDefault, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
-    return data ? Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
-                      kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr))
+    const auto data = adopt(CFPropertyListCreateData(kCFAllocatorDefault, list,
+                                                     kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+    return data ? adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
+                                                     kCFPropertyListImmutable, nullptr, nullptr))
                 : Ref<CFPropertyListRef>();
 }
 

@@ -50,16 +50,16 @@ Ref<CFDictionaryRef> Sampler::state() const {
                                    &list, &size),
               0);
     EXPECT_EQ(size, sizeof list);
-    return Ref<CFDictionaryRef>::adopt(static_cast<CFDictionaryRef>(list));
+    return adopt(static_cast<CFDictionaryRef>(list));
 }
 
 Ref<CFPropertyListRef> parse(std::string_view xml) {
     const std::string all = "<plist version=\"1.0\">" + std::string(xml) + "</plist>";
-    const auto data = Ref<CFDataRef>::adopt(CFDataCreate(kCFAllocatorDefault,
-                                                         reinterpret_cast<const UInt8*>(all.data()),
-                                                         static_cast<CFIndex>(all.size())));
-    auto list = Ref<CFPropertyListRef>::adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+    const auto data =
+        adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(all.data()),
+                           static_cast<CFIndex>(all.size())));
+    auto list = adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
+                                                   kCFPropertyListImmutable, nullptr, nullptr));
     EXPECT_TRUE(list) << all;
     return list;
 }
@@ -73,7 +73,7 @@ Ref<CFPropertyListRef> class_info_with_references(std::string_view entries) {
 }
 
 Ref<CFStringRef> text(std::string_view utf8) {
-    return Ref<CFStringRef>::adopt(
+    return adopt(
         CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
                                 static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
 }

@@ -1,7 +1,7 @@
 // A sampler unit for tests, and the property lists that tests pass to it.
 #pragma once
 
-#include "ref.h"
+#include "base/ref.h"
 
 #include <AudioToolbox/AudioToolbox.h>
 #include <CoreFoundation/CoreFoundation.h>
@@ -10,8 +10,6 @@
 #include <string_view>
 
 namespace lumo::test {
-
-using platform::Ref;
 
 /// Statuses that tests expect.
 constexpr OSStatus parameter_error = -50;

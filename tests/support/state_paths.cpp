@@ -1,6 +1,8 @@
 // Containers are traversed depth first; a value's path is that of its container and a key.
 #include "support/state_paths.h"
 
+#include "base/ref.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
@@ -54,12 +56,12 @@ StateEntry leaf(CFTypeRef value) {
 std::string key_of_element(CFTypeRef element, CFIndex position, std::set<std::string>& taken) {
     std::string key = std::to_string(position);
     if (CFGetTypeID(element) == CFDictionaryGetTypeID()) {
-        CFStringRef id_key =
-            CFStringCreateWithCString(kCFAllocatorDefault, "ID", kCFStringEncodingUTF8);
-        if (const void* id = CFDictionaryGetValue(static_cast<CFDictionaryRef>(element), id_key)) {
+        const auto id_key =
+            adopt(CFStringCreateWithCString(kCFAllocatorDefault, "ID", kCFStringEncodingUTF8));
+        if (const void* id =
+                CFDictionaryGetValue(static_cast<CFDictionaryRef>(element), id_key.get())) {
             key = std::to_string(std::lround(number_of(id)));
         }
-        CFRelease(id_key);
     }
     while (!taken.insert(key).second) {
         key += " again";

@@ -6,6 +6,7 @@ import os
 import plistlib
 import random
 import shutil
+import signal
 import struct
 import subprocess
 import tempfile
@@ -16,6 +17,10 @@ from pathlib import Path
 PROJECT = Path(__file__).resolve().parents[2]
 GLASS = PROJECT / "examples/glass"
 HANG_SECONDS = 600  # far longer than any run takes on a busy machine
+
+# A shell starts a background job with SIGINT ignored. A program that a test interrupts must not
+# inherit that.
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 FIRST_WAVEFORM = 0x10000000  # the number of a preset's first sample
 CLASS_INFO = {  # the values of an AUSampler preset beside its instrument

@@ -2,6 +2,7 @@
 does as a test says."""
 
 import json
+import os
 import shutil
 import sys
 import time
@@ -13,6 +14,8 @@ from lumo_testing import (HANG_SECONDS, FolderTest, built_program, import_comman
 
 TOOL = built_program("LUMO_TOOL")
 LIBRARY = built_program("LUMO_LIBRARY")
+# What runs these programs where they are built for another system.
+EMULATOR = list(filter(None, [os.environ.get("LUMO_EMULATOR")]))
 
 # Lies beside a copy of the program in place of the tool. plan.json has, by the stem of an
 # instrument, what happens there; each call's words are added to calls.jsonl.
@@ -55,7 +58,7 @@ for instrument in instruments:
         continue
     real = None
     if act in ("real", "real, then kill"):
-        real = subprocess.run([plan["tool"], *head, instrument], stdout=subprocess.PIPE,
+        real = subprocess.run([*plan["tool"], *head, instrument], stdout=subprocess.PIPE,
                               check=True).stdout
     if act == "real, then kill":
         os.kill(os.getppid(), signal.SIGKILL)
@@ -72,6 +75,11 @@ for instrument in instruments:
     text = json.dumps(line, separators=(",", ":"), ensure_ascii=False) + "\\n"
     os.write(1, text.encode("utf-8", "surrogateescape"))
 '''
+
+
+def words_of(program, *arguments):
+    """The command line of an import by this program."""
+    return [*EMULATOR, *import_command(program, "Show.lumo", arguments, "states")]
 
 
 class LibraryTest(FolderTest):
@@ -124,7 +132,7 @@ class LibraryTest(FolderTest):
         return write_preset(folder / f"{name}.aupreset", paths)
 
     def words(self, *arguments):
-        return import_command(self.program, "Show.lumo", arguments, "states")
+        return words_of(self.program, *arguments)
 
     def run_library(self, *arguments, words=None, **options):
         """Runs the program to its end; what it wrote is kept as bytes."""

@@ -3,6 +3,7 @@
 
 import os
 import re
+import signal
 import subprocess
 import time
 import unittest
@@ -130,7 +131,7 @@ class StatusLine(LibraryTest):
         self.finish(3, status=2)
         self.assertEqual(self.terminal.screen.rows(),
                          ["lumo-import-library: lumo-exs-import ended at lib/b.exs: signal 9 "
-                          "(Killed)"])
+                          f"({signal.strsignal(9)})"])
 
     def test_has_no_colours_where_none_are_wanted(self):
         self.make("a.exs", "b.exs")

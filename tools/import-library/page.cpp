@@ -127,16 +127,28 @@ void Page::add(const Report& report) {
     const std::string cause =
         report.ok ? "-1" : std::to_string(cause_number(cause_of(report.error)));
     const exs::Shape& shape = report.shape;
-    instruments_ += instruments_.empty() ? "[" : ",\n[";
-    instruments_ +=
-        json_text(report.name) + ',' + path(report.source) + ',' + cause + ',' +
-        json_text(report.error) + ',' + std::to_string(report.samples) + ',' +
-        std::to_string(report.sample_bytes) + ',' + std::to_string(report.copied_bytes) + ',' +
-        path(report.state_file) + ',' + one_decimal(report.load_ms) + ',' +
-        std::to_string(shape.zones) + ',' + std::to_string(shape.max_stack) + ',' +
-        one_decimal(shape.stacked_percent) + ',' + std::to_string(shape.lowest_key) + ',' +
-        std::to_string(shape.highest_key) + ',' + layers_of(report) + ',' + relinked(report) + ',' +
-        paths(report.unresolved) + ',' + paths(report.apple_library) + ']';
+    // Elements of a list are evaluated in their order, so every compiler's page numbers the folders
+    // alike.
+    const std::vector<std::string> values = {json_text(report.name),
+                                             path(report.source),
+                                             cause,
+                                             json_text(report.error),
+                                             std::to_string(report.samples),
+                                             std::to_string(report.sample_bytes),
+                                             std::to_string(report.copied_bytes),
+                                             path(report.state_file),
+                                             one_decimal(report.load_ms),
+                                             std::to_string(shape.zones),
+                                             std::to_string(shape.max_stack),
+                                             one_decimal(shape.stacked_percent),
+                                             std::to_string(shape.lowest_key),
+                                             std::to_string(shape.highest_key),
+                                             layers_of(report),
+                                             relinked(report),
+                                             paths(report.unresolved),
+                                             paths(report.apple_library)};
+    instruments_ += instruments_.empty() ? "" : ",\n";
+    instruments_ += list_of(values, [](const std::string& value) { return value; });
 }
 
 std::string Page::html(const Tally& tally, const PageHead& head) const {

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""The Mac's tool under macos-run does what the tool for Linux does, however the sampler looks for
-its samples and opens them, and what docs/macos.md says where the system refuses interposing.
+"""The Mac's programs under macos-run do what those for Linux do, however the sampler looks for its
+samples and opens them, and what docs/macos.md says where the system refuses interposing.
 
-usage: import_test.py RUNNER MAC_TOOL LINUX_TOOL
+usage: import_test.py RUNNER MAC_TOOL LINUX_TOOL      (lumo-import-library is beside each)
 """
 
 import json
@@ -11,6 +11,7 @@ import re
 import shutil
 import sys
 import unittest
+from pathlib import Path
 
 from lumo_testing import GLASS, FolderTest, contents, import_command, run
 
@@ -93,6 +94,42 @@ class Imports(ImportTest):
         self.assertEqual(len(writes), len(EXAMPLES), writes)
 
 
+class Library(ImportTest):
+    """lumo-import-library, which starts the tool beside it."""
+
+    def run_library(self, words, place):
+        """What a run in that folder wrote, without times."""
+        *emulator, program = words
+        arguments = ["--page", "page.html", "--lines", "lines", "glass", "broken"]
+        command = import_command(program, "Show.lumo", arguments, "Show.lumo/states", ["glass"])
+        result = run([*emulator, *command], cwd=place, text=True)
+        self.assertEqual((result.returncode, result.stderr), (2, ""))
+        written = {"output": result.stdout, "lines": (place / "lines").read_text(),
+                   "page": (place / "page.html").read_text()}
+        for name, time, count in (("output", r"(?<=copied, )[0-9.]+ s$", 1),
+                                  ("lines", r'"loadMs":[0-9.]+,', 3),
+                                  ("page", r'"made":"[^"]*"|"seconds":[0-9.]+', 2),
+                                  ("page", r"(?<=\.aupreset\",)[0-9.]+(?=,)", 2)):
+            written[name], found = re.subn(time, "", written[name], flags=re.MULTILINE)
+            self.assertEqual(found, count, (name, time))
+        return written
+
+    def test_a_whole_library_is_imported_as_on_linux(self):
+        written, shows = [], []
+        for words in ([RUNNER, MAC_LIBRARY], [LINUX_LIBRARY]):
+            place = self.place("library")
+            (place / "broken").mkdir()
+            (place / "broken/broken.exs").write_bytes(b"no instrument")
+            written.append(self.run_library(words, place))
+            shows.append(contents(place / "Show.lumo"))
+            shutil.rmtree(place)
+        self.assertIn("3 instruments: 2 imported, 1 failed\n", written[0]["output"])
+        self.assertEqual(len(written[0]["lines"].splitlines()), 3)
+        for name in ("output", "lines", "page"):
+            self.assertEqual(written[0][name], written[1][name])
+        self.assertEqual(shows[0], shows[1])
+
+
 class Sampler(ImportTest):
     def check_relinks(self, **settings):
         report, = self.check_same(["glass/Glass.aupreset"], **settings)
@@ -152,4 +189,6 @@ class Systems(ImportTest):
 
 if __name__ == "__main__":
     RUNNER, MAC_TOOL, LINUX_TOOL = (os.path.abspath(path) for path in sys.argv[1:4])
+    MAC_LIBRARY, LINUX_LIBRARY = (str(Path(tool).with_name("lumo-import-library"))
+                                  for tool in (MAC_TOOL, LINUX_TOOL))
     unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -21,8 +21,8 @@ void* find_system(std::string_view name) {
         for (const auto names :
              {attribute_names(), character_names(), copying_names(), error_names(), file_names(),
               folder_names(), framework_names(), locale_names(), mutex_names(), opening_names(),
-              printing_names(), process_names(), regex_names(), same_names(), status_names(),
-              stream_names(), thread_names(), variable_names()}) {
+              printing_names(), process_names(), regex_names(), same_names(), signal_names(),
+              status_names(), stream_names(), thread_names(), variable_names()}) {
             for (const Name& row : names) {
                 all.emplace(row.name, row.function);
             }

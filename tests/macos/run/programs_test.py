@@ -5,9 +5,14 @@ usage: programs_test.py RUNNER ARCHITECTURE BUILD_ROOT LLVM
 """
 
 import errno
+import fcntl
 import os
 import platform
+import pty
+import struct
+import subprocess
 import sys
+import termios
 import unittest
 from pathlib import Path
 
@@ -48,6 +53,30 @@ class Programs(FolderTest):
             "open: -1 errno 2 No such file or directory",
             "long: -1, ENAMETOOLONG is 63"])
 
+    def test_signals_processes_and_terminals_are_the_macs(self):
+        terminal, its_program_side = pty.openpty()
+        self.addCleanup(os.close, terminal)
+        self.addCleanup(os.close, its_program_side)
+        fcntl.ioctl(its_program_side, termios.TIOCSWINSZ, struct.pack("4H", 24, 123, 0, 0))
+        program = self.build("processes.c")
+        result = subprocess.run([RUNNER, f"./{program.name}"], cwd=self.folder, text=True,
+                                check=False, stdout=subprocess.PIPE, stderr=its_program_side,
+                                env=os.environ | {"LC_ALL": "C.UTF-8", "TZ": "UTC"})
+        self.assertEqual(result.returncode, 0)
+        self.assertEqual(result.stdout.splitlines(), [
+            "path: 1, 0, 1",
+            "child: 1, by signal 10",
+            "child: 1, by signal 9",
+            "stopped: 1, by signal 17",
+            "exited: 1, status 5",
+            "caught 2: default before 1, handler 1, flags 6, mask 40000000, default after 1",
+            "caught 30: default before 1, handler 1, flags 6, mask 40000000, default after 1",
+            "caught 20: default before 1, handler 1, flags 6, mask 40000000, default after 1",
+            "User defined signal 1, nobody: 0",
+            "terminal: 1, 0, 123 columns",
+            "widths: 6, 2, 0, -1",
+            "1970-01-02 00:00, 1"])
+
     def check_passes(self, source):
         for level in (0, 1, 2):
             with self.subTest(optimised=level):
@@ -69,6 +98,8 @@ class Programs(FolderTest):
 
     def test_an_unknown_flag_is_named(self):
         self.check_gives_up("flag", "unknown here: O_ flags 32")
+        self.check_gives_up("action", "unknown here: flags of sigaction 64")
+        self.check_gives_up("request", f"unknown here: ioctl {0x20007461}")
 
     def test_an_unknown_error_number_is_named(self):
         if ARCHITECTURE != platform.machine():

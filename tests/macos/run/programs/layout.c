@@ -9,12 +9,15 @@
 #include <pthread.h>
 #include <regex.h>
 #include <runetype.h>
+#include <signal.h>
 #include <stddef.h>
 #include <sys/attr.h>
 #include <sys/file.h>
+#include <sys/ioctl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
 #include <wchar.h>
@@ -46,6 +49,19 @@ IS(offsetof(struct lconv, int_frac_digits), 80) AT(struct lconv, int_n_cs_preced
 AT(struct lconv, int_p_sep_by_space, 90)
 IS(LC_ALL, 0) IS(LC_COLLATE, 1) IS(LC_CTYPE, 2) IS(LC_MONETARY, 3) IS(LC_NUMERIC, 4) IS(LC_TIME, 5)
 IS(LC_MESSAGES, 6)
+IS(sizeof(struct tm), 56) AT(struct tm, tm_isdst, 32) AT(struct tm, tm_gmtoff, 40)
+AT(struct tm, tm_zone, 48)
+IS(sizeof(struct winsize), 8) AT(struct winsize, ws_col, 2) IS(TIOCGWINSZ, 0x40087468)
+IS(FIONREAD, 0x4004667f)
+IS(sizeof(struct sigaction), 16) AT(struct sigaction, sa_mask, 8) AT(struct sigaction, sa_flags, 12)
+IS(SA_ONSTACK, 1) IS(SA_RESTART, 2) IS(SA_RESETHAND, 4) IS(SA_NOCLDSTOP, 8) IS(SA_NODEFER, 0x10)
+IS(SA_NOCLDWAIT, 0x20) IS((long)SIG_DFL, 0) IS((long)SIG_IGN, 1)
+IS(SIGHUP, 1) IS(SIGINT, 2) IS(SIGQUIT, 3) IS(SIGILL, 4) IS(SIGTRAP, 5) IS(SIGABRT, 6) IS(SIGFPE, 8)
+IS(SIGKILL, 9) IS(SIGBUS, 10) IS(SIGSEGV, 11) IS(SIGSYS, 12) IS(SIGPIPE, 13) IS(SIGALRM, 14)
+IS(SIGTERM, 15) IS(SIGURG, 16) IS(SIGSTOP, 17) IS(SIGTSTP, 18) IS(SIGCONT, 19) IS(SIGCHLD, 20)
+IS(SIGTTIN, 21) IS(SIGTTOU, 22) IS(SIGIO, 23) IS(SIGXCPU, 24) IS(SIGXFSZ, 25) IS(SIGVTALRM, 26)
+IS(SIGPROF, 27) IS(SIGWINCH, 28) IS(SIGUSR1, 30) IS(SIGUSR2, 31) IS(NSIG, 32)
+IS(WNOHANG, 1) IS(WUNTRACED, 2) IS(W_EXITCODE(3, 9), 0x309) IS(W_STOPCODE(17), 0x117f)
 
 IS(O_WRONLY, 1) IS(O_RDWR, 2) IS(O_NONBLOCK, 4) IS(O_APPEND, 8) IS(O_SYNC, 0x80)
 IS(O_NOFOLLOW, 0x100) IS(O_CREAT, 0x200) IS(O_TRUNC, 0x400) IS(O_EXCL, 0x800) IS(O_EVTONLY, 0x8000)
@@ -54,7 +70,7 @@ IS(O_CLOEXEC, 0x1000000) IS(AT_FDCWD, -2) IS(AT_EACCESS, 0x10) IS(AT_SYMLINK_NOF
 IS(AT_SYMLINK_FOLLOW, 0x40) IS(AT_REMOVEDIR, 0x80) IS(F_GETFL, 3) IS(F_SETFL, 4)
 IS(F_DUPFD_CLOEXEC, 67) IS(LOCK_EX, 2) IS(LOCK_UN, 8) IS(R_OK, 4) IS(UTIME_NOW, -1)
 IS(UTIME_OMIT, -2) IS(_PC_LINK_MAX, 1) IS(_PC_NAME_MAX, 4) IS(_PC_VDISABLE, 9)
-IS(_SC_PAGESIZE, 29) IS(_SC_NPROCESSORS_ONLN, 58) IS(CLOCK_REALTIME, 0) IS(CLOCK_MONOTONIC_RAW, 4)
+IS(_SC_ARG_MAX, 1) IS(_SC_PAGESIZE, 29) IS(_SC_NPROCESSORS_ONLN, 58) IS(CLOCK_REALTIME, 0) IS(CLOCK_MONOTONIC_RAW, 4)
 IS(CLOCK_MONOTONIC, 6) IS(CLOCK_UPTIME_RAW, 8) IS(CLOCK_PROCESS_CPUTIME_ID, 12)
 
 IS(ENOENT, 2) IS(EDEADLK, 11) IS(ERANGE, 34) IS(EAGAIN, 35) IS(EINPROGRESS, 36) IS(EALREADY, 37)

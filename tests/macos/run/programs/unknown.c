@@ -1,8 +1,10 @@
-// A C program for a Mac that asks for what macos-run does not know, as its argument says: a flag, or
-// a function. "folder" makes a folder, which a test lets fail.
+// A C program for a Mac that asks for what macos-run does not know, as its argument says: a flag, a
+// request, a function. "folder" makes a folder, which a test lets fail.
 #include <fcntl.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/ioctl.h>
 #include <sys/stat.h>
 
 int main(int argc, char** argv) {
@@ -11,6 +13,11 @@ int main(int argc, char** argv) {
         open("/", O_RDONLY | O_EXLOCK);
     } else if (strcmp(what, "folder") == 0) {
         mkdir("/nowhere/folder", 0700);
+    } else if (strcmp(what, "action") == 0) {
+        struct sigaction action = {.sa_flags = SA_SIGINFO};
+        sigaction(SIGINT, &action, NULL);
+    } else if (strcmp(what, "request") == 0) {
+        ioctl(0, TIOCSCTTY, 0);
     } else if (strcmp(what, "function") == 0) {
         double loads[3];
         getloadavg(loads, 3);

@@ -61,16 +61,19 @@ int mac_fcntl(int file, int command, ...) {
 }
 
 int mac_ioctl(int file, unsigned long request, ...) {
-    constexpr unsigned long mac_fionread = 0x4004667F; // sys/filio.h: _IOR('f', 127, int)
     va_list arguments;
     va_start(arguments, request);
     take_mac_arguments(arguments);
-    int* const value = va_arg(arguments, int*);
+    void* const value = va_arg(arguments, void*);
     va_end(arguments);
-    if (request != mac_fionread) {
+    switch (request) {
+    case 0x4004667f: // sys/filio.h: _IOR('f', 127, int)
+        return done(::ioctl(file, FIONREAD, value));
+    case 0x40087468: // sys/ttycom.h: _IOR('t', 104, struct winsize), which is the same
+        return done(::ioctl(file, TIOCGWINSZ, value));
+    default:
         unknown("ioctl", static_cast<long>(request));
     }
-    return done(::ioctl(file, FIONREAD, value));
 }
 
 int mac_utimensat(int folder, const char* path, const timespec* times, int flags) {

@@ -35,13 +35,17 @@ void mac_freelocale(locale_t locale) {
     ::freelocale(locale);
 }
 
+int mb_cur_max = 1; // a variable on a Mac, which setlocale sets
+
 char* mac_setlocale(int category, const char* name) {
     constexpr int categories[] = {LC_ALL,     LC_COLLATE, LC_CTYPE,   LC_MONETARY,
                                   LC_NUMERIC, LC_TIME,    LC_MESSAGES};
     if (category < 0 || category >= 7) {
         unknown("category of setlocale", category);
     }
-    return ::setlocale(categories[category], name);
+    char* const result = ::setlocale(categories[category], name);
+    mb_cur_max = static_cast<int>(MB_CUR_MAX);
+    return result;
 }
 
 struct MacNumbers { // struct lconv, whose fields are in another order from here on
@@ -96,6 +100,7 @@ const Name names[] = {
     row("_newlocale", mac_newlocale),
     row("_freelocale", mac_freelocale),
     row("_setlocale", mac_setlocale),
+    row("___mb_cur_max", &mb_cur_max),
     row("_localeconv", mac_localeconv),
     row("_localeconv_l", mac_localeconv_l),
     row("_strcoll_l", in_locale<::strcoll>(::strcoll)),

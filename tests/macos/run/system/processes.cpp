@@ -3,8 +3,6 @@
 #include "system/system.h"
 
 #include <fcntl.h>
-#include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cstdint>
@@ -66,18 +64,6 @@ int mac_fork() {
     return done(::fork());
 }
 
-int mac_waitpid(int process, int* status, int options) {
-    return done(::waitpid(process, status, options)); // WNOHANG and WUNTRACED are the same
-}
-
-int mac_kill(int process, int signal) {
-    const bool is_same = signal < 16 && signal != SIGBUS && signal != 10 && signal != 12;
-    if (!is_same) {
-        unknown("signal", signal);
-    }
-    return done(::kill(process, signal));
-}
-
 int mac_setuid(uid_t user) {
     return done(::setuid(user));
 }
@@ -115,8 +101,6 @@ const Name names[] = {
     row("_execv", mac_execv),
     row("_execvp", mac_execvp),
     row("_fork", mac_fork),
-    row("_waitpid", mac_waitpid),
-    row("_kill", mac_kill),
     row("_setuid", mac_setuid),
     row("_setgid", mac_setgid),
     row("_mach_task_self_", &mac_task),

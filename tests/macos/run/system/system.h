@@ -58,6 +58,7 @@ std::span<const Name> printing_names();
 std::span<const Name> process_names();
 std::span<const Name> regex_names();
 std::span<const Name> same_names();
+std::span<const Name> signal_names();
 std::span<const Name> status_names();
 std::span<const Name> stream_names();
 std::span<const Name> thread_names();

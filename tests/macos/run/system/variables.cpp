@@ -9,6 +9,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
+#include <string>
 
 namespace lumo::macos {
 namespace {
@@ -38,6 +40,8 @@ int mac_clock_gettime(int clock, timespec* time) {
 
 long mac_sysconf(int name) {
     switch (name) {
+    case 1: // what this system gives a program, since it is this system that starts others
+        return ::sysconf(_SC_ARG_MAX);
     case 29:
         return mac_page_size;
     case 58:
@@ -51,6 +55,7 @@ FILE *mac_stdin, *mac_stdout, *mac_stderr;
 std::uint64_t stack_guard;
 int program_argc;
 char** program_argv;
+std::string program_path; // absolute, and perhaps that of a link
 
 int* mac_argc() {
     return &program_argc;
@@ -58,6 +63,16 @@ int* mac_argc() {
 
 char*** mac_argv() {
     return &program_argv;
+}
+
+int mac_executable_path(char* path, std::uint32_t* size) {
+    const auto needed = static_cast<std::uint32_t>(program_path.size() + 1);
+    if (*size < needed) {
+        *size = needed;
+        return -1;
+    }
+    std::memcpy(path, program_path.c_str(), needed);
+    return 0;
 }
 
 [[noreturn]] void mac_stub_binder() {
@@ -71,6 +86,7 @@ const Name names[] = {
     row("___stderrp", &mac_stderr),
     row("__NSGetArgc", mac_argc),
     row("__NSGetArgv", mac_argv),
+    row("__NSGetExecutablePath", mac_executable_path),
     row("_environ", &environ),
     row("dyld_stub_binder", mac_stub_binder),
     row("_clock_gettime", mac_clock_gettime),
@@ -89,6 +105,7 @@ void prepare_variables(int argc, char** argv) {
     mac_stderr = stderr;
     program_argc = argc;
     program_argv = argv;
+    program_path = std::filesystem::absolute(argv[0]).string();
     std::memcpy(&stack_guard,
                 reinterpret_cast<const void*>( // NOLINT(performance-no-int-to-ptr): it is one
                     ::getauxval(AT_RANDOM)),

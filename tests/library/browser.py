@@ -1,5 +1,5 @@
-"""A page in a real browser: Chromium without a window, led through its DevTools protocol, which it
-speaks over two pipes."""
+"""A page in a real browser: headless Chromium, controlled through its DevTools protocol over two
+pipes."""
 
 import base64
 import fcntl
@@ -15,7 +15,7 @@ KEYS = {"Enter": 13, "Escape": 27, "ArrowDown": 40, "ArrowUp": 38, "Home": 36, "
 
 
 def find_browser():
-    """The program, or nothing."""
+    """The path of Chromium; None if it is not installed."""
     for name in ("chromium", "chromium-browser", "google-chrome"):
         if shutil.which(name):
             return shutil.which(name)
@@ -85,13 +85,13 @@ class Browser:
                 self.events.append(answer)
 
     def load(self, path):
-        """Opens a file and waits until its page is there."""
+        """Opens a file and waits until its page has loaded."""
         self.events.clear()
         self.call("Page.navigate", url=path.as_uri())
         self.wait_for("document.readyState === 'complete' && location.protocol === 'file:'")
 
     def run(self, script):
-        """What an expression gives; a promise is waited for."""
+        """The value of a JavaScript expression. Waits for a promise."""
         answer = self.call("Runtime.evaluate", expression=script, returnByValue=True,
                            awaitPromise=True)
         if "exceptionDetails" in answer:
@@ -106,13 +106,13 @@ class Browser:
             time.sleep(0.02)
 
     def busy(self):
-        """Seconds of CPU that the page has taken in the browser's main thread."""
+        """Seconds of CPU time that the page has used in the browser's main thread."""
         metrics = self.call("Performance.getMetrics")["metrics"]
         return next(one["value"] for one in metrics if one["name"] == "TaskDuration")
 
     def complaints(self):
-        """What stands in the console as an error or a warning, and what was thrown."""
-        self.run("0")  # what comes before is read by then
+        """The errors and warnings in the console, and uncaught exceptions."""
+        self.run("0")  # reads the events up to here
         return [event["params"] for event in self.events
                 if event["method"] == "Runtime.exceptionThrown" or
                 (event["method"] == "Runtime.consoleAPICalled" and
@@ -121,7 +121,7 @@ class Browser:
                  event["params"]["entry"]["level"] in ("error", "warning"))]
 
     def press(self, key):
-        """Presses and lets go a key, as a person does."""
+        """Presses and releases a key."""
         common = {"key": key, "text": {"Enter": "\r"}.get(key, key if len(key) == 1 else "")}
         if key in KEYS:
             common["windowsVirtualKeyCode"] = KEYS[key]
@@ -138,7 +138,7 @@ class Browser:
                             for name, value in features.items()])
 
     def picture(self, path, width=1280, height=900):
-        """A picture of what is in view."""
+        """Writes a PNG of the visible part of the page."""
         self.call("Emulation.setDeviceMetricsOverride", width=width, height=height,
                   deviceScaleFactor=1, mobile=False)
         self.run("new Promise(done => requestAnimationFrame(() => requestAnimationFrame(done)))")

@@ -1,4 +1,4 @@
-// The command line: what it takes, what it refuses and what it suggests.
+// The command line: accepted and refused arguments, and suggestions.
 #include "command_line.h"
 #include "tool_process.h"
 #include "tool_run.h"

@@ -1,5 +1,5 @@
-"""What the tests of this folder share: runs of the program, with the real tool and with one that
-does as a test says."""
+"""Shared by the tests of this folder: runs of the program, with the real tool or with a fake
+one."""
 
 import json
 import os
@@ -17,8 +17,8 @@ LIBRARY = built_program("LUMO_LIBRARY")
 # What runs these programs where they are built for another system.
 EMULATOR = list(filter(None, [os.environ.get("LUMO_EMULATOR")]))
 
-# Lies beside a copy of the program in place of the tool. plan.json has, by the stem of an
-# instrument, what happens there; each call's words are added to calls.jsonl.
+# The fake tool, written beside a copy of the program. plan.json has an action for each instrument,
+# by its name without extension; the words of each call are appended to calls.jsonl.
 STAND_IN = '''#!%(python)s
 import json, os, pathlib, signal, subprocess, sys
 signal.signal(signal.SIGINT, signal.SIG_DFL)  # ends in silence, as the tool does
@@ -91,7 +91,7 @@ class LibraryTest(FolderTest):
         self.program = LIBRARY
 
     def use_stand_in(self, **plan):
-        """From now on the program starts a tool that does as `plan` says."""
+        """Makes the program start a fake tool that follows `plan`."""
         here = self.folder / "programs"
         here.mkdir(exist_ok=True)
         self.program = here / LIBRARY.name
@@ -108,21 +108,21 @@ class LibraryTest(FolderTest):
         (self.folder / "programs/plan.json").write_text(json.dumps(plan))
 
     def calls(self):
-        """The words of each call of the stand-in, as texts of one character a byte."""
+        """The words of each call of the fake tool, as texts with one character for each byte."""
         calls = self.folder / "programs/calls.jsonl"
         if not calls.exists():
             return []
         return [json.loads(line) for line in calls.read_text().splitlines()]
 
     def make(self, *names):
-        """Files that have the names of instruments."""
+        """Makes empty files with the names of instruments."""
         for name in names:
             path = self.library / name
             path.parent.mkdir(parents=True, exist_ok=True)
             path.write_bytes(b"")
 
     def make_kit(self, name, samples=2, moved=False, frames=50):
-        """An instrument with samples of its own, at or not at their recorded paths."""
+        """Makes an instrument and its samples, which are at their recorded paths unless `moved`."""
         folder = self.library / name
         paths = []
         for i in range(samples):
@@ -135,7 +135,7 @@ class LibraryTest(FolderTest):
         return words_of(self.program, *arguments)
 
     def run_library(self, *arguments, words=None, **options):
-        """Runs the program to its end; what it wrote is kept as bytes."""
+        """Runs the program to its end; captures its output as bytes."""
         return run(words or self.words(*arguments), cwd=self.folder, **options)
 
     def expect(self, done, status):
@@ -148,6 +148,6 @@ class LibraryTest(FolderTest):
             time.sleep(0.005)
 
     def reports(self, name):
-        """The report lines in a file, taken apart."""
+        """The parsed report lines of a file."""
         lines = (self.folder / name).read_bytes().decode("utf-8", "surrogateescape")
         return [json.loads(line) for line in lines.splitlines()]

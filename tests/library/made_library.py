@@ -55,7 +55,8 @@ def preset(path, references, layers):
 
 
 def failures(folder):
-    """Instruments that fail, each in its own way, as functions of the path that they make."""
+    """The names of instruments that fail, each with another error, and functions that write them to
+    a path."""
     good = folder / "good.wav"
     write_wave(good, 60)
     text = folder / "no sound.wav"
@@ -81,7 +82,7 @@ def failures(folder):
 
 
 def make(folder, instruments=INSTRUMENTS):
-    """Makes the library below `folder`; how many instruments fail."""
+    """Makes the library in `folder`; returns the number of instruments that fail."""
     root = folder / "Instruments"
     bad = failures(folder / "Odd")
     names = [(f"{PLACES[i % 3]} {KINDS[i // 3 % len(KINDS)]}",
@@ -100,7 +101,7 @@ def make(folder, instruments=INSTRUMENTS):
             apple = "/Library/Application Support/Logic/Samples/Strings"
             preset(path, [f"{apple}/{sample}" for sample in samples], layers_of(i))
             failed += 1
-        elif i % 20 == 13:  # the disk with these is gone
+        elif i % 20 == 13:  # their samples were on a disk that is missing
             preset(path, [recorded / sample for sample in samples], layers_of(i))
             failed += 1
         else:

@@ -25,7 +25,7 @@ def state(layers):
 
 
 def report(name, **values):
-    """A report line of an instrument that was imported, with these values in place of the usual."""
+    """The report line of an imported instrument; `values` replace its defaults."""
     line = {"name": name, "source": f"lib/{name}.exs", "ok": True, "error": "", "relinked": [],
             "unresolved": [], "appleLibrary": [], "samples": 2, "sampleBytes": 2000,
             "copiedBytes": 1000, "stateFile": "", "loadMs": 0.1,
@@ -49,7 +49,7 @@ def write_lines(path, lines):
 
 
 class References(html.parser.HTMLParser):
-    """The elements of a page, and what it would fetch."""
+    """The elements of a page, and the URLs that it would fetch."""
 
     def __init__(self):
         super().__init__()
@@ -63,7 +63,8 @@ class References(html.parser.HTMLParser):
 
 class PageTest(LibraryTest):
     def make_page(self, lines, *options):
-        """The page of these report lines; texts are made of bytes by "surrogateescape"."""
+        """The page for these report lines. Bytes that are not UTF-8 are encoded by
+        "surrogateescape"."""
         write_lines(self.folder / "lines", lines)
         page = self.folder / "page.html"
         done = self.run_library(words=[str(LIBRARY), "--from", "lines", "--page", "page.html",
@@ -155,14 +156,14 @@ class InABrowser(PageTest):
         self.browser.wait_for("document.querySelector('#count').textContent !== ''")
 
     def names(self):
-        """The names in the list from top to bottom, those that are not filled yet too."""
+        """The names in the list from top to bottom, including rows that are not filled yet."""
         return self.browser.run("rows.filter(r => !r.item.hidden).map(r => r.one[NAME])")
 
     def text(self, selector):
         return self.browser.run(f"document.querySelector({selector!r}).innerText")
 
     def small_library(self):
-        """Lines of a small library with one of each."""
+        """The lines of a small library with one instrument of each kind."""
         (self.folder / "a.aupreset").write_bytes(state([
             {"name": "Low", "areas": [(36, 47, 1, 63), (48, 59, 1, 127), (48, 59, 1, 127)]},
             {"areas": [(60, 71, 1, 127)], "trigger mode": 12},
@@ -303,7 +304,8 @@ class InABrowser(PageTest):
                                  "'li.open .big > g > path:not(.rule)')]"
                                  ".map(p => [p.getAttribute('d'), p.getAttribute('class'), "
                                  "p.getAttribute('style'), p.getAttribute('fill').split('-')[0]])")
-        # Areas as a layer's limits leave them, 8 units a key and 2 a velocity; equal ones once.
+        # The areas within a layer's limits, 8 units for each key and 2 for each velocity; equal
+        # ones occur once.
         low = "M288 128h96v126H288zM384 0h96v254H384z"
         wheel = "M320 74h328v180H320z"
         self.assertEqual([(one[0], one[1], one[3]) for one in drawn],

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What belongs to lumo-import-library beside its code: manual page, completions, documents."""
+"""The manual page, completions and documents of lumo-import-library."""
 
 import os
 import plistlib
@@ -67,7 +67,7 @@ class InParts(LibraryTest):
     """The command lines of docs/library.md for several processes."""
 
     def commands(self, heading):
-        """The command lines of a section, indented there, their continued lines joined."""
+        """The indented command lines of a section, with continuation lines joined."""
         section = DOCUMENT.split(f"\n## {heading}\n")[1].split("\n## ")[0]
         block = "\n".join(line[4:] for line in section.split("\n") if line.startswith("    "))
         return block.replace("\\\n", "").strip().split("\n")
@@ -82,14 +82,14 @@ class InParts(LibraryTest):
         self.library = root
         for i in range(12):
             path = self.make_kit(f"kit{i:02}", samples=3, moved=i % 2 == 1)
-            if i % 3 == 0:  # two instruments with the same samples and one name
+            if i % 3 == 0:  # two instruments with the same samples and the same name
                 shutil.copy(path, root / f"kit{i:02}.aupreset")
-        for name in ("a", "b"):  # samples of one folder name and name, which differ in size
+        for name in ("a", "b"):  # samples with equal folder and file names but different sizes
             self.make_kit(f"{name}/Kit", samples=2, frames=ord(name))
 
     def show_contents(self):
-        """What the show holds whatever the numbers in names are: for each state, by its name
-        without a number, what its references lead to, by their keys."""
+        """The contents of the show, independent of the numbers in names: for each state, its name
+        without a number, and the keys, names and contents of the samples that it refers to."""
         states = []
         for path in sorted((self.folder / "Show.lumo/states").iterdir()):
             references = plistlib.loads(path.read_bytes())["file-references"]

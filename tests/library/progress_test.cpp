@@ -1,4 +1,4 @@
-// The status line as text; tests/library/terminal_test.py sees it on a terminal.
+// The status line as text; tests/library/terminal_test.py tests it on a terminal.
 #include "progress.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Runs of lumo-import-library: what it imports, in which calls, what it says and how it ends."""
+"""Runs of lumo-import-library: the imported instruments, the calls of the tool, the output and the
+exit status."""
 
 import json
 import os
@@ -73,7 +74,7 @@ lumo-import-library: nowhere: No such file or directory
 
 class Calls(LibraryTest):
     def instruments(self, call):
-        """The instruments among the words of a call, and what stands before them."""
+        """The instruments among the words of a call, and the words before them."""
         i = 1
         while i < len(call) and call[i] in ("--package", "--states", "--search"):
             i += 2
@@ -105,7 +106,7 @@ class Calls(LibraryTest):
         self.use_stand_in()
         names = [f"{i:05} {'long name ' * 4}.exs" for i in range(20000)]
         self.make(*names)
-        limit = 512 << 10  # bytes of stack, a quarter of which the system gives to arguments
+        limit = 512 << 10  # bytes of stack; the system allows a quarter of it for arguments
         words = ["sh", "-c", f"ulimit -s {limit >> 10}; exec \"$@\"", "sh", *self.words("lib")]
         done = self.run_library(words=words)
         self.expect(done, 0)
@@ -114,7 +115,7 @@ class Calls(LibraryTest):
         self.assertEqual(sum((self.instruments(call)[0] for call in calls), []),
                          [f"lib/{name}" for name in names])
         self.assertEqual(len({tuple(self.instruments(call)[1]) for call in calls}), 1)
-        for call in calls[:-1]:  # none is cut shorter than it must be
+        for call in calls[:-1]:  # none is shorter than necessary
             self.assertGreater(sum(len(word) + 9 for word in call), limit // 4 - 32768)
         self.assertIn(b"20,000 instruments: 20,000 imported, 0 failed", done.stdout)
 
@@ -326,8 +327,9 @@ class GoingOn(LibraryTest):
                 self.kill_and_go_on(place, samples)
 
     def kill_and_go_on(self, place, samples):
-        """Kills the program when the instrument at `place` is in the show and its line is not out;
-        at every other place the line before is then cut short, as a full disk would."""
+        """Kills the program when the instrument at `place` has been imported but its line has not
+        been printed. At every second place the previous line is then truncated, as by a full
+        disk."""
         at_hand = f"kit{place:02}"
         self.use_stand_in(**{"*": "real", at_hand: "real, then kill",
                              "tool": [*EMULATOR, str(TOOL)]})

@@ -1,4 +1,4 @@
-"""A terminal for tests: what a program has written, as a person sees it."""
+"""A terminal for tests, which shows a program's output as a person sees it."""
 
 import fcntl
 import os
@@ -10,14 +10,14 @@ import threading
 
 
 class Screen:
-    """A screen of some width without height. Like the terminals of today it breaks a line that is
-    too long, and breaks it anew when the width changes."""
+    """A screen of limited width and unlimited height. Like current terminals it wraps long lines,
+    and wraps them again when the width changes."""
 
     PIECE = re.compile(r"\r|\n|\x1b\[J|\x1b\[(?:31|39)m|[^\r\n\x1b]")
 
     def __init__(self, width):
         self.width = width
-        self.lines = [""]   # as written, each of which takes as many rows as it needs
+        self.lines = [""]   # as written; each takes as many rows as it needs
         self.column = 0     # of the cursor, in the last line
         self.drawings = 0   # how often the last line was erased
         self.colours = False
@@ -37,7 +37,7 @@ class Screen:
     def take(self, piece):
         line = self.lines[-1]
         if piece == "\r":
-            # To the start of the row. Behind a full row the cursor is still in it.
+            # To the start of the row. After a full row the cursor is still in that row.
             self.column = max(self.column - 1, 0) // self.width * self.width
         elif piece == "\n":
             self.lines.append("")
@@ -52,13 +52,13 @@ class Screen:
             self.column += 1
 
     def rows(self):
-        """What stands on the screen, row by row, without the empty ones."""
+        """The rows on the screen, without empty ones."""
         return [line[i:i + self.width] for line in self.lines
                 for i in range(0, len(line), self.width)]
 
 
 class Terminal:
-    """A pseudo-terminal; all that is written to `slave` appears on `screen`."""
+    """A pseudo-terminal. Everything written to `slave` appears on `screen`."""
 
     def __init__(self, width):
         self.master, self.slave = pty.openpty()
@@ -73,7 +73,7 @@ class Terminal:
         while True:
             try:
                 piece = os.read(self.master, 65536)
-            except OSError:  # the last one that had it open is gone
+            except OSError:  # the last process that had it open has ended
                 return
             if not piece:
                 return
@@ -91,7 +91,7 @@ class Terminal:
             return self.screen.lines[-1]
 
     def close(self):
-        """Reads what is left when the program has ended."""
+        """Reads the remaining output after the program has ended."""
         os.close(self.slave)
         self.reader.join(30)
         os.close(self.master)

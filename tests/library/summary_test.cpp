@@ -1,4 +1,4 @@
-// The summary, compared whole; causes and remedies, compared with the page that lists them.
+// The whole text of the summary; causes and remedies, compared with docs/report-line.md.
 #include "summary.h"
 #include "support/temp_folder.h"
 
@@ -151,7 +151,7 @@ TEST(Tally, GroupsManyFoldersByThoseFurtherUp) {
     EXPECT_EQ(groups[1].samples, 30U);
 }
 
-// The rows of the tables in docs/report-line.md, as lists of cells without spaces around them.
+// The rows of the tables in docs/report-line.md, as lists of trimmed cells.
 std::vector<std::vector<std::string>> table_rows(const std::string& heading) {
     std::istringstream page(lumo::test::read_file(LUMO_SOURCE "/docs/report-line.md"));
     std::vector<std::vector<std::string>> rows;
@@ -174,7 +174,7 @@ std::vector<std::vector<std::string>> table_rows(const std::string& heading) {
     return rows;
 }
 
-/// An error as the page shows it ("`...: FILE`"), with something for what varies.
+/// An error as the page shows it ("`...: FILE`"), with an example for the variable part.
 std::string example(const std::string& cell) {
     const std::string text = std::regex_replace(cell, std::regex("`"), "");
     return std::regex_replace(text, std::regex("\\b(FILE|REASON|PATH|N)\\b"), "5");

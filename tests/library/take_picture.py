@@ -15,7 +15,7 @@ from browser import Browser
 from library_scene import LIBRARY
 from lumo_testing import PROJECT
 
-# An instrument with all kinds of layers is open among others that were imported.
+# Opens an instrument with all kinds of layers among others that were imported.
 OPEN = """(() => {
     const choose = (id, value) => {
         document.getElementById(id).value = value;

@@ -38,7 +38,7 @@ class StatusLine(LibraryTest):
                         f"{pattern}, but {self.terminal.last_line()!r}")
 
     def finish(self, left, status=0):
-        """Lets it import the rest; what it wrote to standard output."""
+        """Lets the program import the rest; returns its standard output."""
         self.step(left)
         out, err = self.process.communicate(timeout=HANG_SECONDS)
         self.assertEqual(self.process.returncode, status, (out, err))

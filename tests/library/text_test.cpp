@@ -1,4 +1,4 @@
-// Texts from outside: bytes that are no UTF-8, and what is shown of hostile names.
+// Texts from other programs: bytes that are not UTF-8, and the display of hostile names.
 #include "base/utf8.h"
 #include "text.h"
 
@@ -48,7 +48,7 @@ TEST(Text, WhatWouldDoSomethingIsShownByItsNumber) {
     EXPECT_EQ(shown("caf\xe9"), "caf\\xe9");
 }
 
-/// A locale for the test; the one before comes back.
+/// Sets a locale for the test and restores the previous one.
 class Locale {
 public:
     explicit Locale(const char* name) { is_there = std::setlocale(LC_CTYPE, name); }

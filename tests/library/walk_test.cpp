@@ -1,4 +1,4 @@
-// Which instruments are found, under which names.
+// The instruments that the walk finds, and their paths.
 #include "instrument_walk.h"
 #include "support/temp_folder.h"
 
@@ -119,7 +119,7 @@ TEST_F(InstrumentWalk, SaysWhatItCouldNotRead) {
     fs::permissions("lib/closed", fs::perms::none);
     const Instruments found = find({"lib"});
     fs::permissions("lib/closed", fs::perms::owner_all);
-    if (geteuid() == 0) { // whom nothing is closed to
+    if (geteuid() == 0) { // root may open every folder
         EXPECT_EQ(found.unreadable, Paths{"lib/gone.exs"});
     } else {
         EXPECT_EQ(found.unreadable, (Paths{"lib/closed", "lib/gone.exs"}));

@@ -1,10 +1,9 @@
-"""The small changes that can be made to a C++ source, each of a kind of mistake that people make.
+"""Small changes to a C++ source, each like a common mistake.
 
-The source is read as text, laid out by clang-format: an operator of comparison has a space on both
-sides, a bracket of a template none, and a branch its braces. Comments, literals of text and
-preprocessor lines are left alone. What is not meant as it looks (a declaration that reads like a
-call) gives a change that does not compile, which costs time and nothing else.
-"""
+The source is read as text formatted by clang-format: comparison operators have spaces on both
+sides, template brackets have none, and branches have braces. Comments, string literals and
+preprocessor lines are not changed. A construct that is mistaken for another (a declaration that
+looks like a call) results in a change that does not compile, which only costs time. """
 
 import dataclasses
 import re
@@ -36,30 +35,30 @@ EMPTY = {"", "{}", "0", "false", "nullptr", "std::nullopt", '""'}
 
 @dataclasses.dataclass(frozen=True)
 class Change:
-    """Puts `new` in the place of source[start:end]."""
+    """Replaces source[start:end] with `new`."""
     kind: str
     start: int
     end: int
     new: str
 
     def apply(self, source):
-        """The changed source."""
+        """Returns the changed source."""
         return source[:self.start] + self.new + source[self.end:]
 
     def line(self, source):
-        """The number of the line it is in, from 1."""
+        """The number of its line, from 1."""
         return source.count("\n", 0, self.start) + 1
 
     def describe(self, source):
-        """One line that says what is changed into what."""
+        """One line with the kind, the old text and the new text."""
         old = " ".join(source[self.start:self.end].split())
         new = " ".join(self.new.split())
         return f"{self.kind}: {old} -> {new}" if new else f"{self.kind}: {old}"
 
 
 def code_of(source):
-    """The source with blanks, as many, for comments and preprocessor lines, and with the letters
-    of texts blotted out."""
+    """The source with comments and preprocessor lines replaced by as many blanks, and the
+    characters of string literals masked."""
     def blank(match):
         text = match[0]
         if match["number"]:
@@ -71,7 +70,7 @@ def code_of(source):
 
 
 def end_of_group(code, at):
-    """Where the bracket opened at `at` is closed: behind the closing one. None when it is not."""
+    """The position after the bracket that closes the one at `at`; None if it is not closed."""
     depth = 0
     for i in range(at, len(code)):
         if code[i] in "([{":
@@ -84,13 +83,13 @@ def end_of_group(code, at):
 
 
 def boundaries(code, _):
-    """The edge of a range moved by one."""
+    """Moves the boundary of a range by one."""
     for match in re.finditer(r" [<>]=? ", code):
         yield Change("boundary", match.start(), match.end(), BOUNDARIES[match[0]])
 
 
 def negations(code, source):
-    """A condition, or a part of one, turned round."""
+    """Inverts a condition or a part of it."""
     for match in re.finditer(r" [!=]= | && | \|\| |\btrue\b|\bfalse\b| \? ", code):
         yield Change("negation", match.start(), match.end(), NEGATIONS[match[0]])
     for match in re.finditer(r"(?<![\w)])!(?=[\w(:*])", code):
@@ -104,7 +103,7 @@ def negations(code, source):
 
 
 def constants(code, _):
-    """A number one more, one less."""
+    """Increases or decreases a number by one."""
     number = r"(?<![\w.'])(0[xX][\da-fA-F']+|\d[\d']*(\.\d*)?)([uUlLzZfF]*)(?![\w.'])"
     for match in re.finditer(number, code):
         for sign in "+-":
@@ -112,7 +111,7 @@ def constants(code, _):
 
 
 def statements(code, _):
-    """A statement left out: a call, an assignment, a jump."""
+    """Removes a statement: a call, an assignment, a jump."""
     for match in re.finditer(r"^ +(?=\S)", code, re.MULTILINE):
         before = code[:match.start()].rstrip()
         if not before or before[-1] not in ";{}:" or NO_STATEMENTS.match(code, match.end()):
@@ -125,7 +124,7 @@ def statements(code, _):
 
 
 def end_of_statement(code, at):
-    """Behind the semicolon of the statement that begins at `at`; None when it has a block."""
+    """The position after the semicolon of the statement at `at`; None if it has a block."""
     while at < len(code) and code[at] not in "{}":
         if code[at] in "([":
             at = end_of_group(code, at) or len(code)
@@ -137,7 +136,7 @@ def end_of_statement(code, at):
 
 
 def branches(code, _):
-    """A branch that only leaves, left out."""
+    """Removes a branch that only leaves the function or loop."""
     for match in re.finditer(r"(?<!else )\bif \(", code):
         condition = end_of_group(code, match.end() - 1)
         if not condition or code[condition:condition + 2] != " {":
@@ -149,7 +148,7 @@ def branches(code, _):
 
 
 def arguments(code, source):
-    """Two arguments that stand side by side, swapped."""
+    """Swaps two adjacent arguments."""
     for match in re.finditer(r"\b(\w+)(<[\w:]+>)?\(", code):
         end = end_of_group(code, match.end() - 1)
         if match[1] in NO_CALLS or not end:
@@ -165,7 +164,7 @@ def arguments(code, source):
 
 
 def arguments_between(code, start, end):
-    """The first and last places of the arguments in code[start:end], without blanks around."""
+    """The start and end of each argument in code[start:end], without surrounding blanks."""
     places, at, begin = [], start, start
     while at <= end:
         if at == end or code[at] == ",":
@@ -180,7 +179,7 @@ def arguments_between(code, start, end):
 
 
 def return_values(code, _):
-    """Nothing given back: zero, false, an empty object."""
+    """Returns an empty value: zero, false, an empty object."""
     for match in re.finditer(r"\breturn (?=\S)", code):
         end = match.end()
         while end < len(code) and code[end] != ";":

@@ -1,11 +1,10 @@
-"""Mutation testing: changes one place of the code, and sees whether a test notices.
+"""Mutation testing: changes one place of the code and checks whether a test detects it.
 
 usage: script/mutate [FOLDER] [--count N] [--seed N]
 
-Every change is made in a copy of the project, below build/mutate. Of each, the test programs that
-are made of the changed source are built and run, until one fails. A change that none notices is
-printed with its place; CONTRIBUTING.md says what to do about it.
-"""
+Every change is made in a copy of the project, in build/mutate. The test programs built from the
+changed source are built and run until one fails. A change that no test detects is printed with its
+place; CONTRIBUTING.md describes what to do about it. """
 
 import argparse
 import collections
@@ -16,12 +15,13 @@ from pathlib import Path
 import changes
 import workbench
 
-# Each of these has the same share of the changes.
+# The changes are drawn in equal parts from these groups of folders.
 SHARES = (("exs",), ("relink",), ("platform", "base"), ("tools",))
 
 
 class Draw:
-    """Draws changes: from each share in turn, of each kind as often, as long as there are any."""
+    """Draws changes at random: from each share in turn, each kind with equal probability, until
+    none is left."""
 
     def __init__(self, tree, sources, shares, seed):
         self._random = random.Random(seed)
@@ -52,7 +52,7 @@ class Draw:
 
 
 class Trial:
-    """Makes changes and counts what became of them."""
+    """Makes changes and counts the outcomes."""
 
     def __init__(self, bench):
         self.counts = collections.Counter()
@@ -60,7 +60,8 @@ class Trial:
         self._noticed_by = collections.Counter()  # (folder of the source, program)
 
     def judge(self, name, change):
-        """What notices the change, "" when nothing does; None when it does not compile."""
+        """The program that detects the change; "" if none does, None if the change does not
+        compile."""
         path = self._bench.tree / name
         source = path.read_text()
         try:
@@ -83,22 +84,25 @@ class Trial:
         return ""
 
     def _nearest_first(self, name):
-        """The programs made of this source: first those that noticed most in its folder, then
-        those whose tests are named like the source or its folder, then the quick ones."""
+        """The programs built from this source, in the order in which they are run: by the number of
+        changes detected in its folder, then by whether their tests are named like the source or its
+        folder, then the fastest first."""
         able = [program for program in self._bench.programs if name in program.sources]
         return sorted(able, key=lambda program: (-self._noticed_by[Path(name).parent, program.name],
                                                  -nearness(name, program), program.cpu))
 
 
 def nearness(name, program):
-    """Whether the program has tests that are named like the source, and like its folder."""
+    """How many of the names of the source and of its folder occur in the names of the program's
+    tests."""
     tests = [Path(source).stem for source in program.sources if source.startswith("tests/")]
     return sum(any(word in test for test in tests)
                for word in (Path(name).stem, Path(name).parent.name))
 
 
 def run(project, shares, count, seed, out=sys.stdout, progress=sys.stderr):
-    """Tries `count` changes of the project below the given folders. Returns the counts."""
+    """Tries `count` changes of the project in the given folders. Returns the numbers of
+    outcomes."""
     def say(text):
         print(text, file=progress, flush=True)
 

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""What script/mutate changes in a source, and what it finds in a small project of one function."""
+"""The changes that script/mutate makes to a source, and those that survive in a small project with
+one function."""
 
 import io
 import subprocess
@@ -165,12 +166,12 @@ class SmallProject(unittest.TestCase):
             "survived: code/digit.cpp:2: boundary: < -> <=",  # 0 is not tried
             "survived: code/digit.cpp:2: constant: 0 -> (0 + 1)",
             "survived: code/digit.cpp:2: constant: 0 -> (0 - 1)",
-            "survived: code/digit.cpp:5: boundary: > -> >=",  # nor is 9, nor 10
+            "survived: code/digit.cpp:5: boundary: > -> >=",  # 9 and 10 are not tried either
             "survived: code/digit.cpp:5: constant: 9 -> (9 + 1)",
             "survived: code/digit.cpp:5: constant: 9 -> (9 - 1)",
         ])
         self.assertEqual(closing, f"{counts['noticed']} noticed, 6 survived, 0 did not compile")
-        # Loops that do not end any more are among these.
+        # These include changes that make the loop endless.
         self.assertEqual(counts["noticed"], 10)
 
 

@@ -1,5 +1,5 @@
-"""A copy of the project that may be broken: its sources, its build, its test programs, and what
-each of them is made of."""
+"""A copy of the project in which changes are made: its sources, its build, its test programs and
+their sources."""
 
 import dataclasses
 import json
@@ -12,21 +12,21 @@ import tempfile
 import time
 from pathlib import Path
 
-# A test that needs so many times what it needs without a change, and that much more, hangs. The
-# processor's time is counted, so a busy machine makes no difference; the other limit is for a test
-# that waits for what never comes.
+# A test hangs when it exceeds HANG_FACTOR times its CPU time without a change, plus
+# HANG_CPU_SECONDS. CPU time does not depend on other load; HANG_SECONDS by the clock is for a test
+# that waits forever.
 HANG_FACTOR = 10
 HANG_CPU_SECONDS = 5
 HANG_SECONDS = 120
 MAX_MEMORY = 8 << 30
 
-# Tests with these labels run the tool thousands of times or build it again: too long for every
-# change.
+# Tests with these labels run the tool thousands of times or build it again, which takes too long
+# for every change.
 LEFT_OUT = {"faults", "seam"}
 
 
 class Unusable(Exception):
-    """The project as it is cannot be built or does not pass its tests."""
+    """The unchanged project cannot be built or does not pass its tests."""
 
 
 @dataclasses.dataclass
@@ -35,14 +35,14 @@ class Program:
     name: str
     command: list
     environment: dict
-    targets: list           # what must be built for it, below the build folder
-    sources: set = dataclasses.field(default_factory=set)  # what those are made of
+    targets: list           # paths in the build folder that must be built for it
+    sources: set = dataclasses.field(default_factory=set)  # the sources of the targets
     cpu: float = 0.0        # seconds without a change
     wall: float = 0.0
 
 
 class Workbench:
-    """The copy of a project, in a folder of its own that the next run finds again."""
+    """The copy of a project, in a folder that the next run uses again."""
 
     def __init__(self, project, folder):
         self.tree = folder / "tree"
@@ -51,8 +51,8 @@ class Workbench:
         self.programs = []
 
     def _copy(self, project):
-        """Brings the copy up to date with the project's files, those not committed too; what is
-        the same stays as it is, so that only what has changed is built."""
+        """Updates the copy from the project's files, including uncommitted ones. Equal files are
+        not written, so only changed ones are built."""
         listed = subprocess.run(["git", "ls-files", "-z", "--cached", "--others",
                                  "--exclude-standard"], cwd=project, check=True,
                                 capture_output=True).stdout.decode().split("\0")
@@ -68,10 +68,10 @@ class Workbench:
                 path.unlink()
 
     def prepare(self, folders, say):
-        """Builds everything and runs the tests of what is below the folders once. Raises Unusable
-        when one fails."""
+        """Builds everything and runs once the tests of the sources in the folders. Raises Unusable
+        if one fails."""
         say("building the copy")
-        # A program is not asked for its tests when it is linked: it may hang by then.
+        # A changed program may hang, so it is not run after linking to discover its tests.
         options = ["-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"]
         if shutil.which("ccache"):
             options.append("-DCMAKE_CXX_COMPILER_LAUNCHER=ccache")
@@ -118,14 +118,14 @@ class Workbench:
         return list(programs.values())
 
     def _built_files(self, words):
-        """Those of the words that are files which the build makes."""
+        """The words that are files made by the build."""
         known = set(self._ninja("-t", "targets", "all").replace(": ", "\n").split("\n"))
         below = [os.path.relpath(word, self.build_folder) for word in words
                  if word.startswith(str(self.build_folder))]
         return [path for path in below if path in known]
 
     def _objects(self):
-        """What each object file was compiled from, as the compiler told."""
+        """The sources of each object file, as listed by the compiler."""
         objects, sources = {}, None
         for line in self._ninja("-t", "deps").split("\n"):
             if line.startswith("    "):
@@ -144,21 +144,22 @@ class Workbench:
         return self._must(["ninja", "-C", self.build_folder, *words])
 
     def is_built(self, program):
-        """Builds what a program needs; false when that does not compile."""
+        """Builds the targets of a program; false if they do not compile."""
         done = subprocess.run(["cmake", "--build", self.build_folder, "--target",
                                *(program.targets or ["all"])], stdin=subprocess.DEVNULL,
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
         return done.returncode == 0
 
     def failure_of(self, program):
-        """Why the program's tests failed; "" when they passed."""
+        """Why the program's tests failed; "" if they passed."""
         return self._run(program, HANG_CPU_SECONDS + HANG_FACTOR * program.cpu)[0]
 
     def _run(self, program, cpu_limit):
-        """Why it failed, and its seconds of the processor's time and of the clock's."""
+        """Runs the tests; returns why they failed ("" if they passed), CPU seconds and seconds by
+        the clock."""
         clock_limit = HANG_SECONDS + HANG_FACTOR * program.wall if cpu_limit else None
         with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as folder:
-            os.chmod(folder, 0o755)  # some tests go on as another user
+            os.chmod(folder, 0o755)  # some tests continue as another user
             environment = {**os.environ, **program.environment, "TMPDIR": folder, "HOME": folder}
             before, began = resource.getrusage(resource.RUSAGE_CHILDREN), time.monotonic()
             child = subprocess.Popen([*mounts_of_its_own(), *program.command], cwd=folder,
@@ -178,15 +179,15 @@ class Workbench:
 
 
 def mounts_of_its_own():
-    """In front of a command: what it mounts is gone with it, where that is permitted."""
+    """A prefix for a command, if permitted: its mounts are removed when it ends."""
     permitted = os.geteuid() == 0 and shutil.which("unshare")
     return ["unshare", "--mount", "--"] if permitted else []
 
 
 def set_limits(cpu_limit):
-    """The bounds of a test that may do anything."""
+    """Limits the resources of a test that may behave arbitrarily."""
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-    # Not RLIMIT_AS: a browser reserves far more addresses than it ever uses.
+    # Not RLIMIT_AS: a browser reserves much more address space than it uses.
     resource.setrlimit(resource.RLIMIT_DATA, (MAX_MEMORY, MAX_MEMORY))
     if cpu_limit:
         seconds = int(cpu_limit) + 1
@@ -194,7 +195,7 @@ def set_limits(cpu_limit):
 
 
 def end_session(child):
-    """Ends a program and what it started."""
+    """Kills a program and the processes that it started."""
     try:
         os.killpg(child.pid, signal.SIGKILL)
     except ProcessLookupError:
@@ -203,7 +204,7 @@ def end_session(child):
 
 
 def meaning_of(status):
-    """What the status of a program that has ended says; "" for success."""
+    """The meaning of an exit status; "" for success."""
     if status in (-signal.SIGXCPU, -signal.SIGKILL):
         return "hangs"
     if status < 0:

@@ -1,7 +1,7 @@
-// macos-run PROGRAM [ARGUMENT]...: runs a Mac program for this processor on Linux, for tests of it.
+// macos-run PROGRAM [ARGUMENT]...: runs a Mac program for this processor on Linux, for tests.
 //
-// Mac images are loaded by loader/; libc++ is one of them, found below the folder that
-// LUMO_MACOS_ROOT names, or that was built in. libSystem is simulated by system/, and
+// loader/ loads Mac images. libc++ is one of them; it is loaded from below the folder in
+// LUMO_MACOS_ROOT, or from the folder set when this program was built. system/ simulates libSystem.
 // CoreFoundation and AudioToolbox are the project's platform library (frameworks/).
 #include "loader/image.h"
 #include "system/system.h"
@@ -29,7 +29,7 @@ void* find_system(std::string_view name) {
         }
         return all;
     }();
-    // An older system lacks some functions: those named here, each between two commas.
+    // The functions that the simulated system lacks, as an older one does, each between two commas.
     static const std::string lacking =
         std::getenv("LUMO_MACOS_LACKS") ? std::getenv("LUMO_MACOS_LACKS") : "";
     if (!lacking.empty() && lacking.find("," + std::string(name) + ",") != std::string::npos) {

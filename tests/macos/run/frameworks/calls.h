@@ -13,13 +13,14 @@ Function* system_call(const std::string& name) {
     return reinterpret_cast<Function*>(system_address(name));
 }
 
-/// Opens with the function `how` ("open", "fopen$DARWIN_EXTSN", ...), flags and mode as a Mac has
-/// them. A failure leaves -1 and the Mac's errno.
+/// Opens with the function `how` ("open", "fopen$DARWIN_EXTSN", ...); flags and mode have the Mac's
+/// values. Returns -1 on failure and sets the Mac's errno. Ends the process for an unknown
+/// function.
 int open_with(const std::string& how, const char* path, int flags, int mode);
 
-/// Looks for the file with the function `how` ("stat", "access", ...; none when empty), as a
-/// sampler does before it opens. A failure leaves the Mac's errno; an unknown function ends the
-/// process.
+/// Checks with the function `how` ("stat", "access", ...) whether the file exists, as a sampler
+/// does before it opens it; true without a check when `how` is empty. Sets the Mac's errno on
+/// failure. Ends the process for an unknown function.
 bool look_with(const std::string& how, const char* path);
 
 } // namespace lumo::macos

@@ -1,4 +1,5 @@
-// The names of the frameworks, which are the project's own platform library.
+// The names of the frameworks' functions and variables. The project's platform library implements
+// them.
 #include "frameworks/mutable_string.h"
 #include "system/system.h"
 

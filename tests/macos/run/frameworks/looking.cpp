@@ -1,4 +1,4 @@
-// The ways to look whether a file is there.
+// The functions that check whether a file exists.
 #include "frameworks/calls.h"
 #include "loader/image.h"
 #include "system/flags.h"

@@ -1,5 +1,5 @@
-// A mutable copy, composing and folding. A mutable string is one of the platform library's with
-// room to grow, written over in place.
+// Mutable copies, normalisation and case folding. A mutable string is a string of the platform
+// library with spare room, and is changed in place.
 #include "frameworks/mutable_string.h"
 
 #include "core_foundation/string.h"
@@ -16,7 +16,7 @@ using namespace lumo::platform;
 
 namespace {
 
-/// More than any text grows by composing, folding and composing again.
+/// An upper bound of the factor by which composing, folding and composing again make a text longer.
 constexpr std::size_t max_growth = 18;
 
 std::string utf8_of(CFStringRef string) {

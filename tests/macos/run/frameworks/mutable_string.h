@@ -1,5 +1,5 @@
-// The functions of CoreFoundation that only the Mac's library calls and the platform library does
-// without, declared as the Mac's headers declare them.
+// The functions of CoreFoundation that only the Mac build of liblumo-relink calls. The platform
+// library lacks them. The declarations are those of the Mac's headers.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -1,4 +1,4 @@
-// The ways to open a file.
+// The functions that open a file.
 #include "frameworks/calls.h"
 #include "system/flags.h"
 #include "system/variadic.h"

@@ -1,9 +1,10 @@
-// The platform library's calls of libSystem. On a Mac those of the frameworks go through the
-// interpose sections, so the linker sends the platform library's open here (--wrap), and it goes on
-// as a Mac's would: to the simulated function, or what a loaded library has put in front of it.
+// The platform library's calls of libSystem. On a Mac the frameworks' calls go through the
+// interpose sections. The linker therefore redirects the platform library's calls of open to this
+// file (--wrap), which calls the function that such a call would reach on a Mac: the simulated
+// function or a loaded library's replacement.
 //
-// How the real sampler looks for a sample and opens it is not known. LUMO_SAMPLER_OPENS names the
-// function with which it opens here, LUMO_SAMPLER_LOOKS one with which it looks before that.
+// It is not known which functions the real sampler calls. LUMO_SAMPLER_OPENS names the function
+// that opens samples here, LUMO_SAMPLER_LOOKS one that checks before whether they exist.
 #include "frameworks/calls.h"
 #include "loader/image.h"
 #include "system/flags.h"
@@ -15,7 +16,7 @@
 #include <cstdlib>
 #include <string>
 
-// The linker's names for the real function and the one that it puts in front.
+// The linker's names for the real function and its replacement.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" int __real_open(const char*, int, ...);
 extern "C" int __wrap_open(const char*, int, ...);
@@ -30,7 +31,7 @@ std::string setting(const char* name, const char* otherwise) {
     return value && *value ? value : otherwise;
 }
 
-/// Makes an early call, for an absent file, if the system has the function.
+/// Calls a function for an absent file, before any initialiser, if the system has the function.
 template <class Call>
 void expect_absence(const char* function, Call call) {
     constexpr int no_such_file = 2;
@@ -67,7 +68,7 @@ extern "C" int __wrap_open(const char* path, int flags, ...) {
     va_start(arguments, flags);
     const int mode = va_arg(arguments, int);
     va_end(arguments);
-    if ((flags & O_TMPFILE) == O_TMPFILE) { // there is no such thing on a Mac
+    if ((flags & O_TMPFILE) == O_TMPFILE) { // a Mac has no unnamed files
         return __real_open(path, flags, mode);
     }
     const bool reads = (flags & (O_ACCMODE | O_CREAT)) == O_RDONLY;
@@ -83,7 +84,7 @@ extern "C" int __wrap_open(const char* path, int flags, ...) {
     return file;
 }
 
-/// What open is where headers are fortified and the flags are not constant.
+/// With fortified headers, open is this function where the flags are not constant.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
 extern "C" int __wrap___open_2(const char* path, int flags) {
     return __wrap_open(path, flags, 0);

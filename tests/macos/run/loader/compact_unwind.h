@@ -9,7 +9,7 @@
 
 namespace lumo::macos {
 
-/// What is known of one function. The addresses are those in memory; 0 means none.
+/// The information about one function. Addresses are those in memory; 0 means none.
 struct UnwindRecord {
     std::uint64_t start, size;
     std::uint32_t encoding;
@@ -18,7 +18,7 @@ struct UnwindRecord {
 
 constexpr std::uint32_t unwind_mode_mask = 0x0f000000;
 
-/// The functions of the section, in rising addresses.
+/// The functions of the section, by ascending address.
 std::vector<UnwindRecord> read_compact_unwind(const Image& image, const Section& section);
 
 // What depends on the processor: unwind_x86_64.cpp or unwind_arm64.cpp.
@@ -26,10 +26,10 @@ std::vector<UnwindRecord> read_compact_unwind(const Image& image, const Section&
 /// The DWARF number of the register with the return address.
 extern const int dwarf_return;
 
-/// Writes what holds for each function when it is entered.
+/// Writes the rules that apply at the entry of every function.
 void write_common_rules(FrameWriter& out);
 
-/// Whether the encoding has the rules; else they are in .eh_frame, or there are none.
+/// Whether the encoding contains the rules; otherwise they are in .eh_frame, or there are none.
 bool has_rules(const UnwindRecord& record);
 
 /// Writes the rules of a function's body.

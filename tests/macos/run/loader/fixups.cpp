@@ -1,4 +1,5 @@
-// Chained fixups: each pointer of a segment that needs an address says how far the next one is.
+// Chained fixups: each pointer of a segment that needs an address contains the distance to the
+// next.
 #include "loader/parts.h"
 
 #include <algorithm>
@@ -29,7 +30,7 @@ Import read_import(const char* table, const char* names, std::uint32_t format, s
             format == 2 ? as<std::int32_t>(table + size * index + 4) : 0};
 }
 
-/// The addresses of all imports; for one that is strong and missing, missing_function.
+/// The addresses of all imports. A strong import that does not exist gets a missing_function.
 std::vector<char*> resolve_imports(const Image& image, const char* data, const FixupsHeader& head) {
     std::vector<char*> addresses;
     for (std::size_t i = 0; i < head.imports; ++i) {

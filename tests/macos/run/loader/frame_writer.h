@@ -1,4 +1,4 @@
-// Writes call frame information (.eh_frame), as the unwinder of this system reads it.
+// Writes call frame information (.eh_frame) for the unwinder of this system.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
-// An image in memory, loading a program, and what every failure of the loader ends in. The order is
-// the system loader's: map everything, read the interpose sections, bind everything with them in
-// mind, run the initialisers.
+// An image in memory, loading a program, and the end of the process after a failure. The order is
+// that of the system's loader: map everything, read the interpose sections, bind everything (with
+// the tuples applied), run the initialisers.
 #include "loader/image.h"
 
 #include "loader/parts.h"

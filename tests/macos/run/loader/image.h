@@ -11,7 +11,7 @@
 
 namespace lumo::macos {
 
-/// What an image offers under a name.
+/// A name that an image exports, and its address.
 struct Export {
     void* address;
     bool is_weak;
@@ -20,10 +20,10 @@ struct Export {
 /// One file in memory. Its commands and names point into that memory, which is never freed.
 struct Image {
     std::string path;
-    char* base = nullptr; ///< where the header is, and what offsets count from
+    char* base = nullptr; ///< the header's address, from which offsets count
     std::vector<const SegmentCommand*> segments;
     std::vector<const Section*> sections;
-    std::vector<std::string> library_names; ///< in the order that fixups number them in
+    std::vector<std::string> library_names; ///< in the order of their numbers in fixups
     std::vector<Image*> libraries;          ///< the same; null for one that this program simulates
     std::vector<std::string> run_paths;
     std::map<std::string, Export, std::less<>> exports;
@@ -40,36 +40,37 @@ struct Image {
     const Section* section(std::string_view name) const;
 };
 
-/// Loads the program and what it needs. `system_root` is put before the path of a library in
-/// /usr/lib that exists there. Ends the process by give_up when that fails.
+/// Loads the program and its libraries. A library in /usr/lib is loaded from below `system_root` if
+/// it exists there. Ends the process by give_up on failure.
 Image& load_program(const std::string& path, const std::string& system_root);
 
 /// The exported name of an image; a leading underscore belongs to it.
 void* find_export(const Image& image, std::string_view name);
 
-/// The address of a name in the first image that exports it, else what is simulated; null for none.
+/// The address of a name in the first image that exports it, else that of the simulated function or
+/// variable; null if there is none.
 void* find_anywhere(std::string_view name);
 
-/// What a call of `function` from the system's own libraries reaches: the replacement of a loaded
-/// library's interpose section, or the function itself.
+/// The function that a call of `function` from the system's own libraries reaches: its replacement
+/// in a loaded library's interpose section, or the function itself.
 void* interposed(void* function);
 
 /// Runs the initialisers, libraries first.
 void initialise(Image& image, int argc, char** argv, char** environment, char** apple);
 
-/// Registers what the image's unwind sections say with the unwinder of this system.
+/// Registers the contents of the image's unwind sections with the unwinder of this system.
 void register_unwind_information(const Image& image);
 
 /// The address of a variable of the calling thread, for the first word of its descriptor.
 extern "C" void* lumo_thread_variable(ThreadVariable* variable);
 
-/// From here on programs may use thread-local variables; libSystem's initialiser makes them ready.
+/// Allows programs to use thread-local variables from here on, as libSystem's initialiser does.
 void allow_thread_variables();
 
 /// The function or variable that simulates a name of libSystem or a framework, null for none.
 void* find_system(std::string_view name);
 
-/// Ends the process with status 99 and says why on standard error.
+/// Ends the process with status 99 after printing `what` on standard error.
 [[noreturn]] void give_up(const std::string& what);
 
 } // namespace lumo::macos

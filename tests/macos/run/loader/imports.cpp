@@ -1,4 +1,4 @@
-// Finds what an image imports, among the loaded images and what this program simulates.
+// Finds an image's imports among the exports of the loaded images and the simulated functions.
 #include "loader/parts.h"
 
 namespace lumo::macos {

@@ -1,4 +1,4 @@
-// What runs in an image before its program's main.
+// The initialisers of an image, which run before the program's main.
 #include "loader/parts.h"
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// Interposing, by the rules that dyld publishes: only libraries may interpose; a tuple whose
-// original is absent is passed over; calls from the library itself reach the original.
+// Interposing, by the rules of dyld's published sources: only libraries may interpose; a tuple with
+// an absent original is ignored; calls from the library itself reach the original.
 #include "loader/parts.h"
 
 #include <cstdlib>
@@ -19,7 +19,7 @@ bool is_interpose_section(const Section& section) {
             (segment.starts_with("__DATA") || segment.starts_with("__AUTH")));
 }
 
-/// The tuples of a library. It is bound first, so that they are addresses.
+/// Reads the tuples of a library. It is bound first, so that the tuples contain addresses.
 void read_tuples(Image& image) {
     for (const Section* section : image.sections) {
         if (is_interpose_section(*section)) {
@@ -39,8 +39,8 @@ void read_all_tuples() {
             read_tuples(*image);
         }
     }
-    // A system may refuse to interpose; it then passes over the tuples without a word. A test of
-    // the tests leaves out a single one.
+    // A system may refuse to interpose; it then ignores the tuples without a message. The test of
+    // the shims' tests omits a single tuple.
     const bool is_refused = std::getenv("LUMO_MACOS_NO_INTERPOSING") != nullptr;
     const char* without = std::getenv("LUMO_MACOS_WITHOUT_TUPLE");
     for (const Image* image : loaded_images()) {

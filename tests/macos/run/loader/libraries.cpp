@@ -39,7 +39,7 @@ bool exists(const std::string& path) {
     return ::access(path.c_str(), F_OK) == 0;
 }
 
-/// The file of a library; empty for one that this program simulates.
+/// The path of a library's file; empty for one that this program simulates.
 
 std::string find_library(const Image& program, const std::string& root, const std::string& name) {
     if (const char* folder = std::getenv("DYLD_LIBRARY_PATH")) { // one folder
@@ -51,7 +51,7 @@ std::string find_library(const Image& program, const std::string& root, const st
     if (!name.starts_with("@rpath/")) {
         return exists(root + name) ? root + name : "";
     }
-    // The program may have been called by a link to it.
+    // The program may have been started through a link.
     const std::unique_ptr<char, decltype(&std::free)> real(
         ::realpath(program.path.c_str(), nullptr), &std::free);
     for (const std::string& start : {program.path, std::string(real ? real.get() : "")}) {
@@ -70,7 +70,7 @@ std::string find_library(const Image& program, const std::string& root, const st
     give_up("no " + name + " for " + program.path);
 }
 
-/// Maps an image and what it needs, each once. `program` is null for the program itself.
+/// Maps an image and its libraries, each once. `program` is null for the program itself.
 Image& map_image(const std::string& path, const std::string& root, const Image* program) {
     for (Image* image : loaded) {
         if (image->path == path) {

@@ -1,4 +1,4 @@
-// Reads a Mach-O file's load commands and puts its segments into memory.
+// Reads a Mach-O file's load commands and maps its segments into memory.
 #include "loader/parts.h"
 
 #include <sys/mman.h>
@@ -33,7 +33,7 @@ void read_segment(Image& image, const SegmentCommand& segment) {
     }
 }
 
-/// Reads the load commands that stand behind the header at `header`.
+/// Reads the load commands that follow the header at `header`.
 void read_commands(Image& image, const char* header) {
     const auto& head = as<MachHeader>(header);
     const char* at = header + sizeof(MachHeader);
@@ -97,7 +97,7 @@ void map_segments(Image& image, std::span<const char> file) {
         }
         end = std::max(end, segment->address + segment->size - image.preferred);
     }
-    // A page more, since this system's pages may be smaller.
+    // One page more, because this system's pages may be smaller.
     void* memory = ::mmap(nullptr, (end + page - 1) / page * page + page, PROT_READ | PROT_WRITE,
                           MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (memory == MAP_FAILED) {
@@ -109,7 +109,7 @@ void map_segments(Image& image, std::span<const char> file) {
         std::copy_n(file.data() + segment->file_offset, segment->file_size,
                     image.at(segment->address));
     }
-    // From here on the commands in memory count, the file goes.
+    // From here on the commands in memory are used; the file is not needed any more.
     image.segments.clear();
     image.sections.clear();
     image.library_names.clear();

@@ -1,5 +1,5 @@
-// A function for an import that is nowhere: a few instructions that load its name and go on to
-// lumo_missing_function. It is only an error when it is called.
+// A function for an import that does not exist: a few instructions that load its name and jump to
+// lumo_missing_function. Only a call of it is an error.
 #include "loader/parts.h"
 
 #include <sys/mman.h>

@@ -1,4 +1,4 @@
-// What the files of the loader call of one another.
+// The functions that the files of the loader call in each other.
 #pragma once
 
 #include "loader/image.h"
@@ -19,7 +19,7 @@ constexpr std::size_t page = 16384;
 constexpr std::size_t page = 4096;
 #endif
 
-/// The value of a plain type at an address in a file or an image.
+/// The value of a trivially copyable type at an address in a file or an image.
 template <class Type>
 const Type& as(const void* bytes) {
     return *static_cast<const Type*>(bytes);
@@ -28,33 +28,34 @@ const Type& as(const void* bytes) {
 /// All images in the order in which they were mapped, the program first.
 const std::vector<Image*>& loaded_images();
 
-/// Maps the program and, after it, each library that is a file. See load_program for `root`.
+/// Maps the program and then each library that has a file. `root` is that of load_program.
 Image& map_program(const std::string& path, const std::string& root);
 
-/// Puts an image's segments into memory, writable, where they belong in relation to each other, and
-/// reads its load commands. `file` is the part for this processor and is not needed afterwards.
+/// Maps an image's segments into memory, writable, at their distances from each other, and reads
+/// its load commands. `file` is the part for this processor and is not needed afterwards.
 void map_segments(Image& image, std::span<const char> file);
 
 /// The part of the file, plain or universal, that is for this processor.
 std::span<const char> part_for_this_processor(std::span<const char> file, const std::string& path);
 
-/// Gives the image's segments the access that they ask for.
+/// Sets the access rights of the image's segments.
 void protect(const Image& image);
 
 /// Reads the names that an image exports.
 void read_exports(Image& image);
 
-/// Where an import is found that names a library by `ordinal`; null when it is nowhere.
+/// The address of an import that names a library by `ordinal`; null if it does not exist.
 void* find_import(const Image& image, int ordinal, std::string_view name);
 
-/// A new function that ends the process with `name`, which has to stay, when it is called.
+/// A new function that ends the process with the message `name` when it is called. `name` must
+/// outlive it.
 void* missing_function(const char* name);
 
-/// Writes the addresses that an image's chained fixups stand for; once for each image.
+/// Writes the addresses for an image's chained fixups; called once for each image.
 void bind(Image& image);
 
-/// Reads the interpose sections of all libraries, which binds those that have one, and remembers
-/// the replacements.
+/// Reads the interpose sections of all libraries and stores the replacements. Binds the libraries
+/// that have such a section.
 void read_all_tuples();
 
 /// Prepares the descriptors of an image's thread-local variables.

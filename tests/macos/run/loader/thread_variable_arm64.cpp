@@ -1,5 +1,5 @@
-// lumo_thread_variable for arm64: a Mac program expects it to keep every register but the result,
-// x16 and x17.
+// lumo_thread_variable for arm64: a Mac program expects it to preserve every register except the
+// result, x16 and x17.
 
 asm(R"(
     .globl lumo_thread_variable

@@ -1,5 +1,5 @@
-// lumo_thread_variable for x86_64: a Mac program expects it to keep every register but the result
-// and rdi.
+// lumo_thread_variable for x86_64: a Mac program expects it to preserve every register except the
+// result and rdi.
 
 asm(R"(
     .globl lumo_thread_variable

@@ -14,7 +14,7 @@ namespace {
 
 bool are_allowed = false;
 
-/// One copy; a thread's copies are a list.
+/// One copy. A thread's copies are a linked list.
 struct Block {
     const Image* image;
     char* bytes;

@@ -1,6 +1,6 @@
-// The compact unwind information of an image, rewritten as the call frame information that the
-// unwinder of this system reads: one record for each function, with the rules of its body. A
-// prologue has none, there or here; no exception comes out of one.
+// Converts the compact unwind information of an image to the call frame information that the
+// unwinder of this system reads: one record for each function, with the rules of its body. Neither
+// form has rules for a prologue, because no exception is thrown there.
 #include "loader/compact_unwind.h"
 
 #include <deque>
@@ -13,7 +13,7 @@ extern "C" void __register_frame_table(void* lists);
 namespace lumo::macos {
 namespace {
 
-/// Bytes that stay where they are while the process lives: the unwinder keeps pointers to them.
+/// These bytes are never moved or freed: the unwinder keeps pointers to them.
 std::deque<std::vector<unsigned char>> kept;
 std::deque<std::vector<void*>> kept_lists;
 
@@ -57,8 +57,9 @@ void write_function(FrameWriter& out, std::size_t common, const UnwindRecord& re
 } // namespace
 
 void register_unwind_information(const Image& image) {
-    // What the compact form cannot express is in .eh_frame already, ended by the zeros behind the
-    // section. Both are registered as one: of two that overlap libgcc asks only one.
+    // Rules that the compact form cannot express are in .eh_frame, which ends with the zeros after
+    // the section. Both are registered as one list, because libgcc uses only one of two lists that
+    // overlap.
     std::vector<void*> both;
     if (const Section* section = image.section("__eh_frame")) {
         both.push_back(image.at(section->address));

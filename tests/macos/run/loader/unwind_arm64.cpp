@@ -7,7 +7,7 @@ namespace {
 constexpr std::uint32_t mode_frameless = 0x02000000, mode_frame = 0x04000000;
 constexpr int dwarf_frame = 29, dwarf_link = 30, dwarf_stack = 31;
 
-/// Pairs of registers, a bit each, that lie below one another.
+/// Pairs of registers, one bit for each pair, stored one below the other.
 void write_pairs(FrameWriter& out, std::uint32_t encoding, std::uint64_t below) {
     constexpr struct {
         std::uint32_t bit;
@@ -40,7 +40,7 @@ void write_rules(FrameWriter& out, const UnwindRecord& record) {
         out.saved(dwarf_frame, 16);
         out.saved(dwarf_link, 8);
         write_pairs(out, record.encoding, 24);
-    } else { // the return address is where the call left it
+    } else { // the return address is still in its register
         out.frame(dwarf_stack, 16 * (record.encoding >> 12 & 0xfff));
         write_pairs(out, record.encoding, 8);
     }

@@ -9,10 +9,10 @@ namespace {
 
 constexpr std::uint32_t mode_frame = 0x01000000, mode_large = 0x03000000;
 constexpr int dwarf_rbp = 6, dwarf_rsp = 7, dwarf_rip = 16;
-/// The registers that functions keep, as compact encodings number them from 1 on.
+/// The registers that functions preserve, by their numbers in compact encodings, from 1.
 constexpr std::array<int, 7> dwarf_number = {-1, 3, 12, 13, 14, 15, dwarf_rbp};
 
-/// A function with a frame pointer: up to five registers, three bits each, in rising addresses.
+/// A function with a frame pointer: up to five registers, three bits each, by ascending address.
 void write_frame_rules(FrameWriter& out, std::uint32_t encoding) {
     out.frame(dwarf_rbp, 16);
     out.saved(dwarf_rbp, 16);
@@ -24,8 +24,8 @@ void write_frame_rules(FrameWriter& out, std::uint32_t encoding) {
     }
 }
 
-/// Which registers, in rising addresses: the number of a permutation, whose digits count among the
-/// registers that are left.
+/// The saved registers, by ascending address. `permutation` is the number of a permutation; each of
+/// its digits is a position among the registers that remain.
 std::vector<int> saved_registers(std::uint32_t count, std::uint32_t permutation) {
     std::vector<std::uint32_t> digits(count);
     for (std::uint32_t i = count; i-- > 0;) {
@@ -40,7 +40,7 @@ std::vector<int> saved_registers(std::uint32_t count, std::uint32_t permutation)
     return saved;
 }
 
-/// A function without a frame pointer; where its frame is large, the size is in its code.
+/// A function without a frame pointer. The size of a large frame is in the function's code.
 void write_frameless_rules(FrameWriter& out, const UnwindRecord& record) {
     const std::uint32_t encoding = record.encoding;
     std::uint64_t size = std::uint64_t{8} * (encoding >> 16 & 0xff);

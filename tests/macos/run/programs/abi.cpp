@@ -1,6 +1,7 @@
-// A C++ program for a Mac, on what the two systems pass differently, most of it on arm64: variadic
-// arguments, long double, results narrower than an int, the registers that the first use of a
-// thread-local variable keeps. Prints "all passed" and ends with the number of failures.
+// A C++ program for a Mac. It tests the differences in calling conventions, most of them on arm64:
+// variadic arguments, long double, results narrower than an int, the registers that the first use
+// of a thread-local variable preserves. Prints "all passed"; the exit status is the number of
+// failures.
 #include <CoreFoundation/CoreFoundation.h>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -42,7 +43,8 @@ std::string printed(const char* format, ...) {
     return twice == text ? twice : "not the same twice";
 }
 
-// On arm64 a result fills the register of an int. These are the same functions, with all of it.
+// On arm64 a narrow result is extended to an int. These declarations of the same functions return
+// the whole register.
 #if defined(__arm64__)
 #define WHOLE unsigned
 #else
@@ -62,7 +64,7 @@ extern "C" {
 thread_local std::uint64_t seven = 7;
 }
 
-/// Whether the first use of a thread-local variable in a thread leaves the registers alone.
+/// Whether the first use of a thread-local variable in a thread preserves the registers.
 bool keeps_registers() {
 #if defined(__arm64__)
     struct {
@@ -110,7 +112,7 @@ bool keeps_registers() {
 #endif
 }
 
-/// Fills the registers that functions keep, of both kinds, and throws.
+/// Fills the integer and floating-point registers that functions preserve, and throws.
 [[gnu::noinline]] double fills_and_throws(double x, long n) {
     double a = x, b = x * 2, c = x * 3, d = x * 4, e = x * 5, f = x * 6, g = x * 7, h = x * 8;
     long i = n, j = n * 2, k = n * 3, l = n * 4, m = n * 5;
@@ -125,7 +127,7 @@ bool keeps_registers() {
     return a + b + c + d + e + f + g + h + static_cast<double>(i + j + k + l + m);
 }
 
-/// Whether a catching function finds its registers as they were.
+/// Whether a function that catches the exception has its registers restored.
 [[gnu::noinline]] bool keeps_values(double x, long n) {
     double a = x + 1, b = x + 2, c = x + 3, d = x + 4, e = x + 5, f = x + 6;
     long i = n + 1, j = n + 2, k = n + 3;

@@ -1,5 +1,5 @@
 // A C++ program for a Mac: exceptions within and across images, streams, the file system, threads,
-// thread-local variables. Prints "all passed" and ends with the number of failures.
+// thread-local variables. Prints "all passed"; the exit status is the number of failures.
 #include <unistd.h>
 
 #include <cassert>
@@ -52,7 +52,7 @@ struct Tracks {
 }
 
 template <class... Values>
-[[gnu::noinline]] long many(Values... values) { // uses every register that a function keeps
+[[gnu::noinline]] long many(Values... values) { // uses every register that a function preserves
     Tracks here;
     std::vector<long> all{values...};
     long sum = 0;
@@ -69,7 +69,7 @@ thread_local std::string text = "initial";
 thread_local int number = 42;
 
 int main() {
-    // Throw and catch here.
+    // Thrown and caught in this program.
     try {
         thrower(5);
         CHECK(false);
@@ -88,7 +88,7 @@ int main() {
         CHECK(a == i && b == i * 3 + 1 && c == i * 5 + 2 && d == i * 7 + 3 && e == i * 11 + 4);
     }
     CHECK(caught > 5);
-    // Thrown by libc++, caught here, and through libc++'s frames.
+    // Thrown by libc++ and caught here; thrown through libc++'s frames.
     try {
         std::string("abc").at(7);
         CHECK(false);

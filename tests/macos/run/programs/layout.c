@@ -1,5 +1,5 @@
-// What macos-run assumes of the Mac's constants and structures, checked against the Mac's own
-// headers: this file is compiled for a Mac and never run.
+// Checks the Mac's constants and structures as macos-run defines them against the Mac's own
+// headers. This file is compiled for a Mac and never run.
 #include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>

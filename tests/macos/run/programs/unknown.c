@@ -1,5 +1,5 @@
-// A C program for a Mac that asks for what macos-run does not know, as its argument says: a flag, a
-// request, a function. "folder" makes a folder, which a test lets fail.
+// A C program for a Mac that uses a flag, a request or a function that macos-run does not know, as
+// its argument says. "folder" makes a folder; a test causes this to fail.
 #include <fcntl.h>
 #include <signal.h>
 #include <stdlib.h>

@@ -1,4 +1,4 @@
-// Whether a file may be used, and what is attached to it.
+// Access checks and file attributes.
 #include "system/flags.h"
 #include "system/system.h"
 
@@ -38,13 +38,13 @@ int mac_accessx_np(const AccessDescriptor* paths, size_t, int* errors, uid_t) {
     return 0;
 }
 
-/// What is asked of getattrlist.
+/// The attributes that a caller of getattrlist asks for.
 struct AttributeList {
     std::uint16_t count, reserved;
     std::uint32_t common, volume, folder, file, fork;
 };
 
-/// Gives no attributes, only whether the file is there.
+/// Returns no attributes; fails when the file does not exist.
 int give_no_attributes(int folder, const char* path, const AttributeList& wanted, void* attributes,
                        size_t size, unsigned long options) {
     if (const auto any =

@@ -36,7 +36,7 @@ int copy_data(int from, int to) {
     }
 }
 
-/// The data alone, which is what libc++ asks for.
+/// Copies the data only, as libc++ requests.
 int mac_fcopyfile(int from, int to, void*, unsigned flags) {
     if (flags != COPYFILE_DATA) {
         unknown("fcopyfile", flags);
@@ -44,8 +44,8 @@ int mac_fcopyfile(int from, int to, void*, unsigned flags) {
     return copy_data(from, to);
 }
 
-/// A system call on a Mac, so it looks up its paths by itself, where copyfile goes through the
-/// interpose sections.
+/// On a Mac this is a system call, so its paths are not looked up through the interpose sections,
+/// unlike those of copyfile.
 int mac_clonefile(const char* from, const char* to, std::uint32_t flags) {
     if (flags != 0) {
         unknown("flags of clonefile", flags);

@@ -1,4 +1,4 @@
-// Error numbers and what ends a process.
+// Error numbers, and the functions that end a process.
 #include "loader/image.h"
 #include "system/system.h"
 
@@ -12,7 +12,7 @@
 namespace lumo::macos {
 namespace {
 
-// From 1 to 34 the numbers are the same, but for EAGAIN. This system's, the Mac's.
+// The error numbers that differ: this system's, the Mac's. From 1 to 34 all but EAGAIN are equal.
 constexpr int differing[][2] = {
     {EAGAIN, 35},       {EDEADLK, 11},         {ENAMETOOLONG, 63},    {ENOLCK, 77},
     {ENOSYS, 78},       {ENOTEMPTY, 66},       {ELOOP, 62},           {ENOMSG, 91},

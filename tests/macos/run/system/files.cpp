@@ -19,8 +19,8 @@
 namespace lumo::macos {
 namespace {
 
-/// The Mac's realpath is the C library's and looks the path up with lstat, which another library
-/// may have put something in front of.
+/// The Mac's realpath is part of the C library and calls lstat for the path, which another library
+/// may have interposed.
 char* resolve(const char* path, char* resolved) {
     using Lstat = int(const char*, void*);
     alignas(8) char status[256];
@@ -88,7 +88,7 @@ int mac_utimensat(int folder, const char* path, const timespec* times, int flags
         ::utimensat(folder_of(folder), path, times ? here.data() : nullptr, at_flags(flags)));
 }
 
-// Results and errno only.
+// Functions that differ only in results and errno.
 #define CHECKED(name, result, parameters, arguments)                                               \
     result mac_##name parameters {                                                                 \
         return done(::name arguments);                                                             \

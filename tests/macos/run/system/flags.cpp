@@ -1,3 +1,4 @@
+// Tables of the flags that differ between a Mac and this system.
 #include "system/flags.h"
 
 #include "system/system.h"

@@ -1,5 +1,5 @@
-// Reading folders. A stream of a Mac program is a pointer to one of this system and an entry of
-// the Mac's layout.
+// Reading folders. A folder stream of a Mac program consists of a pointer to one of this system and
+// an entry with the Mac's layout.
 #include "system/opening.h"
 #include "system/system.h"
 

@@ -1,3 +1,4 @@
+// The functions of libSystem that have a locale as a parameter.
 #include "system/locales.h"
 
 #include "system/system.h"

@@ -1,4 +1,4 @@
-// Locales: a null one is the C locale, -1 the current one, in both systems' own sense.
+// Locales: null is the C locale, and -1 the current one, on both systems.
 #pragma once
 
 #include <locale.h>
@@ -20,7 +20,7 @@ private:
     locale_t before_;
 };
 
-/// NAME_l(arguments..., locale) by NAME(arguments...) while the locale is in use.
+/// Implements NAME_l(arguments..., locale) by calling NAME(arguments...) with the locale in use.
 template <auto function, class Result, class... Arguments>
 auto in_locale(Result (*)(Arguments...)) {
     return +[](Arguments... arguments, locale_t locale) -> Result {

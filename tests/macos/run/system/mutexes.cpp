@@ -1,6 +1,6 @@
-// Mutexes, conditions and waiting for a word of memory. What a Mac program keeps in its own memory
-// has other sizes and starting values than here, so it holds a pointer to this system's, made at
-// first use.
+// Mutexes, conditions and waiting for a word of memory. The objects in a Mac program's memory have
+// other sizes and initial values than those of this system, so each contains a pointer to an object
+// of this system, made at first use.
 #include "system/system.h"
 
 #include <linux/futex.h>
@@ -15,7 +15,7 @@
 namespace lumo::macos {
 namespace {
 
-/// A mutex or condition of a Mac program: a signature and room, of which a pointer is used.
+/// A mutex or condition of a Mac program: a signature, and room for a pointer.
 template <class Here>
 struct Made {
     long signature;

@@ -1,4 +1,4 @@
-// The functions that open a file and give a descriptor.
+// The functions that open a file and return a descriptor.
 #include "system/opening.h"
 
 #include "loader/image.h"
@@ -13,7 +13,7 @@
 namespace lumo::macos {
 namespace {
 
-// The mode where the Mac program passed one, else whatever is in its place, which is not used.
+// The mode if the Mac program passed one; otherwise an undefined value, which is not used.
 #define MODE_ARGUMENT(last)                                                                        \
     va_list arguments;                                                                             \
     va_start(arguments, last);                                                                     \

@@ -1,4 +1,4 @@
-// Processes. A Mac program that is started runs under this program, as the kernel would run it.
+// Processes. A Mac program that a Mac program starts runs under this program.
 #include "loader/image.h"
 #include "system/system.h"
 
@@ -17,7 +17,7 @@ namespace {
 bool is_mac_program(const char* path) {
     std::uint32_t magic = 0;
     const int file = ::openat(AT_FDCWD, path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    // Not read: the bytes of a pipe would be gone.
+    // pread fails for a pipe; read would consume its bytes.
     const bool is_read = file >= 0 && ::pread(file, &magic, sizeof magic, 0) == sizeof magic;
     if (file >= 0) {
         ::close(file);
@@ -25,7 +25,7 @@ bool is_mac_program(const char* path) {
     return is_read && (magic == magic_64 || magic == magic_fat);
 }
 
-/// What runs a Mac program: this one, or the script beside it that has an emulator run it.
+/// The program that runs a Mac program: this one, or the script beside it that starts an emulator.
 char* runner() {
     static char self[4096];
     const ssize_t length = ::readlink("/proc/self/exe", self, sizeof self - 1);
@@ -36,8 +36,8 @@ char* runner() {
     return self;
 }
 
-/// The words of a command with this program before each that is a Mac program: the command itself,
-/// and one that is an argument of a program of this system.
+/// The words of a command, with this program inserted before each Mac program: the command itself,
+/// and arguments of a program of this system.
 std::vector<char*> with_this_program(char* const* words) {
     std::vector<char*> all;
     for (; *words; ++words) {
@@ -85,12 +85,12 @@ int mac_vm_deallocate(unsigned, std::uintptr_t, std::uintptr_t) {
     return 0;
 }
 
-// libc++ looks for what reports a crash; there is nothing.
+// libc++ looks for a crash reporter; there is none.
 void* mac_dlopen(const char*, int) {
     return nullptr;
 }
 
-/// The function of libSystem or of a loaded library, whatever handle is asked.
+/// The function of libSystem or of a loaded library; the handle is ignored.
 void* mac_dlsym(void*, const char* name) {
     return interposed(find_anywhere(std::string("_") + name));
 }

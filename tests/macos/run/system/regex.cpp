@@ -26,7 +26,8 @@ int mac_regcomp(MacRegex* regex, const char* pattern, int flags) {
     if ((flags & ~0xf) != 0) {
         unknown("flags of regcomp", flags);
     }
-    // REG_EXTENDED and REG_ICASE are the same bits, REG_NOSUB and REG_NEWLINE each other's.
+    // REG_EXTENDED and REG_ICASE have the same bits on both systems; REG_NOSUB and REG_NEWLINE are
+    // exchanged.
     const int here = (flags & 3) | (flags & 4 ? REG_NOSUB : 0) | (flags & 8 ? REG_NEWLINE : 0);
     regex->here = new regex_t{};
     const int result = ::regcomp(regex->here, pattern, here);

@@ -1,5 +1,6 @@
-// The functions that take and give the same on a Mac as here; none of them sets errno
-// to a number that differs, or no caller looks. In C, where a name has one type.
+// The functions with the same arguments and results on a Mac and on this system. None of them sets
+// errno to a number that differs, or no caller reads it. In C, because a function has only one type
+// there.
 #define _GNU_SOURCE // NOLINT(bugprone-reserved-identifier): the C library asks for this name
 #include <arpa/inet.h>
 #include <ctype.h>

@@ -1,4 +1,4 @@
-// The table of same_functions.c, which is C because there a name has one type.
+// The table of same_functions.c for C++.
 #include "system/system.h"
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// What is known of a file or its file system: stat and its relatives.
+// The status of files and file systems: stat, statfs and their variants.
 #include "system/flags.h"
 #include "system/system.h"
 
@@ -77,7 +77,7 @@ int mac_fstatat(int folder, const char* path, void* status, int flags) {
     return give(::fstatat(folder_of(folder), path, &s, at_flags(flags)), s, status);
 }
 
-struct MacStatfs { // the fields that a caller might look at
+struct MacStatfs { // the fields that a caller might read
     std::uint32_t block_size;
     std::int32_t io_size;
     std::uint64_t blocks, free, available, files, free_files;

@@ -1,4 +1,5 @@
-// Streams of the C library, which are those of this system; opening one calls open as a Mac's does.
+// Streams of the C library. They are those of this system, but are opened by calling open as on a
+// Mac.
 #include "system/opening.h"
 #include "system/system.h"
 

@@ -1,5 +1,6 @@
-// What simulates libSystem and the frameworks: tables of names and functions. A function takes
-// and gives what the Mac's does (flags, structures, error numbers) and does it with this system's.
+// The simulation of libSystem and the frameworks: tables of names and functions. A function has the
+// arguments and results of the Mac's (flags, structures, error numbers) and calls functions of this
+// system.
 #pragma once
 
 #include <cerrno>
@@ -8,21 +9,21 @@
 
 namespace lumo::macos {
 
-/// A name as Mach-O has it, with its underscore, and the function or variable that it means here.
+/// A Mach-O name with its underscore, and the function or variable that simulates it.
 struct Name {
     const char* name;
     void* function;
 };
 
-// The suffix of names that have to do with the size of inode numbers; arm64 never had two sizes.
+// The suffix of functions that depend on the size of inode numbers; arm64 never had two sizes.
 #if defined(__aarch64__)
 #define INODE64 ""
 #else
 #define INODE64 "$INODE64"
 #endif
 
-/// A Mac program for arm64 takes the whole of an int from a function that gives less; on Linux the
-/// upper bits are anything.
+/// A Mac program for arm64 reads a whole int from a function with a narrower result; on Linux the
+/// upper bits are undefined.
 template <class Result>
 constexpr bool is_narrow = false;
 #if defined(__aarch64__)
@@ -74,9 +75,9 @@ void call_early();
 /// The Mac's errno of the calling thread.
 int& mac_errno();
 int mac_error(int error);   ///< the Mac's number of an error of this system
-int linux_error(int error); ///< and back
+int linux_error(int error); ///< this system's number of a Mac's error
 
-/// A result on its way to a Mac program: a failure takes errno along.
+/// Returns `result` to a Mac program; when it is a failure, sets the Mac's errno from errno.
 template <class Result>
 Result done(Result result) {
     bool failed = false;
@@ -91,18 +92,18 @@ Result done(Result result) {
     return result;
 }
 
-/// A failure that is decided here.
+/// Fails with an error number of this system: sets the Mac's errno and returns -1.
 inline int fail(int error) {
     errno = error;
     return done(-1);
 }
 
-/// An error number as a result.
+/// The Mac's number of an error, for functions that return it.
 inline int error_result(int error) {
     return mac_error(error);
 }
 
-/// Ends the process where a program asks for what is not known here.
+/// Ends the process when a program uses a value that the simulation does not know.
 [[noreturn]] void unknown(const char* what, long value);
 
 } // namespace lumo::macos

@@ -1,4 +1,4 @@
-// Threads, what belongs to each, and what is called when they or the process end.
+// Threads, thread-specific values, and the functions called when a thread or the process ends.
 #include "system/system.h"
 
 #include <pthread.h>

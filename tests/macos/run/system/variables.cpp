@@ -1,4 +1,4 @@
-// The variables of libSystem, clocks, and what a program asks of the machine.
+// The variables of libSystem, clocks, and information about the machine.
 #include "loader/image.h"
 #include "system/system.h"
 

@@ -91,8 +91,8 @@ std::vector<unsigned char> read_preset(const std::string& path) {
 
 Ref<CFPropertyListRef> read_dictionary(const std::string& path) {
     const std::vector<unsigned char> bytes = read_preset(path);
-    const auto data =
-        adopt(CFDataCreate(kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    const auto data = adopt(CFDataCreateWithBytesNoCopy(
+        kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size()), kCFAllocatorNull));
     auto list = adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
                                                    kCFPropertyListImmutable, nullptr, nullptr));
     return list && CFGetTypeID(list.get()) == CFDictionaryGetTypeID() ? std::move(list)

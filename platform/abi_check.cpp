@@ -132,6 +132,8 @@ static_assert(callable_as<CFIndex(CFIndex, CFStringEncoding)>(CFStringGetMaximum
 static_assert(callable_as<CFComparisonResult(CFStringRef, CFStringRef, CFStringCompareFlags)>(
     CFStringCompare));
 static_assert(callable_as<CFDataRef(CFAllocatorRef, const UInt8*, CFIndex)>(CFDataCreate));
+static_assert(callable_as<CFDataRef(CFAllocatorRef, const UInt8*, CFIndex, CFAllocatorRef)>(
+    CFDataCreateWithBytesNoCopy));
 static_assert(callable_as<const UInt8*(CFDataRef)>(CFDataGetBytePtr));
 static_assert(callable_as<CFIndex(CFDataRef)>(CFDataGetLength));
 static_assert(callable_as<CFDateRef(CFAllocatorRef, CFAbsoluteTime)>(CFDateCreate));

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "allocated_text.h"
-#include "descriptor.h"
+#include "base/descriptor.h"
 
 #include <stdlib.h>
 

@@ -14,7 +14,8 @@ namespace lumo::exs::relink {
 
 void read_entries(Descriptor folder, const TakeEntry& take) {
     alignas(dirent64) char entries[1 << 16];
-    for (ssize_t size; (size = getdents64(folder.get(), entries, sizeof entries)) > 0;) {
+    const auto read_some = [&] { return getdents64(folder.get(), entries, sizeof entries); };
+    for (ssize_t size; (size = uninterrupted(read_some)) > 0;) {
         for (ssize_t at = 0; at < size;) {
             const auto* entry = reinterpret_cast<const dirent64*>(entries + at);
             take(entry->d_name, entry->d_type);

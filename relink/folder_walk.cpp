@@ -12,7 +12,7 @@
 #include "folder_walk.h"
 
 #include "apple_library.h"
-#include "descriptor.h"
+#include "base/descriptor.h"
 #include "folder_entries.h"
 #include "sample_names.h"
 
@@ -53,7 +53,8 @@ constexpr int open_flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
 Descriptor open_folder(const std::string& path) {
     Descriptor folder; // the rest of the path begins in it; none is the current one
     const auto open_next = [&](const char* piece) {
-        return Descriptor(openat(folder ? folder.get() : AT_FDCWD, piece, open_flags));
+        const int start = folder ? folder.get() : AT_FDCWD;
+        return Descriptor(uninterrupted([&] { return openat(start, piece, open_flags); }));
     };
     std::size_t begin = 0;
     while (path.size() - begin >= PATH_MAX) {
@@ -76,7 +77,7 @@ public:
 
     void run(const std::string& root) {
         read_tree(root.empty() || root.back() == '/' ? root : root + '/');
-        while (!links_.empty()) {
+        while (!links_.empty() && !is_ended_) {
             const std::string link = links_.top() + '/';
             links_.pop();
             read_tree(link);
@@ -96,7 +97,7 @@ private:
             return;
         }
         read_folder(std::move(folder), top);
-        while (!folders_.empty()) {
+        while (!folders_.empty() && !is_ended_) {
             const std::string path = std::move(folders_.back());
             folders_.pop_back();
             read_folder(open_folder(path), path);
@@ -118,9 +119,7 @@ private:
         });
         // A folder that is mounted twice is read under its first name.
         std::sort(folders_.begin() + first, folders_.end(), std::greater<>());
-        if (names_.count() > 0) {
-            found_(path, names_);
-        }
+        is_ended_ = names_.count() > 0 && !found_(path, names_);
     }
 
     bool is_unread(const Descriptor& folder) {
@@ -208,6 +207,7 @@ private:
     }
 
     const SamplesFound& found_;
+    bool is_ended_ = false;            // by what takes the samples
     std::string real_top_;             // the real path of the tree that is read, with a slash
     std::size_t top_size_ = 0;         // the length of its path as walked
     NameList names_;                   // of the folder that is read

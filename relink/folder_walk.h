@@ -9,8 +9,9 @@
 namespace lumo::exs::relink {
 
 /// Takes the samples of one folder: its path with a slash at the end (empty for the current
-/// folder), and their names, of which there is at least one. Both are gone after the call.
-using SamplesFound = std::function<void(const std::string& folder, const NameList& names)>;
+/// folder), and their names, of which there is at least one. Both are gone after the call. False
+/// ends the walk.
+using SamplesFound = std::function<bool(const std::string& folder, const NameList& names)>;
 
 /// Calls `found` for each folder under `root` (empty: the current folder) that holds samples. Names
 /// that begin with a dot are skipped, symbolic links are followed, each folder is read once; what

@@ -23,7 +23,19 @@ void make_room(SampleIndex& index, std::size_t count) {
     }
 }
 
+bool has_entry_of(const std::string& root, const std::vector<SampleIndex::Entry>& entries) {
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const SampleIndex::Entry& entry) { return entry.root == root; });
+}
+
 } // namespace
+
+bool has_entry(const SampleIndex& index, const std::string& root, std::string_view name) {
+    std::string key;
+    make_key(name, key);
+    const auto found = index.files.find(key);
+    return found != index.files.end() && has_entry_of(root, found->second);
+}
 
 void FoundSamples::add(const std::string& folder, const NameList& names) {
     folders_.push_back({folder, names});
@@ -90,8 +102,7 @@ bool FoundSamples::is_any_of(const std::string& root, const std::vector<Place>& 
             continue; // entries of one name are adjacent and may be many
         }
         looked_through = &found->second;
-        if (std::any_of(looked_through->begin(), looked_through->end(),
-                        [&](const SampleIndex::Entry& entry) { return entry.root == root; })) {
+        if (has_entry_of(root, *looked_through)) {
             return true;
         }
     }

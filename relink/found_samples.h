@@ -7,9 +7,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace lumo::exs::relink {
+
+/// Whether `index` has an entry of `root` with the file name `name`.
+bool has_entry(const SampleIndex& index, const std::string& root, std::string_view name);
 
 /// The samples that a walk found, in directory order. Takes about a tenth of the memory that they
 /// take in the index.
@@ -17,6 +21,7 @@ class FoundSamples {
 public:
     /// Adds the samples `names` of `folder`, a path that ends in a slash.
     void add(const std::string& folder, const NameList& names);
+    bool is_empty() const { return count_ == 0; }
 
     /// Moves the samples into `index` as samples of `root`, unless the index has some of them
     /// already from an earlier walk of `root`. This object is empty afterwards.

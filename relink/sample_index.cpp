@@ -10,10 +10,16 @@ namespace lumo::exs {
 
 void SampleIndex::add_root(const std::string& root) {
     relink::FoundSamples samples;
+    // Unless files were added, the first sample of a root that is indexed ends the second walk.
+    bool is_indexed = false;
     relink::walk_samples(root, [&](const std::string& folder, const relink::NameList& names) {
+        is_indexed = samples.is_empty() && relink::has_entry(*this, root, names.at(0));
         samples.add(folder, names);
+        return !is_indexed;
     });
-    samples.move_into(*this, root);
+    if (!is_indexed) {
+        samples.move_into(*this, root);
+    }
 }
 
 std::optional<std::string> SampleIndex::find(std::string_view recorded) const {

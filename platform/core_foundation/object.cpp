@@ -182,6 +182,7 @@ const Object* checked(CFTypeRef reference) noexcept {
 } // namespace
 
 const CFAllocatorRef kCFAllocatorDefault = nullptr;
+const CFAllocatorRef kCFAllocatorNull = reinterpret_cast<CFAllocatorRef>(&kCFAllocatorNull);
 
 CFTypeRef CFRetain(CFTypeRef object) {
     retain(checked(object));

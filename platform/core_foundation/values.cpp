@@ -28,9 +28,9 @@ bool boolean_value(const Object& boolean) noexcept {
 }
 
 Owned make_data(std::size_t size, std::uint8_t** bytes) {
-    auto* data = new (::operator new(sizeof(Data) + size)) Data{size};
-    *bytes = reinterpret_cast<std::uint8_t*>(data + 1);
-    return Owned{data};
+    auto* const storage = static_cast<std::uint8_t*>(::operator new(sizeof(Data) + size));
+    *bytes = storage + sizeof(Data);
+    return Owned{new (storage) Data{*bytes, size}};
 }
 
 Owned make_data(std::span<const std::uint8_t> bytes) {
@@ -40,6 +40,10 @@ Owned make_data(std::span<const std::uint8_t> bytes) {
         std::memcpy(copy, bytes.data(), bytes.size());
     }
     return data;
+}
+
+Owned borrow_data(std::span<const std::uint8_t> bytes) {
+    return Owned{new Data{bytes.data(), bytes.size()}};
 }
 
 bool equal_data(const Data& a, const Data& b) noexcept {
@@ -87,6 +91,15 @@ Boolean CFBooleanGetValue(CFBooleanRef boolean) {
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length) {
     return reinterpret_cast<CFDataRef>(
         make_data({bytes, static_cast<std::size_t>(length)}).release());
+}
+
+CFDataRef CFDataCreateWithBytesNoCopy(CFAllocatorRef, const UInt8* bytes, CFIndex length,
+                                      CFAllocatorRef deallocator) {
+    if (deallocator != kCFAllocatorNull) {
+        return nullptr;
+    }
+    return reinterpret_cast<CFDataRef>(
+        borrow_data({bytes, static_cast<std::size_t>(length)}).release());
 }
 
 const UInt8* CFDataGetBytePtr(CFDataRef data) {

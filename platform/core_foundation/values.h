@@ -10,16 +10,16 @@
 
 namespace lumo::platform {
 
-/// Bytes, stored after the header in the same allocation.
+/// Bytes, stored after the header in the same allocation, or borrowed.
 struct Data : Object {
-    explicit Data(std::size_t size) : Object{Kind::data}, hash_cache{0}, length{size} {}
+    Data(const std::uint8_t* bytes, std::size_t size)
+        : Object{Kind::data}, hash_cache{0}, length{size}, first{bytes} {}
 
-    std::span<const std::uint8_t> bytes() const noexcept {
-        return {reinterpret_cast<const std::uint8_t*>(this + 1), length};
-    }
+    std::span<const std::uint8_t> bytes() const noexcept { return {first, length}; }
 
     mutable std::atomic<std::uint32_t> hash_cache; ///< 0 until the hash is computed.
     std::size_t length;
+    const std::uint8_t* first;
 };
 
 /// A date, in seconds since 2001-01-01 00:00:00 UTC.
@@ -44,6 +44,8 @@ bool boolean_value(const Object& boolean) noexcept;
 
 /// Data with a copy of the bytes.
 Owned make_data(std::span<const std::uint8_t> bytes);
+/// Data that refers to the caller's bytes, which must outlive it.
+Owned borrow_data(std::span<const std::uint8_t> bytes);
 /// Data of `size` bytes, to be filled by the caller through `*bytes` before it is shared.
 Owned make_data(std::size_t size, std::uint8_t** bytes);
 /// Whether the bytes are the same.

@@ -18,9 +18,9 @@ SIZE, MEMORY = 100_000_000, 400 << 20
 NO_LIST = "the preset isn't a property list"
 
 
-def limit():
+def limit(memory):
     """Limits memory; runs in the child process."""
-    resource.setrlimit(resource.RLIMIT_AS, (MEMORY, MEMORY))
+    resource.setrlimit(resource.RLIMIT_AS, (memory, memory))
 
 
 def number(value, width):
@@ -48,8 +48,9 @@ class LargePresets(FolderTest):
         super().setUp()
         self.preset = self.folder / "large.aupreset"
 
-    def report(self):
-        result = run(import_command(TOOL, self.show, [self.preset]), preexec_fn=limit)
+    def report(self, memory=MEMORY):
+        result = run(import_command(TOOL, self.show, [self.preset]),
+                     preexec_fn=lambda: limit(memory))
         self.assertEqual(result.returncode, 0, result.stderr)
         self.assertEqual(line_faults(result.stdout, self.show, [self.preset]), [])
         return json.loads(result.stdout)
@@ -106,6 +107,10 @@ class LargePresets(FolderTest):
             with self.subTest(start):
                 self.write_large(start, garbage)
                 self.assertEqual(self.report()["error"], NO_LIST)
+
+    def test_the_bytes_of_a_preset_are_held_once(self):
+        self.write_large(b"<", b"<")
+        self.assertEqual(self.report(SIZE * 3 // 2)["error"], NO_LIST)
 
     def test_deep_nesting_is_refused(self):
         self.assertEqual(self.error(b"<plist>" + b"<array>" * 100000 + b"</array>" * 100000

@@ -234,6 +234,13 @@ TEST(Objects, MayBeRetainedAndReadFromManyThreads) {
     EXPECT_EQ(sums, std::vector<int>(4, 2000 * 29));
 }
 
+TEST(Data, CreatedWithoutACopyRefersToTheCallersBytes) {
+    const UInt8 bytes[] = {1, 2, 3};
+    const auto data = adopt(CFDataCreateWithBytesNoCopy(nullptr, bytes, 3, kCFAllocatorNull));
+    EXPECT_EQ(CFDataGetBytePtr(data.get()), bytes);
+    EXPECT_TRUE(CFEqual(data.get(), adopt(CFDataCreate(nullptr, bytes, 3)).get()));
+}
+
 TEST(ObjectsDeathTest, ThatAreNullCannotBeRetainedOrReleased) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(CFRelease(nullptr), "");

@@ -1,29 +1,13 @@
-// One test for each file function in the interpose section: it reaches an indexed file for a sample
-// that is not at its recorded path. Without a tuple, the test with its name fails.
-#include "support/temp_folder.h"
-#include <lumo/relink.h>
+// The file functions in the interpose section, and what single ones must do besides.
+#include "shims.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <limits.h>
-#include <stdio.h>
-#include <stdlib.h>
 #include <sys/attr.h>
 #include <sys/clonefile.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
-#include <array>
-#include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <functional>
-#include <ostream>
-#include <string>
-#include <thread>
-#include <vector>
+#include <utility>
 
 // Declared as in relink/interpose_macos.cpp.
 extern "C" {
@@ -46,53 +30,9 @@ int setxattr(const char*, const char*, const void*, size_t, uint32_t, int);
 
 namespace lumo::exs {
 namespace {
-namespace fs = std::filesystem;
 
-constexpr const char* bytes = "the sound of a kick";
-constexpr off_t size = 19;
-constexpr int untouched = 77; ///< an error number that no call here sets
 const unsigned long guard = 0x6c756d6f;
 constexpr unsigned guarded_dup = 2;
-
-/// Whether the sample can be read from the descriptor. Closes it and leaves errno unchanged.
-bool reads(int file) {
-    const int error = errno;
-    std::array<char, 64> read{};
-    const bool is_right = file >= 0 && ::read(file, read.data(), read.size()) == size &&
-                          std::string(read.data()) == bytes;
-    if (file >= 0) {
-        close(file);
-    }
-    errno = error;
-    return is_right;
-}
-
-bool reads(FILE* stream) {
-    const int error = errno;
-    std::array<char, 64> read{};
-    const bool is_right =
-        stream && fgets(read.data(), read.size(), stream) && std::string(read.data()) == bytes;
-    if (stream) {
-        fclose(stream);
-    }
-    errno = error;
-    return is_right;
-}
-
-/// Whether `call(&status)` returns the status of the sample.
-bool gives_status(const std::function<int(struct stat*)>& call) {
-    struct stat status {};
-    return call(&status) == 0 && S_ISREG(status.st_mode) && status.st_size == size;
-}
-
-/// Whether `resolved` is the path of the sample in the library. Frees it; errno is unchanged.
-bool leads_to_the_sample(char* resolved) {
-    const int error = errno;
-    const bool is_right = resolved && std::string(resolved).ends_with("/library/kick.wav");
-    free(resolved);
-    errno = error;
-    return is_right;
-}
 
 /// Calls accessx_np with three descriptors: the second shares the text of the first, the third is
 /// the path of the root folder, which always exists.
@@ -121,27 +61,17 @@ bool clones(const char* path) {
     const std::string copy = fs::path(path).parent_path().parent_path() / "copy.wav";
     const bool is_cloned = clonefile(path, copy.c_str(), 0) == 0;
     const int error = errno;
-    const bool is_right = is_cloned && fs::file_size(copy) == size;
+    const bool is_right = is_cloned && fs::file_size(copy) == sample_size;
     fs::remove(copy);
     errno = error;
     return is_right;
 }
 
-using Path = const char*;
-
-struct Shim {
-    const char* name;
-    /// Calls the function with a path; returns whether it reached the sample.
-    std::function<bool(Path)> has_sample;
-};
-
-void PrintTo(const Shim& shim, std::ostream* out) {
-    *out << shim.name;
-}
-
 attrlist no_attributes() {
     return {ATTR_BIT_MAP_COUNT, 0, 0, 0, 0, 0, 0};
 }
+
+} // namespace
 
 const std::vector<Shim>& shims() {
     static const std::vector<Shim> all{
@@ -206,93 +136,12 @@ const std::vector<Shim>& shims() {
     return all;
 }
 
-class TheShimOf : public testing::TestWithParam<Shim> {
-protected:
-    void SetUp() override {
-        const fs::path sample = folder / "library/kick.wav";
-        test::write_file(sample, bytes);
-        ASSERT_EQ(setxattr(sample.c_str(), "lumo", "v", 1, 0, 0), 0)
-            << "extended attributes are needed where temporary files are";
-        index.add_root((folder / "library").string());
-    }
-
-    test::TempFolder folder;
-    SampleIndex index;
-};
-
-TEST_P(TheShimOf, ReachesTheIndexedFile) {
-    const std::string gone = (folder / "gone/kick.wav").string();
-    relink::begin(index);
-    errno = untouched;
-    const bool has_sample = GetParam().has_sample(gone.c_str());
-    const int error = errno;
-    const relink::Result result = relink::end();
-    EXPECT_TRUE(has_sample);
-    EXPECT_EQ(error, untouched);
-    ASSERT_EQ(result.relinked.size(), 1u);
-    EXPECT_EQ(result.relinked[0].first, gone);
-    EXPECT_EQ(result.relinked[0].second, (folder / "library/kick.wav").string());
+void complete_sample(const fs::path& sample) {
+    ASSERT_EQ(setxattr(sample.c_str(), "lumo", "v", 1, 0, 0), 0)
+        << "extended attributes are needed where temporary files are";
 }
 
-TEST_P(TheShimOf, RecordsASampleThatIsNowhere) {
-    const std::string gone = (folder / "gone/tom.wav").string();
-    relink::begin(index);
-    const bool has_sample = GetParam().has_sample(gone.c_str());
-    const int error = errno;
-    const relink::Result result = relink::end();
-    EXPECT_FALSE(has_sample);
-    EXPECT_EQ(error, ENOENT);
-    EXPECT_EQ(result.unresolved, std::vector<std::string>{gone});
-}
-
-TEST_P(TheShimOf, LeavesASampleThatIsThere) {
-    relink::begin(index);
-    const bool has_sample = GetParam().has_sample((folder / "library/kick.wav").c_str());
-    const relink::Result result = relink::end();
-    EXPECT_TRUE(has_sample);
-    EXPECT_TRUE(result.relinked.empty() && result.unresolved.empty());
-}
-
-TEST_P(TheShimOf, DoesNothingWithoutASession) {
-    EXPECT_TRUE(GetParam().has_sample((folder / "library/kick.wav").c_str()));
-    EXPECT_FALSE(GetParam().has_sample((folder / "gone/kick.wav").c_str()));
-    EXPECT_EQ(errno, ENOENT);
-}
-
-TEST_P(TheShimOf, PassesOverWhatIsNoSample) {
-    relink::begin(index);
-    EXPECT_FALSE(GetParam().has_sample((folder / "gone/kick.txt").c_str()));
-    const relink::Result result = relink::end();
-    EXPECT_TRUE(result.relinked.empty() && result.unresolved.empty());
-}
-
-TEST_P(TheShimOf, IsUsedByManyThreads) {
-    if (std::string(GetParam().name) == "clonefile") {
-        return; // all threads would make the same file; its shim calls redirect, as all shims do
-    }
-    relink::begin(index);
-    std::vector<std::thread> threads;
-    std::array<int, 8> found{};
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        threads.emplace_back([&, i] {
-            for (int n = 0; n < 20; ++n) {
-                const std::string name = "gone" + std::to_string(n) + "/kick.wav";
-                found[i] += GetParam().has_sample((folder / name).c_str());
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    const relink::Result result = relink::end();
-    for (const int count : found) {
-        EXPECT_EQ(count, 20);
-    }
-    EXPECT_EQ(result.relinked.size(), 20u);
-}
-
-INSTANTIATE_TEST_SUITE_P(Function, TheShimOf, testing::ValuesIn(shims()),
-                         [](const auto& test) { return test.param.name; });
+namespace {
 
 /// A function that returns a file's status, and the file type that it reports for a link to a file.
 struct StatusShim {
@@ -309,7 +158,7 @@ class TheStatusShimOf : public testing::TestWithParam<StatusShim> {};
 
 TEST_P(TheStatusShimOf, SeesALinkAsItsFunctionDoes) {
     const test::TempFolder folder;
-    test::write_file(folder / "kick.wav", bytes);
+    test::write_file(folder / "kick.wav", sample_bytes);
     fs::create_directory(folder / "links");
     fs::create_symlink(folder / "kick.wav", folder / "links/snare.wav");
     SampleIndex index;
@@ -332,8 +181,6 @@ INSTANTIATE_TEST_SUITE_P(
         StatusShim{"fstatat_of_the_link", S_IFLNK,
                    [](Path p, auto* s) { return fstatat(AT_FDCWD, p, s, AT_SYMLINK_NOFOLLOW); }}),
     [](const auto& test) { return test.param.name; });
-
-class TheShimsOf : public TheShimOf {};
 
 TEST_F(TheShimsOf, OpenPassTheModeOn) {
     umask(0);
@@ -364,45 +211,6 @@ TEST_F(TheShimsOf, OpenPassTheModeOn) {
               }),
               0651);
     relink::end();
-}
-
-TEST_F(TheShimsOf, ReadlinkGivesTheTextOfAnIndexedLink) {
-    const test::TempFolder links;
-    fs::create_symlink(folder / "library/kick.wav", links / "snare.wav");
-    index.add_root(links.path().string());
-    std::array<char, PATH_MAX> text{};
-    relink::begin(index);
-    const ssize_t length =
-        readlink((folder / "gone/snare.wav").c_str(), text.data(), text.size() - 1);
-    const relink::Result result = relink::end();
-    EXPECT_GT(length, 0);
-    EXPECT_EQ(std::string(text.data()), (folder / "library/kick.wav").string());
-    EXPECT_EQ(result.relinked.size(), 1u);
-}
-
-// The library resolves the link itself; its calls arrive at its own shims.
-TEST_F(TheShimsOf, AllLeaveALinkThatIsThere) {
-    const std::string link = (folder / "links/snare.wav").string();
-    fs::create_directory(folder / "links");
-    fs::create_symlink(folder / "library/kick.wav", link);
-    relink::begin(index);
-    for (const Shim& shim : shims()) {
-        EXPECT_NO_THROW(shim.has_sample(link.c_str())) << shim.name;
-    }
-    const relink::Result result = relink::end();
-    EXPECT_TRUE(result.relinked.empty() && result.unresolved.empty());
-}
-
-TEST_F(TheShimsOf, OpendirRecordsTheSampleAndOpensNoFileAsAFolder) {
-    const std::string gone = (folder / "gone/kick.wav").string();
-    relink::begin(index);
-    DIR* const opened = opendir(gone.c_str());
-    const int error = errno;
-    const relink::Result result = relink::end();
-    EXPECT_EQ(opened, nullptr);
-    EXPECT_EQ(error, ENOTDIR);
-    ASSERT_EQ(result.relinked.size(), 1u);
-    EXPECT_EQ(result.relinked[0].first, gone);
 }
 
 TEST_F(TheShimsOf, AtFunctionsTakePathsOfTheCurrentFolderAndOfAnother) {

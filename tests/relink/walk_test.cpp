@@ -31,6 +31,7 @@ Paths walk_with_root(const std::string& root) {
             paths.push_back(folder + std::string(name));
         });
         EXPECT_EQ(paths.size() - before, names.count());
+        return true;
     });
     std::sort(paths.begin(), paths.end());
     return paths;
@@ -265,8 +266,23 @@ TEST(Walk, GoesOnWhenFoldersVanishUnderIt) {
         for (const auto& entry : fs::directory_iterator(folder.path())) {
             fs::remove_all(entry);
         }
+        return true;
     });
     EXPECT_EQ(found, 1);
+}
+
+TEST(Walk, EndsWhenTheCallerHasSeenEnough) {
+    const TempFolder folder;
+    const TempFolder elsewhere;
+    write_file(elsewhere / "z.wav", "");
+    for (int i = 0; i < 20; ++i) {
+        write_file(folder / (std::to_string(i) + "/a.wav"), "");
+        fs::create_symlink(elsewhere.path(), folder / ("link" + std::to_string(i)));
+    }
+    int found = 0;
+    walk_samples(folder.path().string(),
+                 [&](const std::string&, const NameList&) { return ++found < 3; });
+    EXPECT_EQ(found, 3);
 }
 
 /// Makes a part of Apple's sound library below `folder`; returns its path.

@@ -155,8 +155,10 @@ typedef struct {
 
 typedef CFDictionaryValueCallBacks CFArrayCallBacks;
 
-/// Null; there is only one allocator.
+/// Null; there is only one allocator that allocates.
 extern const CFAllocatorRef kCFAllocatorDefault;
+/// As a deallocator: the bytes belong to the caller.
+extern const CFAllocatorRef kCFAllocatorNull;
 extern const CFBooleanRef kCFBooleanTrue;
 extern const CFBooleanRef kCFBooleanFalse;
 extern const CFNullRef kCFNull;
@@ -234,7 +236,12 @@ CFComparisonResult CFStringCompare(CFStringRef a, CFStringRef b, CFStringCompare
 
 /// Data with a copy of the bytes.
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
-/// The bytes, valid as long as the data; not null, even when there are none.
+/// Data that refers to the caller's bytes, which must outlive it. `deallocator` must be
+/// kCFAllocatorNull; for any other the result is null.
+CFDataRef CFDataCreateWithBytesNoCopy(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,
+                                      CFAllocatorRef deallocator);
+/// The bytes, valid as long as the data; not null, even when there are none, unless they are the
+/// caller's.
 const UInt8* CFDataGetBytePtr(CFDataRef data);
 /// The number of bytes.
 CFIndex CFDataGetLength(CFDataRef data);

@@ -1,7 +1,7 @@
-// The tool as it is run: a whole import against `cp -a --reflink=auto` of the same samples, a
-// library of small instruments against the same of its tree, its start against that of /bin/true,
-// and the most memory that it takes, which must not follow the samples' size. CPU time of whole
-// processes, in turns.
+// The tool as a user runs it: a whole import compared with `cp -a --reflink=auto` of the same
+// samples, the import of a library of small instruments compared with copying its tree, the tool's
+// start compared with that of /bin/true, and its peak memory, which must not depend on the samples'
+// size. CPU time of whole processes, run alternately.
 #include "support/preset_text.h"
 #include "support/sound_file.h"
 #include "support/temp_folder.h"
@@ -36,7 +36,8 @@ constexpr VolumeRow rows[] = {
 constexpr std::size_t wav_head = 44;
 constexpr std::size_t frame_bytes = 2;
 
-/// Makes samples of about `size` bytes and a preset beside them that plays each; its path.
+/// Makes samples of about `size` bytes and a preset beside them that plays each; returns the
+/// preset's path.
 fs::path make_instrument(const fs::path& folder, int samples, std::size_t size) {
     const auto frames = static_cast<int>((size - wav_head) / frame_bytes);
     std::vector<std::string> paths;
@@ -48,8 +49,8 @@ fs::path make_instrument(const fs::path& folder, int samples, std::size_t size) 
     return preset;
 }
 
-/// To be called in a process of its own, which becomes the program that the arguments begin with;
-/// what it prints goes to `report`.
+/// Replaces this process, a child, with the program `arguments[0]`; its standard output goes to
+/// `report`. Returns false when the program cannot be started.
 bool run_program(const std::vector<std::string>& arguments, const fs::path& report) {
     std::vector<char*> words;
     words.reserve(arguments.size() + 1);
@@ -87,7 +88,7 @@ Comparison compare_import(const VolumeRow& row, const Amount& amount, const fs::
 
 constexpr int samples_of_each = 8;
 
-/// Makes instruments in folders of their own, with samples of 4 KB that moved there; their paths.
+/// Makes instruments, each in its own folder with moved samples of 4 KB; returns their paths.
 std::vector<std::string> make_library(const fs::path& folder, int instruments) {
     const std::string sample = lumo::test::wav_bytes((4096 - wav_head) / frame_bytes);
     std::vector<std::string> presets;
@@ -115,7 +116,7 @@ std::vector<std::string> command_for_library(const fs::path& to,
     return words;
 }
 
-/// Adds a round on a volume of its own, which nothing was deleted from: that makes ext4 slow.
+/// Adds a round on a new volume, because deleted files make ext4 slow.
 void add_library_round(Comparison& rounds, const fs::path& folder, int instruments) {
     const std::vector<std::string> presets = make_library(folder / "Library", instruments);
     const auto ours = [&] {
@@ -160,7 +161,7 @@ void print_library(int instruments, int rounds) {
     result.print(work, "1.5");
 }
 
-/// The system calls of an import of a library; nothing without strace.
+/// The number of system calls of an import of a library; nothing without strace.
 std::optional<double> system_calls(const fs::path& folder, int instruments) {
     const std::vector<std::string> presets =
         make_library(folder / std::to_string(instruments), instruments);
@@ -179,7 +180,8 @@ std::optional<double> system_calls(const fs::path& folder, int instruments) {
     return static_cast<double>(std::count(lines.begin(), lines.end(), '\n'));
 }
 
-/// Of a sample more, with its share of an instrument more: the start does not count.
+/// Prints the system calls for one more sample and its share of an instrument, without those of the
+/// start.
 void print_system_calls() {
     constexpr int few = 10;
     constexpr int many = 40;
@@ -216,7 +218,7 @@ void print_peak(int samples, std::size_t megabytes) {
     std::fflush(stdout);
 }
 
-/// The start is all that there is to do for a file that is no instrument.
+/// For a file that is not an instrument the tool only starts and prints a line.
 void print_start(int rounds) {
     const lumo::test::TempFolder folder;
     std::vector<double> ours;

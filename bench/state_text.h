@@ -1,5 +1,5 @@
-// A large sampler state as a Mac writes it: two layers of zones of 20 keys each, and a sample for
-// every zone of a layer.
+// A large sampler state as a Mac writes it: two layers of zones with 20 entries each, and a sample
+// for every zone of a layer.
 #pragma once
 
 #include <cstddef>

@@ -45,8 +45,8 @@ if(LUMO_SANITIZE)
   target_link_options(lumo_build_flags INTERFACE -fsanitize=${LUMO_SANITIZE})
 endif()
 
-# Most of the compiled code is tests, in three builds, so it is not optimised; the code under test
-# is.
+# Most of the compiled code is tests, in three builds, so tests are not optimised; the code under
+# test is.
 add_library(lumo_test_flags INTERFACE)
 target_compile_options(lumo_test_flags INTERFACE $<$<CONFIG:RelWithDebInfo>:-O0 -g1>)
 
@@ -60,9 +60,9 @@ function(lumo_add_test name)
   gtest_discover_tests(${name} DISCOVERY_TIMEOUT 600 PROPERTIES TIMEOUT 1800 LABELS "${arg_LABELS}")
 endfunction()
 
-# lumo_add_python_test(NAME SCRIPT [LABELS ...] [ENVIRONMENT ...]): a unittest program, registered as
-# one test, which finds the modules in tests/support. CTest reports it as skipped when no test failed
-# but some were skipped.
+# lumo_add_python_test(NAME SCRIPT [LABELS ...] [ENVIRONMENT ...]): a unittest program, registered
+# as one test, which finds the modules in tests/support. CTest reports it as skipped when no test
+# failed but some were skipped.
 function(lumo_add_python_test name script)
   cmake_parse_arguments(arg "" "" "LABELS;ENVIRONMENT" ${ARGN})
   find_package(Python3 REQUIRED COMPONENTS Interpreter)
@@ -74,8 +74,8 @@ function(lumo_add_python_test name script)
 endfunction()
 
 # lumo_add_fuzzer(NAME SOURCES... [LIBS ...]): a fuzz target. Without LUMO_FUZZ it is linked with a
-# main that replays files, so that it is compiled in every build, and the inputs kept in
-# fuzz/corpus/NAME become a test. The programs are in bin/fuzz; the target fuzzers builds them all.
+# main that replays files, so that it is compiled in every build, and the inputs in fuzz/corpus/NAME
+# become a test. The programs are in bin/fuzz; the target fuzzers builds them all.
 add_custom_target(fuzzers)
 function(lumo_add_fuzzer name)
   cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})

@@ -1,10 +1,10 @@
-# The contents of an installation: the programs and the tool's library in a folder of their own, links
-# to the programs in bin/, their manual pages, completions and documents, and what a program needs that uses the
-# library itself:
+# The contents of an installation: the programs and the tool's library in one folder, links to the
+# programs in bin/, manual pages, completions and documents, and the files for programs that use the
+# library:
 #   find_package(lumo-relink REQUIRED)
-#   target_link_libraries(program PRIVATE lumo::relink)
-# The folders are those of GNUInstallDirs; the library folder may be lib, lib64 or one of Debian's
-# multiarch folders. With paths relative to the prefix, the default, an installed tree can be moved.
+#   target_link_libraries(program PRIVATE lumo::relink) The folders are those of GNUInstallDirs; the
+#   library folder may be lib, lib64 or one of Debian's multiarch folders. With paths relative to
+#   the prefix, the default, an installed tree is relocatable.
 include_guard()
 include(CMakePackageConfigHelpers)
 

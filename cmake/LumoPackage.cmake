@@ -28,7 +28,7 @@ else()
 a show, writes the sampler's state with references into the show, and
 checks that it loads from there. No sound is made. lumo-import-library does so
 for whole folders of instruments and sums up what failed and why.")
-  # Finds the packages that provide the libraries the two files need.
+  # Adds dependencies on the packages that provide the libraries of the files.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 endif()

@@ -42,8 +42,8 @@ def strike(brightness):
 
 
 def breath():
-    """0.5 s at 220 Hz (key 57) that loops without a click: all partials have whole periods, the
-    fundamental 110."""
+    """0.5 s at 220 Hz (key 57) that loops without a click: all partials have a whole number of
+    periods, the fundamental 110."""
     for n in range(int(0.5 * RATE)):
         t = n / RATE
         swell = 0.8 + 0.2 * math.sin(2 * math.pi * 2 * t)

@@ -78,7 +78,8 @@ may_be_skipped() {
     return 1
 }
 
-# Prints what was skipped. With CI set, adds to `failed` what the list does not allow.
+# Prints the skipped steps and tests. With CI set, adds those that the list does not allow to
+# `failed`.
 report_skips() {
     local name
     [ ${#skipped[@]} -gt 0 ] || return 0
@@ -93,8 +94,8 @@ report_skips() {
     done < <(printf '%s\n' "${skipped[@]}" | sort -u)
 }
 
-# run_steps STEP...: runs all of them even when one fails. At the end prints a table of times and
-# what was skipped; returns 1 when a step failed.
+# run_steps STEP...: runs all steps even when one fails. At the end prints a table of times and the
+# skipped steps and tests; returns 1 when a step failed.
 run_steps() {
     local step table=() failed=() skipped=() took=()
     for step in "$@"; do

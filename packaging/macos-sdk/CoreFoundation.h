@@ -1,6 +1,6 @@
 // <CoreFoundation/CoreFoundation.h> of the cross build: the system's basic types, so that the
 // compiler rejects conflicting ones of the project, then the project's declarations (their only
-// source), then what only the code for a Mac calls.
+// source), then the functions that only the code for a Mac calls.
 #pragma once
 
 #include <CoreFoundation/Subset.h>

@@ -1,4 +1,4 @@
-// Which bytes are valid UTF-8, and which characters they encode.
+// Validation and decoding of UTF-8.
 #include "base/utf8.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""check_state.py STATE PRESET PACKAGE: checks that STATE is a binary property list whose references
-name files below samples/ in PACKAGE, and that its instrument equals that of PRESET."""
+"""check_state.py STATE PRESET PACKAGE: checks that STATE is a binary property list that refers to
+files in samples/ in PACKAGE, and that its instrument equals that of PRESET."""
 
 import pathlib
 import plistlib

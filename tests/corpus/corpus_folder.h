@@ -1,4 +1,4 @@
-// Where the real instruments are, for all tests over them.
+// The folder of the real instruments, for all tests of them.
 #pragma once
 
 #include <filesystem>

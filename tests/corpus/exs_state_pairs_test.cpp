@@ -1,5 +1,5 @@
-// Real instruments, imported by the tool, against the states that the real sampler saved after
-// loading them.
+// Compares the states of real instruments that the tool imported with those that the real sampler
+// saved after loading them.
 #include "base/ref.h"
 #include "corpus/corpus_folder.h"
 #include "support/import_run.h"

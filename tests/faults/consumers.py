@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""A consumer that closes its end, or whose disk is full, damages nothing."""
+"""A consumer that closes its end, or an output on a full disk, damages no file."""
 
 import os
 import signal

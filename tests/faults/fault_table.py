@@ -45,8 +45,8 @@ def faults_of(stage, call, error):
 
 
 def ended_at_state_name(result):
-    """Whether the run ended at the only call where it may: the check whether a state's name is free
-    failed."""
+    """Whether the run ended because the check for an unused state name failed, the only call that
+    may end it."""
     return (b"filesystem error: " in result.stderr and
             re.search(rb'\.aupreset"?\]', result.stderr) is not None)  # libc++ quotes paths
 

@@ -1,12 +1,11 @@
 #!/usr/bin/env python3
-"""Whole imports of damaged instruments through the built tool.
+"""Imports damaged instruments with the built tool.
 
 usage: PYTHONPATH=tests/support LUMO_TOOL=... tests/faults/hostile_imports.py [COUNT [SEED]]
 
-Presets and EXS instruments are damaged at random and imported, many in one run; each must give its
-report line. The tool's memory and processor time are limited, except for the memory of a build with
-sanitizers. Instruments that break the tool are kept in the folder named by LUMO_FINDINGS.
-"""
+Presets and EXS instruments are damaged at random and imported, many in one run; each must produce
+its report line. The tool's memory and processor time are limited, except for the memory of a build
+with sanitizers. Instruments for which this fails are copied to the folder in LUMO_FINDINGS. """
 
 import os
 import plistlib

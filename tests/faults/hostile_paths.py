@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Samples and instruments that are not files, or not what their names suggest: each gives a report
-line within seconds, and only audio files are copied."""
+"""Samples and instruments that are not files, or not of the type that their names suggest: each
+produces a report line within seconds, and only audio files are copied."""
 
 import json
 import os

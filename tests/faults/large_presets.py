@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Presets of 100 MB and deeply nested presets: each gives its report line within limited memory,
+"""Presets of 100 MB and deeply nested presets: each produces its report line within limited memory,
 and the valid ones are imported."""
 
 import json
@@ -36,7 +36,7 @@ def nested_in_binary(depth):
 
 
 def much_of_one_zone(layers, zones):
-    """A binary preset whose layers are all one object, and all zones in them as well."""
+    """A binary preset that refers to one layer object many times, and that to one zone object."""
     zone = {"enabled": True}
     layer = {"Zones": [zone] * zones}
     return plistlib.dumps({"version": 0, "subtype": 0x73616D70, "manufacturer": 0x6170706C,
@@ -82,7 +82,7 @@ class LargePresets(FolderTest):
         self.write_large(start, b"<string>" + b"x" * 300 + b"</string>", end)
         report = self.report()
         self.assertTrue(report["ok"], report)
-        # The state stores the string once: it is small, but its array is as long.
+        # The state stores the string once, so it is small, but its array has as many items.
         Path(report["stateFile"]).rename(self.preset)
         self.assertLess(self.preset.stat().st_size, SIZE // 100)
         self.assertTrue(self.report()["ok"])

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""The documents against each other and the code: docs/report-line.md, its schema and the sources
-name the same keys and errors; docs/relinking.md lists the functions that are interposed; files that
-are named exist; every page is in the index."""
+"""Compares the documents with each other and the code: docs/report-line.md, its schema and the
+sources have the same keys and errors; docs/relinking.md lists the interposed functions; links lead
+to existing files; every page is in the index."""
 
 import json
 import re
@@ -82,7 +82,7 @@ def listed_functions(heading):
 
 
 def functions_on_linux():
-    """What relink/exports_elf.map exports with C linkage."""
+    """The names that relink/exports_elf.map exports with C linkage."""
     exports = (PROJECT / "relink/exports_elf.map").read_text(encoding="utf-8")
     c_names = re.sub(r'/\*.*?\*/|extern "C\+\+" \{.*?\};', "", exports, flags=re.DOTALL)
     return sorted(re.findall(r"\b(\w+);", c_names))

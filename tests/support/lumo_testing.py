@@ -1,5 +1,5 @@
 """Shared by the Python tests and benchmarks: instruments and samples, runs of the built programs,
-and the checks of what a run leaves behind."""
+and checks of their results."""
 
 import json
 import os

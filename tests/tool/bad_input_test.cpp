@@ -1,5 +1,5 @@
-// Input that is not an instrument, samples that are not samples, folders that cannot be written:
-// each gives a report line.
+// Input that is not an instrument, samples that are not audio files, folders that cannot be
+// written: each produces a report line.
 #include "tool_fixture.h"
 
 #include <sys/stat.h>

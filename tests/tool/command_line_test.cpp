@@ -1,4 +1,4 @@
-// How arguments are parsed, and which are refused.
+// Parsed and refused command lines.
 #include "command_line.h"
 
 #include <gtest/gtest.h>

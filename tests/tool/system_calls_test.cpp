@@ -1,4 +1,4 @@
-// How many system calls a library of small instruments takes: what it costs beside its data.
+// The number of system calls for importing a library of small instruments.
 #include "tool_fixture.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ class SystemCalls : public ToolTest {
 protected:
     static constexpr int samples_of_each = 8;
 
-    /// Presets in folders of their own, with samples that moved there.
+    /// Makes presets, each in its own folder with the moved samples; returns their paths.
     std::vector<std::string> make_library(int instruments) const {
         std::vector<std::string> presets;
         for (int i = 0; i < instruments; ++i) {

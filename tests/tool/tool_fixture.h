@@ -15,7 +15,7 @@
 
 namespace lumo::test {
 
-/// A test that runs the tool in a folder of its own.
+/// A test that runs the tool in a temporary folder.
 class ToolTest : public testing::Test {
 protected:
     using Path = std::filesystem::path;

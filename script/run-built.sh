@@ -46,6 +46,8 @@ build_if_needed() (
         exit 0
     fi
     say "building $name, which takes a minute or two (log: $log)"
-    trap '[ $? -eq 0 ] || { tail -n 20 "$log" >&2; say "could not be built; the whole log: $log"; }' EXIT
+    # The shell may run the trap with the output of `build` still in the log.
+    exec 8>&2
+    trap '[ $? -eq 0 ] || { tail -n 20 "$log" >&2; say "could not be built; the whole log: $log"; } 2>&8' EXIT
     build >"$log" 2>&1
 )

@@ -76,7 +76,7 @@ TEST(CommandLine, RefusesWhatMakesNoRun) {
               "lumo-import-library: --from imports nothing: --dry-run does not go with it");
     EXPECT_NE(refused(with_show({"x", "--lines"})), "");
     for (const char* shard :
-         {"0/2", "3/2", "1/0", "1", "/2", "1/", "a/b", "1/2x", "-1/2", "1/2/3"}) {
+         {"0/2", "3/2", "1/0", "1", "/2", "1/", "a/b", "1/2x", "-1/2", "1/2/3", "1/4294967296"}) {
         EXPECT_EQ(refused(with_show({"--shard", shard, "x"})),
                   "lumo-import-library: --shard takes K/N with K from 1 to N, such as 2/8")
             << shard;

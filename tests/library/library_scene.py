@@ -20,7 +20,7 @@ EMULATOR = list(filter(None, [os.environ.get("LUMO_EMULATOR")]))
 # The fake tool, written beside a copy of the program. plan.json has an action for each instrument,
 # by its name without extension; the words of each call are appended to calls.jsonl.
 STAND_IN = '''#!%(python)s
-import json, os, pathlib, signal, subprocess, sys
+import json, os, pathlib, signal, subprocess, sys, time
 signal.signal(signal.SIGINT, signal.SIG_DFL)  # ends in silence, as the tool does
 here = pathlib.Path(__file__).parent
 plan = json.loads((here / "plan.json").read_text())
@@ -46,6 +46,15 @@ for instrument in instruments:
         sys.exit(int(act.split()[1]))
     elif act.startswith("stderr "):
         print(act[7:], file=sys.stderr, flush=True)
+    elif act.startswith("last words "):
+        os.write(2, act[11:].encode())
+        sys.exit(1)
+    elif act == "silent, then Ctrl-C":  # of which the program hears after the end of the output
+        os.close(1)
+        os.close(2)
+        time.sleep(0.3)
+        os.kill(os.getppid(), signal.SIGINT)
+        os._exit(0)
     elif act == "torn":
         os.write(1, b'{"name":"to')
         sys.exit(0)

@@ -5,11 +5,12 @@ usage: PYTHONPATH=tests/support tests/library/made_library.py FOLDER [INSTRUMENT
 
 Writes 2,000 instruments by default, in 60 folders of FOLDER/Instruments. 200 of their samples moved
 to FOLDER/Moved, others are missing, 3 instruments play samples of Apple's library, and every error
-that an input file can cause occurs.
+that an input file can cause occurs (a missing permission only when it is not root who runs this).
 """
 
 import os
 import plistlib
+import struct
 import sys
 from pathlib import Path
 
@@ -64,12 +65,23 @@ def failures(folder):
     badly_named = Path(os.fsdecode(os.fsencode(folder.parent / "Moved") + b"/\xff"))
     write_wave(badly_named / "badly named.wav", 61)
     one = [layer(0, "", [(60, 60, 1, 127)])]
-    deep = {"Instrument": {"Layers": one}, **CLASS_INFO, "subtype": 0}
-    return [
+    another = {"Instrument": {"Layers": one}, **CLASS_INFO, "subtype": 0}
+    scope = {"Instrument": {"Layers": one}, **CLASS_INFO, "data": struct.pack(">3I", 99, 0, 0)}
+    many = layer(0, "", [(60, 60, 1, 127)])
+    many["Zones"] *= 2100  # one zone, and below one layer, which the file holds once each
+
+    def closed(path):
+        write_exs(path, [good])
+        path.chmod(0)
+
+    made = [
         ("Not a list.aupreset", lambda path: path.write_text("no property list")),
         ("Empty.aupreset", lambda path: path.write_bytes(b"")),
         ("Damaged.exs", lambda path: path.write_bytes(b"\1\1\0\0" * 50)),
-        ("Another unit.aupreset", lambda path: path.write_bytes(plistlib.dumps(deep))),
+        ("Another unit.aupreset", lambda path: path.write_bytes(plistlib.dumps(another))),
+        ("Another scope.aupreset", lambda path: path.write_bytes(plistlib.dumps(scope))),
+        ("Too many groups.exs", lambda path: write_exs(path, [good], 4097, 4097)),
+        ("Too many zones.aupreset", lambda path: preset(path, [good], [many] * 2100)),
         ("Plays a text.aupreset", lambda path: preset(path, [text], one)),
         ("Plays nothing.aupreset", lambda path: preset(path, [folder / "gone"], one)),
         ("Loses its sample.aupreset",
@@ -79,6 +91,7 @@ def failures(folder):
         (f"{'Name too long for a state ' * 10}"[:250] + ".exs",
          lambda path: write_exs(path, [good])),
     ]
+    return made + ([("Closed.exs", closed)] if os.geteuid() != 0 else [])
 
 
 def make(folder, instruments=INSTRUMENTS):
@@ -93,8 +106,8 @@ def make(folder, instruments=INSTRUMENTS):
         recorded = Path("/Volumes/Old Disk/Samples") / name
         samples = [f"{style} {i} {note}.wav" for note in range(SAMPLES)]
         path.parent.mkdir(parents=True, exist_ok=True)
-        if i % 200 == 7 and i // 200 < len(bad):
-            title, write = bad[i // 200]
+        if i % 100 == 7 and i // 100 < len(bad):
+            title, write = bad[i // 100]
             write(path.parent / title)
             failed += 1
         elif i % (instruments // 3 + 1) == 11:

@@ -1,4 +1,5 @@
 // Report lines, and files of them.
+#include "line_splitter.h"
 #include "lines_file.h"
 #include "report.h"
 #include "support/temp_folder.h"
@@ -76,6 +77,20 @@ TEST(Report, OfAnInstrumentAtWhichTheToolEndedIsALineToo) {
     EXPECT_EQ(report->error, "it \"ended\"");
     EXPECT_EQ(report->shape.max_stack, 1);
     EXPECT_EQ(report->shape.lowest_key, 127);
+}
+
+TEST(LineSplitter, CutsPiecesOfAnySizeIntoTheSameLines) {
+    const std::string text = "one\n\nthree is longer\nrest";
+    for (std::size_t size = 1; size <= text.size(); ++size) {
+        LineSplitter splitter;
+        std::vector<std::string> lines;
+        for (std::size_t at = 0; at < text.size(); at += size) {
+            splitter.add(std::string_view(text).substr(at, size),
+                         [&](std::string_view one) { lines.emplace_back(one); });
+        }
+        EXPECT_EQ(lines, (std::vector<std::string>{"one", "", "three is longer"})) << size;
+        EXPECT_EQ(splitter.rest(), "rest") << size;
+    }
 }
 
 class LinesFileTest : public testing::Test {

@@ -4,6 +4,7 @@ exit status."""
 
 import json
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -15,6 +16,12 @@ from lumo_testing import HANG_SECONDS, PROJECT, contents, write_preset
 
 sys.path.insert(0, str(PROJECT / "script"))
 import macho  # noqa: E402
+
+SANITIZED = bool(os.environ.get("LUMO_SANITIZE"))
+# A command in a process that does not see /proc.
+HIDE_PROC = ["unshare", "-m", "sh", "-c", 'umount -l /proc && exec "$@"', "sh"]
+CAN_HIDE_PROC = os.geteuid() == 0 and shutil.which("unshare") is not None and subprocess.run(
+    [*HIDE_PROC, "true"], capture_output=True, check=False).returncode == 0
 
 
 class Finding(LibraryTest):
@@ -28,6 +35,14 @@ class Finding(LibraryTest):
         self.assertEqual(self.calls(), [])
         done = self.run_library("lib")
         self.assertTrue(done.stdout.startswith(b"3 instruments in 2 folders\n\n3 instruments: 3"))
+
+    def test_says_how_many_before_it_starts(self):
+        self.use_stand_in(**{"1": "wait"})
+        self.make("1.exs")
+        with subprocess.Popen(self.words("lib"), cwd=self.folder,
+                              stdout=subprocess.PIPE) as process:
+            self.assertEqual(process.stdout.readline(), b"1 instrument in 1 folder\n")
+            process.terminate()
 
     def test_says_when_there_is_none(self):
         self.library.mkdir()
@@ -70,6 +85,10 @@ lumo-import-library: nowhere: No such file or directory
         done = self.run_library("--dry-run", "lib/closed", user=65534)
         self.expect(done, 1)
         self.assertEqual(done.stderr, b"lumo-import-library: lib/closed: Permission denied\n")
+        (self.library / "a.exs").chmod(0)
+        done = self.run_library("--dry-run", "lib/a.exs", user=65534)
+        self.expect(done, 1)
+        self.assertEqual(done.stderr, b"lumo-import-library: lib/a.exs: Permission denied\n")
 
 
 class Calls(LibraryTest):
@@ -134,6 +153,14 @@ class Calls(LibraryTest):
         *parts, whole = [self.instruments(call) for call in self.calls()]
         self.assertEqual(sum((part[0] for part in parts), []), whole[0])
         self.assertEqual({tuple(part[1]) for part in parts}, {tuple(whole[1])})
+
+    def test_of_more_parts_than_instruments_have_one_or_none(self):
+        self.use_stand_in()
+        self.make("a.exs", "b.exs", "c.exs")
+        last = 2 ** 32 - 1
+        for part in (1, last // 2, last):
+            self.expect(self.run_library("--shard", f"{part}/{last}", "lib"), 0)
+        self.assertEqual([self.instruments(call)[0] for call in self.calls()], [["lib/c.exs"]])
 
     def test_leave_out_what_was_imported_but_count_it_among_the_parts(self):
         self.use_stand_in(**{"2": "fail no"})
@@ -246,7 +273,7 @@ class Endings(LibraryTest):
         self.assertEqual(done.stderr.count(b"ended at"), 3)
         self.assertIn(b"the run could not be finished", done.stderr)
         self.assertIn("4 instruments: 1 imported, 3 failed", self.summary(done))
-        self.assertIn("1 not begun", self.summary(done))
+        self.assertIn("1 not imported: the run ended before", self.summary(done))
 
     def test_with_lines_between_them_do_not(self):
         self.use_stand_in(a="signal 9", b="signal 9", d="signal 9", e="signal 9", g="status 1")
@@ -270,10 +297,32 @@ class Endings(LibraryTest):
         self.expect(done, 2)
         self.assertIn(b"        1 the tool gave no report line for it\n", done.stdout)
 
+    def test_pass_on_the_tools_last_words(self):
+        self.use_stand_in(b="last words no \x1b[2Jend")
+        self.make("a.exs", "b.exs")
+        done = self.run_library("lib")
+        self.expect(done, 2)
+        self.assertEqual(done.stderr, b"lumo-exs-import: no \\x1b[2Jend\n"
+                                      b"lumo-import-library: lumo-exs-import ended at lib/b.exs: "
+                                      b"status 1\n")
+
+    @unittest.skipUnless(CAN_HIDE_PROC, "only root can take /proc away")
+    def test_where_the_system_does_not_say_where_the_program_lies_give_3(self):
+        self.use_stand_in()
+        self.make("a.exs")
+        shutil.copy(self.folder / "programs" / TOOL.name, self.folder)  # not to be started
+        done = self.run_library(words=[*HIDE_PROC, *self.words("lib")])
+        self.expect(done, 3)
+        self.assertEqual(done.stderr.decode().splitlines()[0],
+                         "lumo-import-library: the folder of this program, which has "
+                         "lumo-exs-import, is not known (on Linux /proc shows it)")
+        self.assertFalse((self.folder / "calls.jsonl").exists())
+
     def interrupt(self, send, number, status):
         here = self.use_stand_in(c="wait")
         self.make("a.exs", "b.exs", "c.exs", "d.exs")
-        process = subprocess.Popen(self.words("--lines", "lines", "lib"), cwd=self.folder,
+        process = subprocess.Popen(self.words("--lines", "lines", "--page", "page.html", "lib"),
+                                   cwd=self.folder,
                                    stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                    stderr=subprocess.PIPE, start_new_session=True)
         self.wait_until((here / "waiting").exists, "the tool is at c")
@@ -282,7 +331,11 @@ class Endings(LibraryTest):
         out, err = process.communicate(timeout=HANG_SECONDS)
         self.assertEqual((process.returncode, err), (status, b""))
         self.assertIn(b"2 instruments: 2 imported, 0 failed\n", out)
-        self.assertIn(b"2 not begun\n", out)
+        self.assertIn(b"2 not imported: the run ended before\n", out)
+        page = (self.folder / "page.html").read_text()
+        self.assertIn('"left":2,', page)
+        self.assertEqual([name in page for name in ('"a.exs"', '"b.exs"', '"c.exs"')],
+                         [True, True, False])
         self.assertIn(b"run again with --continue lines", out)
         with self.assertRaises(ProcessLookupError):
             os.kill(int((here / "pid").read_text()), 0)
@@ -293,6 +346,15 @@ class Endings(LibraryTest):
 
     def test_by_a_signal_to_the_program_alone_end_the_tool_too(self):
         self.interrupt(os.kill, signal.SIGINT, 130)
+
+    def test_by_ctrl_c_are_no_failure_of_the_tool_that_it_ends_first(self):
+        self.use_stand_in(b="silent, then Ctrl-C")
+        self.make("a.exs", "b.exs", "c.exs")
+        done = self.run_library("lib")
+        self.assertEqual((done.returncode, done.stderr), (130, b""))
+        self.assertIn("1 instrument: 1 imported, 0 failed", self.summary(done))
+        self.assertIn("2 not imported: the run ended before", self.summary(done))
+        self.assertEqual(len(self.calls()), 1)
 
     def test_by_the_signals_of_batch_systems_sum_up(self):
         self.interrupt(os.kill, signal.SIGTERM, 128 + signal.SIGTERM)
@@ -450,6 +512,16 @@ class RealImports(LibraryTest):
         self.assertIn("NEEDED", needed)
         self.assertNotIn("lumo-relink", needed)
         self.assertNotIn("sndfile", needed)
+
+    @unittest.skipIf(SANITIZED, "the sanitizers have calls of their own")
+    @unittest.skipUnless(shutil.which("readelf"), "there is no readelf")
+    def test_are_started_with_fork_and_execv(self):
+        symbols = subprocess.run(["readelf", "--wide", "--dyn-syms", LIBRARY], text=True,
+                                 capture_output=True, check=True).stdout
+        called = set(re.findall(r" UND (\w+)", symbols))
+        self.assertLessEqual({"fork", "execv"}, called)
+        self.assertFalse([name for name in called
+                          if re.match("posix_spawn|vfork|system$|popen|exec(?!v$)", name)])
 
 
 if __name__ == "__main__":

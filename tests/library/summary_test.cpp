@@ -53,8 +53,8 @@ TEST(Summary, OfALibraryWithFailures) {
 Failed, by cause:
         2 a sample wasn't found
           To do: add the folder that has them with --search
-        1 AUSampler couldn't load it (OSStatus -10871): the instrument file is damaged, is no plain file, or has more than 1 GiB
-          To do: bring it back from a backup, or save it again
+        1 AUSampler couldn't load it (OSStatus -10871): the instrument file is damaged, is not a regular file, or is larger than 1 GiB
+          To do: restore it from a backup, or save it again
         1 AUSampler couldn't load it (OSStatus 7)
 
 Missing samples, by recorded folder:
@@ -88,7 +88,7 @@ TEST(Summary, OfARunThatWasInterrupted) {
     notes.lines = "lines";
     EXPECT_EQ(summary_text(tally, notes), R"(1 instrument: 1 imported, 0 failed
 1 sample, 0 bytes copied, 2.0 s
-1,999 not begun
+1,999 not imported: the run ended before
 
 What to do next:
           run again with --continue lines, which leaves out what is imported
@@ -103,7 +103,7 @@ TEST(Summary, OfFailuresWithoutAFileOfLines) {
 
 Failed, by cause:
         1 its state couldn't be written
-          To do: make room, run again, remove the cut file
+          To do: free some space, run again, remove the truncated file
 
 What to do next:
           do what stands with each cause, and run again, naming only the instruments that are left

@@ -108,6 +108,17 @@ class StatusLine(LibraryTest):
         self.assertGreater(self.terminal.screen.drawings, 0)
         self.assertLessEqual(self.terminal.screen.drawings, 10 * taken + 3)
 
+    def test_is_not_redrawn_more_often_among_many_messages(self):
+        self.make(*[f"{i:04}.exs" for i in range(1000)])
+        began = time.monotonic()
+        self.start(80, **{"*": "stderr beware"})
+        self.finish(1000)
+        taken = time.monotonic() - began
+        self.assertEqual(self.terminal.screen.rows(), ["lumo-exs-import: beware"] * 1000)
+        drawings = self.terminal.written.count(b" of 1,000")
+        self.assertGreater(drawings, 0)
+        self.assertLessEqual(drawings, 10 * taken + 3)
+
     def test_counts_during_the_walk(self):
         self.make("a/1.exs", "b/2.exs")
         self.start(80)

@@ -18,25 +18,27 @@ constexpr std::string_view could_not_load = "AUSampler couldn't load it";
 constexpr std::array known_causes{
     KnownCause{"not an EXS instrument or an AUSampler preset",
                "name the instrument, not its folder or its samples"},
-    KnownCause{"AUSampler not found", "macOS: repair the system; Linux: never"},
-    KnownCause{"AUSampler initialise failed", "try again; then look the number up"},
+    KnownCause{"AUSampler not found", "macOS: repair the system. Does not occur on Linux"},
+    KnownCause{"AUSampler initialise failed", "try again; if it fails again, look the number up"},
     KnownCause{"the preset isn't a property list",
                "check path and permission; save the preset again"},
-    KnownCause{"it uses samples from Apple's sound library: Lumo imports only your own or exported "
-               "instruments",
-               "in Logic or MainStage save the instrument with its samples, import that"},
+    KnownCause{
+        "it uses samples from Apple's sound library: Lumo imports only your own or exported "
+        "instruments",
+        "in Logic or MainStage, save the instrument with its samples, then import that copy"},
     KnownCause{"a sample wasn't found after loading",
                "add the folder that has them with `--search`"},
     KnownCause{"a sample wasn't found", "add the folder that has them with `--search`"},
     KnownCause{could_not_load, ""},
     KnownCause{"AUSampler's state couldn't be read", "try again; report it"},
     KnownCause{"the samples couldn't be copied into the show",
-               "fix it, run again: what was copied is used"},
-    KnownCause{"its state couldn't be written", "make room, run again, remove the cut file"},
+               "fix the cause, run again: samples that were copied are used"},
+    KnownCause{"its state couldn't be written",
+               "free some space, run again, remove the truncated file"},
     KnownCause{"check: not a path in the show", "report it"},
     KnownCause{"check: missing from the show", "run again"},
-    KnownCause{"check: it didn't load from the show", "look at the number; run again"},
-    KnownCause{"the tool ended at it", "fix the folder or the name; earlier lines are true"},
+    KnownCause{"check: it didn't load from the show", "look the number up; run again"},
+    KnownCause{"the tool ended at it", "fix the folder or the name; earlier lines are correct"},
 };
 
 struct KnownStatus {
@@ -47,15 +49,15 @@ struct KnownStatus {
 
 constexpr std::array known_statuses{
     KnownStatus{"-43",
-                "the instrument does not exist, or it plays a file that does not, and whose name "
-                "has no extension of a sample",
-                "check the path; put the file back that it plays"},
+                "the instrument does not exist, or a file that it plays does not exist and has no "
+                "sample's extension",
+                "check the path; restore the file that it plays"},
     KnownStatus{"-54",
-                "no permission to read a sample that can be seen, or the instrument; a sample in a "
-                "closed folder is in `unresolved` instead",
-                "give yourself permission to read them"},
+                "no permission to read the instrument or a sample that exists; a sample in a "
+                "folder that cannot be opened counts as not found",
+                "give yourself permission to read the file"},
     KnownStatus{"-36", "a sample, or the instrument, could not be read to its end",
-                "bring the file back from a backup"},
+                "restore the file from a backup"},
     KnownStatus{"-42", "too many files are open", "raise the limit (`ulimit -n`), run again"},
     KnownStatus{"-10851", "the preset is a property list, but not a state of AUSampler",
                 "save it as a preset of AUSampler"},
@@ -70,11 +72,12 @@ constexpr std::array known_statuses{
                 "and zones together",
                 "close other programs, or split the instrument"},
     KnownStatus{"-10871",
-                "the instrument file is damaged, is no plain file, or has more than 1 GiB",
-                "bring it back from a backup, or save it again"},
+                "the instrument file is damaged, is not a regular file, or is larger than 1 GiB",
+                "restore it from a backup, or save it again"},
     KnownStatus{"1954115647",
-                "a sample is no audio file, or of a kind that cannot be read; a sound bank is none",
-                "bring the sample back from a backup, or save it as WAV or AIFF"},
+                "a sample is not an audio file, or has a format that cannot be read; or a sound "
+                "bank is not one",
+                "restore the sample from a backup, or save it as WAV or AIFF"},
 };
 
 std::optional<Cause> cause_by_status(std::string_view number) {

@@ -1,7 +1,7 @@
 // What the command line asks for.
 #pragma once
 
-#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <variant>
@@ -11,8 +11,8 @@ namespace lumo::library {
 
 /// Which of several parts a run takes.
 struct Shard {
-    std::size_t number = 1; ///< from 1
-    std::size_t of = 1;
+    std::uint32_t number = 1; ///< from 1
+    std::uint32_t of = 1;
 };
 
 /// The options and arguments of the program.

@@ -2,6 +2,7 @@
 #include "lines_file.h"
 
 #include "base/descriptor.h"
+#include "line_splitter.h"
 
 #include <fcntl.h>
 #include <string.h>
@@ -40,7 +41,7 @@ bool write_all(int descriptor, std::string_view bytes) {
 template <typename Take>
 bool read_lines(int descriptor, Take take) {
     std::array<char, 1 << 16> buffer{};
-    std::string pending; // the line at hand, and what was read after it
+    LineSplitter lines;
     for (;;) {
         const ssize_t size =
             uninterrupted([&] { return ::read(descriptor, buffer.data(), buffer.size()); });
@@ -48,17 +49,11 @@ bool read_lines(int descriptor, Take take) {
             return false;
         }
         if (size == 0) {
-            take(pending, false);
+            take(lines.rest(), false);
             return true;
         }
-        std::size_t searched = pending.size();
-        pending.append(buffer.data(), static_cast<std::size_t>(size));
-        std::size_t begin = 0;
-        for (std::size_t end; (end = pending.find('\n', searched)) != std::string::npos;) {
-            take(std::string_view(pending).substr(begin, end - begin), true);
-            begin = searched = end + 1;
-        }
-        pending.erase(0, begin);
+        lines.add({buffer.data(), static_cast<std::size_t>(size)},
+                  [&](std::string_view line) { take(line, true); });
     }
 }
 

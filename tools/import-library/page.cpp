@@ -11,9 +11,11 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <system_error>
 #include <tuple>
 
 namespace lumo::library {
@@ -189,16 +191,21 @@ std::string Page::html(const Tally& tally, const PageHead& head) const {
 }
 
 std::string write_page(const std::string& path, const std::string& html) {
-    const std::string temporary = path + ".part";
-    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
+    std::error_code error;
+    const auto there = std::filesystem::status(path, error);
+    const bool is_device = std::filesystem::exists(there) && !is_regular_file(there);
+    const std::string written = is_device ? path : path + ".part";
+    std::ofstream file(written, std::ios::binary | std::ios::trunc);
     file.write(html.data(), static_cast<std::streamsize>(html.size()));
     file.close();
-    if (file.fail() || std::rename(temporary.c_str(), path.c_str()) != 0) {
-        std::string reason = std::strerror(errno);
-        std::remove(temporary.c_str());
-        return reason;
+    if (!file.fail() && (is_device || std::rename(written.c_str(), path.c_str()) == 0)) {
+        return {};
     }
-    return {};
+    std::string reason = std::strerror(errno);
+    if (!is_device) {
+        std::remove(written.c_str());
+    }
+    return reason;
 }
 
 } // namespace lumo::library

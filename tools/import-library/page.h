@@ -40,8 +40,8 @@ private:
     std::map<std::string, std::size_t, std::less<>> causes_;
 };
 
-/// Writes the page to `path`, over one that is there, complete or not at all. The reason why that
-/// cannot be done, or nothing.
+/// Writes the page to `path`, over a file that is there, complete or not at all; a pipe or a device
+/// gets the bytes. The reason why that cannot be done, or nothing.
 std::string write_page(const std::string& path, const std::string& html);
 
 } // namespace lumo::library

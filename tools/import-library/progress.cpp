@@ -94,7 +94,6 @@ void StatusLine::clear() {
 void StatusLine::print(const std::string& line) {
     clear();
     write_all(line + '\n');
-    drawn_.reset();
 }
 
 bool StatusLine::is_due() {

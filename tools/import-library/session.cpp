@@ -18,6 +18,7 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
+#include <cstdint>
 #include <ctime>
 #include <filesystem>
 #include <map>
@@ -151,8 +152,8 @@ private:
             return interrupted_by() == 0;
         });
         status_line_.clear();
-        const std::size_t all = found_.paths.size();
-        const auto position = [&](std::size_t parts) {
+        const std::uint64_t all = found_.paths.size();
+        const auto position = [&](std::uint32_t parts) {
             return found_.paths.begin() + static_cast<std::ptrdiff_t>(all * parts / line_.shard.of);
         };
         std::size_t in_part = 0;
@@ -198,7 +199,13 @@ private:
         const auto seconds = [&] {
             return std::chrono::duration<double>(Clock::now() - began).count();
         };
-        const std::string tool = (fs::path(own_path()).parent_path() / "lumo-exs-import").string();
+        const fs::path own = own_path();
+        if (own.empty()) {
+            complain("the folder of this program, which has lumo-exs-import, is not known "
+                     "(on Linux /proc shows it)");
+            return RunEnd::failed;
+        }
+        const std::string tool = (own.parent_path() / "lumo-exs-import").string();
         RunListener listener;
         listener.line = [&](std::string_view line, std::size_t instrument) {
             take(line, instrument);

@@ -29,7 +29,7 @@ std::string totals(const Tally& tally, const SummaryNotes& notes) {
         text += with_thousands(notes.already_imported) + " left out: imported before\n";
     }
     if (notes.left > 0) {
-        text += with_thousands(notes.left) + " not begun\n";
+        text += with_thousands(notes.left) + " not imported: the run ended before\n";
     }
     if (notes.unreadable > 0) {
         text += with_thousands(notes.unreadable) +

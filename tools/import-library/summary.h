@@ -16,7 +16,7 @@ enum class RunEnd { finished, interrupted, failed };
 struct SummaryNotes {
     std::optional<double> seconds;    ///< how long the run took; none for lines of other runs
     std::size_t already_imported = 0; ///< left out because an earlier run imported them
-    std::size_t left = 0;             ///< not begun when the run ended
+    std::size_t left = 0;             ///< neither imported nor failed when the run ended
     std::size_t unreadable = 0;       ///< folders and links that could not be read
     std::string lines;                ///< the file with the report lines; empty when there is none
     std::string page;                 ///< the page; empty when there is none

@@ -81,7 +81,7 @@ int wait_for(pid_t process) {
 } // namespace
 
 void LineReader::read_lines(const std::function<void(std::string_view line)>& take) {
-    std::array<char, 16384> bytes{};
+    std::array<char, 65536> bytes{};
     const ssize_t count = read(descriptor_.get(), bytes.data(), bytes.size());
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
         return;
@@ -90,13 +90,7 @@ void LineReader::read_lines(const std::function<void(std::string_view line)>& ta
         descriptor_ = Descriptor();
         return;
     }
-    pending_.append(bytes.data(), static_cast<std::size_t>(count));
-    std::size_t begin = 0;
-    for (std::size_t end = 0; (end = pending_.find('\n', begin)) != std::string::npos;
-         begin = end + 1) {
-        take(std::string_view(pending_).substr(begin, end - begin));
-    }
-    pending_.erase(0, begin);
+    lines_.add({bytes.data(), static_cast<std::size_t>(count)}, take);
 }
 
 std::size_t room_for_arguments() {
@@ -158,6 +152,9 @@ void ToolProcess::read_output(const std::function<void(std::string_view line)>& 
     }
     if (pipes[1].revents != 0) {
         err_.read_lines(take_err);
+        if (err_.descriptor() < 0 && !err_.rest().empty()) {
+            take_err(err_.rest());
+        }
     }
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/descriptor.h"
+#include "line_splitter.h"
 
 #include <sys/types.h>
 
@@ -23,12 +24,14 @@ public:
     /// The descriptor, borrowed; -1 when the pipe has ended.
     int descriptor() const { return descriptor_.get(); }
     /// Reads what is there, once, and calls `take` with each line that is whole, without its end.
-    /// What comes after the last line end is kept for the next time, and lost when the pipe ends.
+    /// What comes after the last line end is kept for the next time.
     void read_lines(const std::function<void(std::string_view line)>& take);
+    /// What came after the last line end.
+    const std::string& rest() const { return lines_.rest(); }
 
 private:
     Descriptor descriptor_;
-    std::string pending_;
+    LineSplitter lines_;
 };
 
 /// How many bytes of arguments a new process may be given, those of the environment and some spare
@@ -49,7 +52,8 @@ public:
     /// Whether more of its output may come.
     bool has_output() const { return out_.descriptor() >= 0 || err_.descriptor() >= 0; }
     /// Waits up to 100 ms for output and hands its lines on, those of standard output and those of
-    /// standard error.
+    /// standard error. A last line without an end is handed on from standard error only: on
+    /// standard output it is a report line that was cut short.
     void read_output(const std::function<void(std::string_view line)>& take_out,
                      const std::function<void(std::string_view line)>& take_err);
     /// Tells it to end.

@@ -361,7 +361,7 @@ function showTotals() {
   }
   if (data.package) byId("title").textContent = `Instruments in ${data.package}`;
   byId("made").textContent = data.made;
-  const notices = [[data.left, "instrument", "not begun: the run ended before"],
+  const notices = [[data.left, "instrument", "not imported: the run ended before"],
     [data.unreadable, "folder or link", "left out: could not be read"],
     [data.before, "instrument", "left out: imported before"]];
   for (const [count, thing, text] of notices) {

@@ -446,8 +446,8 @@ Failed, by cause:
           To do: add the folder that has them with --search
 
 What to do next:
-          do what stands with each cause, and run again, naming only the instruments that are left
-          (with --lines FILE, a later run leaves out by itself what is imported)
+          do what each cause says, and run again, naming only the instruments that are left
+          (with --lines FILE, a later run can skip what is imported)
 """)
         done = self.from_files("lines1")
         self.expect(done, 0)

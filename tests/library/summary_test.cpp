@@ -63,7 +63,7 @@ Missing samples, by recorded folder:
 
 What to do next:
           find where the missing samples are now, add a --search for each folder,
-          and run again with --continue lines.jsonl, which leaves out what is imported
+          and run again with --continue lines.jsonl, which skips what is imported
           open library.html in a browser: it shows each instrument
 )");
 }
@@ -91,7 +91,7 @@ TEST(Summary, OfARunThatWasInterrupted) {
 1,999 not imported: the run ended before
 
 What to do next:
-          run again with --continue lines, which leaves out what is imported
+          run again with --continue lines, which skips what is imported
 )");
 }
 
@@ -106,8 +106,8 @@ Failed, by cause:
           To do: free some space, run again, remove the truncated file
 
 What to do next:
-          do what stands with each cause, and run again, naming only the instruments that are left
-          (with --lines FILE, a later run leaves out by itself what is imported)
+          do what each cause says, and run again, naming only the instruments that are left
+          (with --lines FILE, a later run can skip what is imported)
 )");
 }
 

@@ -71,10 +71,9 @@ std::string missing_samples(const std::vector<MissingSamples>& folders) {
 std::vector<std::string> go_on(const SummaryNotes& notes) {
     if (notes.lines.empty()) {
         return {"run again, naming only the instruments that are left",
-                "(with --lines FILE, a later run leaves out by itself what is imported)"};
+                "(with --lines FILE, a later run can skip what is imported)"};
     }
-    return {"run again with --continue " + shown(notes.lines) +
-            ", which leaves out what is imported"};
+    return {"run again with --continue " + shown(notes.lines) + ", which skips what is imported"};
 }
 
 std::string next_step(const Tally& tally, const SummaryNotes& notes, bool is_missing) {
@@ -88,7 +87,7 @@ std::string next_step(const Tally& tally, const SummaryNotes& notes, bool is_mis
                 indented("find where the missing samples are now, add a --search for each folder,");
             lines.front() = "and " + lines.front();
         } else if (tally.failed > 0) {
-            lines.front() = "do what stands with each cause, and " + lines.front();
+            lines.front() = "do what each cause says, and " + lines.front();
         }
         for (const std::string& line : lines) {
             text += indented(line);

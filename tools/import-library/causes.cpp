@@ -14,7 +14,7 @@ struct KnownCause {
 
 constexpr std::string_view could_not_load = "AUSampler couldn't load it";
 
-// An error that begins with one of these has the first that fits for its cause.
+// The cause of an error is the first of these with which the error begins.
 constexpr std::array known_causes{
     KnownCause{"not an EXS instrument or an AUSampler preset",
                "name the instrument, not its folder or its samples"},

@@ -1,4 +1,4 @@
-// Why instruments fail, and what can be done about it.
+// The causes of failed imports, and their remedies.
 #pragma once
 
 #include <string>
@@ -9,15 +9,15 @@ namespace lumo::library {
 
 /// A kind of failure.
 struct Cause {
-    std::string text;   ///< what many failures have in common
-    std::string remedy; ///< what to do about it; empty when nothing is known
+    std::string text;   ///< the part of the error that many failures share
+    std::string remedy; ///< empty when none is known
 };
 
-/// The error of a line that the program writes itself, for an instrument at which the tool ended;
-/// the reason follows.
+/// The start of the error in lines that this program writes itself, for an instrument at which the
+/// tool ended. The reason follows.
 inline constexpr std::string_view tool_ended = "the tool ended at it: ";
 
-/// The cause behind the error of a report line. One that is not known is its own cause.
+/// The cause of the error of a report line. An unknown error is its own cause, without a remedy.
 Cause cause_of(std::string_view error);
 
 /// The number in "... (OSStatus N)"; empty when there is none.

@@ -1,5 +1,5 @@
-// CLI11 takes the words apart, prints the help and finds most faults. Its own exit statuses, one
-// for each kind of fault, are not the program's: every fault is 1.
+// CLI11 parses the arguments, makes the help text and finds most faults. Its exit statuses, one for
+// each kind of fault, are not used: the program's is 1 for every fault.
 #include "command_line.h"
 
 #include "text.h"
@@ -17,9 +17,9 @@ namespace {
 
 constexpr const char* description = "Imports whole folders of sampler instruments into a Lumo "
                                     "show: starts lumo-exs-import for all\n"
-                                    ".exs and .aupreset files below the folders, shows how far it "
-                                    "is, and sums up what failed, why,\n"
-                                    "and what to do about it.";
+                                    ".exs and .aupreset files in the folders, shows the progress, "
+                                    "and summarises the failures with\n"
+                                    "their causes and remedies.";
 
 constexpr const char* footer =
     "Exit status: 0 all were imported, 2 some were not, 1 the command line is wrong,\n"
@@ -43,7 +43,7 @@ struct Options {
     CLI::App app{description, "lumo-import-library"};
     CommandLine line;
     std::string shard;
-    std::vector<CLI::Option*> of_an_import; ///< which make no sense beside --from
+    std::vector<CLI::Option*> of_an_import; ///< those that cannot be combined with --from
 
     CLI::Option* value(const char* name, std::string& target, const char* type, const char* what) {
         return app.add_option(name, target, what)->type_name(type)->take_last();
@@ -63,20 +63,20 @@ void add_options(Options& options) {
             ->allow_extra_args(false),
         options.value("--lines", line.lines, "FILE", "append each report line to this file"),
         options.value("--continue", line.continue_file, "FILE",
-                      "leave out what the report lines in this file call imported"),
+                      "skip what the report lines in this file list as imported"),
         options.value("--shard", options.shard, "K/N", "import only the K-th of N parts"),
-        app.add_flag("--dry-run", line.is_dry_run, "only say how many instruments there are"),
+        app.add_flag("--dry-run", line.is_dry_run, "only print the number of instruments"),
         app.add_option("arguments", line.arguments),
     };
     options.value("--page", line.page, "FILE.html", "write a page about all instruments");
-    app.add_option("--from", line.from, "import nothing: sum up the report lines of these files")
+    app.add_option("--from", line.from, "import nothing: summarise the report lines of these files")
         ->type_name("FILE");
     app.set_version_flag("--version", "lumo-import-library " LUMO_VERSION);
     app.footer(footer);
     app.formatter(std::make_shared<Format>());
 }
 
-/// The number of letters to insert, remove or replace to make one text of the other.
+/// The number of characters to insert, remove or replace to change one text into the other.
 std::size_t distance(std::string_view one, std::string_view other) {
     std::vector<std::size_t> row(other.size() + 1);
     for (std::size_t i = 0; i < row.size(); ++i) {
@@ -93,11 +93,11 @@ std::size_t distance(std::string_view one, std::string_view other) {
     return row.back();
 }
 
-/// The option that somebody may have meant who wrote `word`; empty when none is like it.
+/// The option most similar to `word`; empty when none is similar.
 std::string suggestion(const CLI::App& app, std::string_view word) {
     word = word.substr(0, word.find('='));
     std::string best;
-    std::size_t least = 4; // more changes than that, and it is another word
+    std::size_t least = 4; // with more changes it is another word
     for (const CLI::Option* option : app.get_options()) {
         for (const std::string& name : option->get_lnames()) {
             const std::size_t changes = distance(word, "--" + name);
@@ -135,7 +135,7 @@ bool read_shard(std::string_view text, Shard& shard) {
     return of.ec == std::errc() && of.ptr == end && shard.number >= 1 && shard.number <= shard.of;
 }
 
-/// The path without slashes at its end, and not to be taken for an option.
+/// The path without slashes at its end, and with "./" before a "-".
 std::string plain_path(std::string path) {
     while (path.size() > 1 && path.ends_with('/')) {
         path.pop_back();
@@ -143,7 +143,7 @@ std::string plain_path(std::string path) {
     return path.starts_with('-') ? "./" + path : path;
 }
 
-/// What CLI11 does not look at; empty when it is as it should be.
+/// A fault that CLI11 does not detect; empty when there is none.
 std::string fault_of(const Options& options) {
     const CommandLine& line = options.line;
     if (!line.from.empty()) {

@@ -1,4 +1,4 @@
-// What the command line asks for.
+// Parses the command line of lumo-import-library.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace lumo::library {
 
-/// Which of several parts a run takes.
+/// The part of the instruments that a run imports.
 struct Shard {
     std::uint32_t number = 1; ///< from 1
     std::uint32_t of = 1;
@@ -29,14 +29,14 @@ struct CommandLine {
     std::vector<std::string> arguments; ///< folders and instruments
 };
 
-/// What main does instead of running, and the text that goes with it.
+/// A text to print instead of running, and the exit status.
 struct Answer {
     int status = 0; ///< 0: the text is for standard output; 1: a fault, for standard error
     std::string text;
 };
 
-/// Takes the arguments of main apart. Folders lose slashes at their end, and arguments that begin
-/// with "-" (behind "--") begin with "./" instead.
+/// Parses the arguments of main. Slashes at the end of folders are removed; "./" is added before
+/// arguments that begin with "-" (after "--").
 std::variant<CommandLine, Answer> parse_command_line(int argc, const char* const* argv);
 
 } // namespace lumo::library

@@ -1,4 +1,4 @@
-# Run by `cmake -P`: writes OUT, a source with the files of the page (below FOLDER) as bytes.
+# Run by `cmake -P`: writes OUT, a source with the files of the page (in FOLDER) as bytes.
 set(source "// Made by embed.cmake: the files of the page as bytes.\n#include \"page_files.h\"\n\n")
 string(APPEND source "namespace lumo::library {\nnamespace {\n")
 set(views "")

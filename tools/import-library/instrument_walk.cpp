@@ -1,6 +1,6 @@
-// First all folders are read that can be reached without a link, then those behind links, the
-// smallest waiting path first. A folder is known by device and inode and read once, so circles end
-// and the paths do not depend on the order in which a disk lists its entries.
+// Folders that can be reached without a link are read first, then those behind links, the smallest
+// path first. A folder is identified by device and inode and read once. Therefore cycles end, and
+// the paths do not depend on the order in which a disk lists its entries.
 #include "instrument_walk.h"
 
 #include "apple_library.h"
@@ -28,7 +28,7 @@ std::string joined(const std::string& folder, const std::string& name) {
     return folder.ends_with('/') ? folder + name : folder + '/' + name;
 }
 
-/// The path without links, "." and ".."; empty when it leads nowhere.
+/// The path without links, "." and ".."; empty when it does not exist.
 std::string real_path(const std::string& path) {
     std::error_code error;
     const fs::path real = fs::canonical(path, error);
@@ -113,7 +113,7 @@ private:
             return;
         }
         const std::string path = joined(folder, name);
-        std::error_code error; // of an entry that is gone again
+        std::error_code error; // of an entry that has been removed meanwhile
         const fs::file_status status = entry.symlink_status(error);
         if (fs::is_symlink(status)) {
             take_link(path, name);
@@ -154,7 +154,7 @@ private:
     /// By real path: whether the name is a link, and the name.
     std::map<std::string, std::pair<bool, std::string>> files_;
     std::set<std::string> unreadable_;
-    std::size_t folders_ = 0; // that gave a file
+    std::size_t folders_ = 0; // in which instruments were found
 };
 
 } // namespace

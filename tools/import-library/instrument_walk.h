@@ -1,4 +1,4 @@
-// Finds the instruments that the command line names and those below its folders.
+// Finds the instruments on the command line and in its folders.
 #pragma once
 
 #include <cstddef>
@@ -8,30 +8,30 @@
 
 namespace lumo::library {
 
-/// What a walk found.
+/// The result of a walk.
 struct Instruments {
-    /// Paths as they begin on the command line, in ascending byte order, each file once.
+    /// Paths that begin as on the command line, in ascending byte order, each file once.
     std::vector<std::string> paths;
-    std::size_t folders = 0; ///< that hold an instrument
-    /// Folders below those of the command line that could not be read, and links to instruments
-    /// that lead nowhere: what was left out. In byte order.
+    std::size_t folders = 0; ///< number of folders that contain an instrument
+    /// The paths that were skipped: subfolders that could not be read, and dangling links to
+    /// instruments. In ascending byte order.
     std::vector<std::string> unreadable;
 };
 
-/// Is called after each folder: how many instruments have been found in how many folders. False
-/// ends the walk.
+/// Called after each folder with the numbers of instruments found and of folders that contain them.
+/// Returning false ends the walk.
 using WalkProgress = std::function<bool(std::size_t instruments, std::size_t folders)>;
 
 /// Whether a file name has the extension of an instrument, in any letter case.
 bool is_instrument_name(const std::string& name);
 
-/// Why the argument (a folder or an instrument) cannot be taken; empty when it can.
+/// Why the argument (a folder or an instrument) cannot be used; empty when it can.
 std::string fault_of_argument(const std::string& path);
 
-/// The instruments among `arguments` and below those that are folders. Names that begin with a dot
-/// and what belongs to Apple's sound library are left out below a folder; links are followed, each
-/// folder is read once, and a file that has several names has the one that is no link, or else the
-/// smallest. The order of the arguments does not matter.
+/// The instruments among `arguments` and in those that are folders. In folders, names that begin
+/// with a dot and Apple's sound library are skipped. Links are followed; each folder is read once.
+/// Of several paths of a file, one that is not a link is used, otherwise the smallest. The result
+/// does not depend on the order of the arguments.
 Instruments find_instruments(const std::vector<std::string>& arguments,
                              const WalkProgress& progress);
 

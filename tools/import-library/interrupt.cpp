@@ -1,4 +1,4 @@
-// A handler may do next to nothing: it keeps the number, and the run looks at it ten times a
+// A signal handler may do very little: it stores the number, which the run checks ten times a
 // second.
 #include "interrupt.h"
 

@@ -1,13 +1,13 @@
-// Ctrl-C, and other requests to end.
+// Ctrl-C and other signals that end the program.
 #pragma once
 
 namespace lumo::library {
 
-/// From now on SIGINT, SIGTERM and SIGHUP are remembered instead of ending the program; those that
-/// are ignored stay ignored. The second of a kind ends it.
+/// From now on the first SIGINT, SIGTERM and SIGHUP are stored instead of ending the program; the
+/// second of each ends it. Signals that are ignored stay ignored.
 void watch_interrupts();
 
-/// The number of the signal that came; 0 when none did.
+/// The number of the signal that was received; 0 for none.
 int interrupted_by();
 
 } // namespace lumo::library

@@ -1,4 +1,4 @@
-// Bytes that come in pieces, cut into lines.
+// Splits bytes that arrive in pieces into lines.
 #pragma once
 
 #include <cstddef>
@@ -7,10 +7,12 @@
 
 namespace lumo::library {
 
-/// Keeps what has no line end yet. Takes time in proportion to the bytes, however long a line is.
+/// Stores the bytes of an incomplete line. Time is linear in the number of bytes, even for long
+/// lines.
 class LineSplitter {
 public:
-    /// Calls `take` with each line that `bytes` ends, without its end. `take` must not add bytes.
+    /// Calls `take` with each line that `bytes` completes, without its line end. `take` must not
+    /// add bytes.
     template <typename Take>
     void add(std::string_view bytes, Take take) {
         std::size_t searched = pending_.size();
@@ -22,7 +24,7 @@ public:
         }
         pending_.erase(0, begin);
     }
-    /// What came after the last line end.
+    /// The bytes after the last line end.
     const std::string& rest() const { return pending_; }
 
 private:

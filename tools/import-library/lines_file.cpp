@@ -1,4 +1,4 @@
-// A run that is killed may leave its last line cut short. The next one begins on a line of its own.
+// A killed run may leave its last line truncated. The next run then starts a new line.
 #include "lines_file.h"
 
 #include "base/descriptor.h"
@@ -24,7 +24,7 @@ std::string last_failure() {
     return strerror(errno);
 }
 
-/// Writes all bytes; false, with errno, when that fails.
+/// Writes all bytes; false, with errno set, on failure.
 bool write_all(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = write(descriptor, bytes.data(), bytes.size());
@@ -36,8 +36,8 @@ bool write_all(int descriptor, std::string_view bytes) {
     return true;
 }
 
-/// Calls `take` for each line of a file, with whether the line has its end. False, with errno set,
-/// when the file cannot be read to its end. (A stream of libc++ does not report a failed read.)
+/// Calls `take` for each line of a file, and passes whether the line is complete. False, with errno
+/// set, when the file cannot be read to its end. (Streams of libc++ do not report a failed read.)
 template <typename Take>
 bool read_lines(int descriptor, Take take) {
     std::array<char, 1 << 16> buffer{};

@@ -11,23 +11,22 @@
 
 namespace lumo::library {
 
-/// What reading a file of report lines came to.
+/// The result of reading a file of report lines.
 struct LinesRead {
     std::string fault;       ///< why the file could not be read; empty when it could
-    std::size_t unknown = 0; ///< lines, but for a torn last one, that are no report lines
+    std::size_t unknown = 0; ///< lines that are not report lines, without a truncated last one
 };
 
-/// Calls `take` with each report in the file at `path`, in order. A last line that is cut short is
-/// passed over.
+/// Calls `take` with each report in the file at `path`, in order. A truncated last line is ignored.
 LinesRead read_lines_file(const std::string& path, const std::function<void(Report&&)>& take);
 
-/// A file that report lines are appended to, each in one write.
+/// A file to which report lines are appended, each in one write.
 class LinesFile {
 public:
-    /// Opens the file, which is made when missing; a torn last line gets its end. The reason why
-    /// that cannot be done, or nothing.
+    /// Opens the file and creates it if necessary; ends a truncated last line. Returns the reason
+    /// of a failure, or an empty text.
     std::string open(const std::string& path);
-    /// Appends a line. The reason why that cannot be done, or nothing.
+    /// Appends a line. Returns the reason of a failure, or an empty text.
     std::string append(std::string_view line) const;
     bool is_open() const { return static_cast<bool>(file_); }
 

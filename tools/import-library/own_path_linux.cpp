@@ -1,4 +1,4 @@
-// Linux keeps a link to each process's program.
+// Linux has a link to the program of each process.
 #include "own_path.h"
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// dyld knows the path by which the program was started, which may be a link.
+// dyld stores the path with which the program was started, which may be a link.
 #include "own_path.h"
 
 #include <mach-o/dyld.h>
@@ -11,7 +11,7 @@ namespace lumo::library {
 
 std::string own_path() {
     std::uint32_t size = 0;
-    _NSGetExecutablePath(nullptr, &size); // says how much it takes
+    _NSGetExecutablePath(nullptr, &size); // returns the necessary size
     std::string path(size, '\0');
     if (_NSGetExecutablePath(path.data(), &size) != 0) {
         return {};

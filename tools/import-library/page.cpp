@@ -1,6 +1,6 @@
-// The page is a text from page/page.html with the styles, the script and the data put into it. The
-// data are JSON, kept short: paths are a folder's number and a name, and an instrument is a list
-// whose places page/page.js names.
+// The page is page/page.html with the styles, the script and the data inserted. The data are
+// compact JSON: a path is a folder's number and a name, and an instrument is a list; page/page.js
+// names its elements.
 #include "page.h"
 
 #include "page_files.h"
@@ -23,12 +23,12 @@ namespace {
 
 using Json = nlohmann::json;
 
-/// What is shown of `bytes`, as a text in JSON.
+/// The displayed form of `bytes` as a JSON string.
 std::string json_text(std::string_view bytes) {
     return Json(shown(bytes)).dump();
 }
 
-/// A list in JSON of what `write` makes of each element.
+/// A JSON array of the results of `write` for each element.
 template <typename List, typename Write>
 std::string list_of(const List& list, Write write) {
     std::string text = "[";
@@ -39,7 +39,7 @@ std::string list_of(const List& list, Write write) {
     return text + ']';
 }
 
-/// The areas of a layer, four numbers each. Zones with the same area show as one.
+/// The areas of a layer as four numbers each. Zones with the same area are shown as one.
 std::string areas_of(std::vector<exs::KeyArea> areas) {
     const auto corners = [](const exs::KeyArea& area) {
         return std::tie(area.low_key, area.high_key, area.low_velocity, area.high_velocity);
@@ -60,7 +60,7 @@ std::string layer_of(const exs::Shape::Layer& layer, const std::string& areas) {
            ']';
 }
 
-/// The layers with their areas; without them when the state cannot be read.
+/// The layers, with their areas if the state can be read.
 std::string layers_of(const Report& report) {
     const auto layers =
         report.state_file.empty() ? std::nullopt : exs::key_areas_of_file(report.state_file);
@@ -73,7 +73,7 @@ std::string layers_of(const Report& report) {
     });
 }
 
-/// The keys of a map from texts to 0, 1, 2 and so on, in the order of their numbers.
+/// The keys of a map from texts to 0, 1, 2 and so on, ordered by their numbers.
 std::vector<std::string> in_order(const std::map<std::string, std::size_t, std::less<>>& numbers) {
     std::vector<std::string> texts(numbers.size());
     for (const auto& [text, number] : numbers) {
@@ -86,7 +86,7 @@ std::string one_decimal(double value) {
     return Json(std::round(value * 10) / 10).dump();
 }
 
-/// Replaces `mark`, which is in `text` once, by `value`.
+/// Replaces `mark`, which occurs once in `text`, with `value`.
 void put_in(std::string& text, std::string_view mark, const std::string& value) {
     text.replace(text.find(mark), mark.size(), value);
 }
@@ -113,8 +113,8 @@ std::string Page::paths(const std::vector<std::string>& list) {
     return list_of(list, [&](const std::string& bytes) { return path(bytes); });
 }
 
-/// Each sample that was found elsewhere: recorded folder and name, and those of the file; 0 for a
-/// name that is the same.
+/// Each sample that was found elsewhere: recorded folder and name, and those of the file; 0 for an
+/// equal name.
 std::string Page::relinked(const Report& report) {
     return list_of(report.relinked, [&](const std::pair<std::string, std::string>& sample) {
         const std::string from = path(sample.first);
@@ -129,8 +129,8 @@ void Page::add(const Report& report) {
     const std::string cause =
         report.ok ? "-1" : std::to_string(cause_number(cause_of(report.error)));
     const exs::Shape& shape = report.shape;
-    // Elements of a list are evaluated in their order, so every compiler's page numbers the folders
-    // alike.
+    // The elements of an initializer list are evaluated in order, so the numbers of folders do not
+    // depend on the compiler.
     const std::vector<std::string> values = {json_text(report.name),
                                              path(report.source),
                                              cause,
@@ -180,7 +180,7 @@ std::string Page::html(const Tally& tally, const PageHead& head) const {
     std::string text(page_html);
     put_in(text, "{styles}", std::string(page_css));
     put_in(text, "{script}", std::string(page_js));
-    // A "<" in the data can end no element.
+    // Without "<" the data cannot end the element.
     std::string safe;
     safe.reserve(data.size());
     for (const char c : data) {

@@ -1,4 +1,4 @@
-// The page about all instruments: one HTML file that needs nothing else.
+// The page about all instruments: one HTML file that loads no other file.
 #pragma once
 
 #include "report.h"
@@ -12,14 +12,14 @@
 
 namespace lumo::library {
 
-/// What the page's head says beside the tally.
+/// The information in the page's head besides the tally.
 struct PageHead {
     std::string package; ///< empty when it is not known
-    std::string made;    ///< when, as a person writes it
+    std::string made;    ///< local date and time
     SummaryNotes notes;
 };
 
-/// Gathers instruments and makes the page of them. Names are text in it, whatever they hold.
+/// Collects instruments and makes the page. Names are shown as text, even hostile ones.
 class Page {
 public:
     /// Adds an instrument; its key map is read from the state that the report names.
@@ -40,8 +40,8 @@ private:
     std::map<std::string, std::size_t, std::less<>> causes_;
 };
 
-/// Writes the page to `path`, over a file that is there, complete or not at all; a pipe or a device
-/// gets the bytes. The reason why that cannot be done, or nothing.
+/// Writes the page to `path`, completely or not at all; an existing file is replaced, a pipe or a
+/// device receives the bytes. Returns the reason of a failure, or an empty text.
 std::string write_page(const std::string& path, const std::string& html);
 
 } // namespace lumo::library

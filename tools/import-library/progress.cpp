@@ -1,4 +1,5 @@
-// The line is composed of parts in the order of their weight; the name at hand takes what is left.
+// The line consists of parts, the most important first; the name of the current instrument takes
+// the remaining space.
 #include "progress.h"
 
 #include "text.h"
@@ -16,13 +17,13 @@ namespace {
 
 constexpr std::chrono::milliseconds between_drawings(100);
 constexpr std::size_t usual_width = 80;
-constexpr std::size_t least_name = 6; // columns below which a name says nothing
+constexpr std::size_t least_name = 6; // columns; a shorter part of a name is not shown
 
 constexpr const char* erase_below = "\x1b[J"; // from the cursor to the end of the screen
 constexpr const char* red = "\x1b[31m";
 constexpr const char* no_colour = "\x1b[39m";
 
-/// A part of the line and what shows it, which may be more bytes for the same columns.
+/// A part of the line: its text, and the bytes that draw it, with colours.
 struct Part {
     std::string plain;
     std::string drawn;

@@ -1,4 +1,4 @@
-// The line that shows a person how far a run is.
+// The line that shows the progress of a run.
 #pragma once
 
 #include <chrono>
@@ -9,7 +9,7 @@
 
 namespace lumo::library {
 
-/// How far a run is.
+/// The progress of a run.
 struct ProgressState {
     std::size_t done = 0;
     std::size_t all = 0;
@@ -19,26 +19,27 @@ struct ProgressState {
     std::string at_hand; ///< the instrument being imported
 };
 
-/// Seconds that the rest takes if it goes on as so far; nothing before anything is done.
+/// The remaining seconds at the average speed so far; nothing when `done` is 0.
 std::optional<double> seconds_left(std::size_t done, std::size_t all, double seconds_taken);
 
-/// The line for a terminal of `width` columns, which stays at least one column short of it: what
-/// comes last goes first where there is no room. With colours, failures are red.
+/// The line for a terminal of `width` columns, at least one column shorter than that. Without
+/// enough room its last parts are omitted first. With colours, failures are red.
 std::string progress_text(const ProgressState& state, std::size_t width, bool has_colours);
 
 /// The last line of a terminal, redrawn in place at most ten times a second. After each drawing the
-/// cursor is at its start, so that a terminal that breaks a line anew when it becomes narrower
-/// keeps all of it below the cursor. Does nothing where there is no terminal that can do this.
+/// cursor is at the line's start, so that all of it stays below the cursor when the terminal
+/// becomes narrower and wraps it. Does nothing without a terminal that can do this.
 class StatusLine {
 public:
-    /// `descriptor` is borrowed; it is asked whether it is a terminal. TERM says "dumb" for one
-    /// that cannot draw in place, and NO_COLOR, when it is not empty, that no colours are wanted.
+    /// `descriptor` is borrowed. Nothing is drawn unless it is a terminal and TERM is neither empty
+    /// nor "dumb". A NO_COLOR that is not empty disables colours.
     explicit StatusLine(int descriptor);
     ~StatusLine() { clear(); }
     StatusLine(const StatusLine&) = delete;
     StatusLine& operator=(const StatusLine&) = delete;
 
-    /// Shows what `text(width, has_colours)` gives, unless the last drawing was just now.
+    /// Draws the result of `text(width, has_colours)`, unless the last drawing was less than 100 ms
+    /// ago.
     template <typename Text>
     void show(Text text) {
         if (is_due()) {
@@ -47,7 +48,7 @@ public:
     }
     /// Removes the line.
     void clear();
-    /// Writes a line of its own for good, the status line away.
+    /// Removes the status line and prints a permanent line.
     void print(const std::string& line);
 
 private:

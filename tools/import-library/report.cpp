@@ -1,5 +1,5 @@
-// The lines are read by nlohmann-json, which takes UTF-8 only. Paths are bytes that need not be:
-// a line is made into UTF-8 before, and its texts into themselves after.
+// nlohmann-json reads the lines. It accepts UTF-8 only, but paths may be any bytes, so a line is
+// converted to UTF-8 first, and its texts are converted back.
 #include "report.h"
 
 #include "text.h"

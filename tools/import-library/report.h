@@ -1,4 +1,4 @@
-// One report line of the tool, taken apart.
+// Parses a report line of the tool.
 #pragma once
 
 #include <lumo/state.h>
@@ -12,8 +12,8 @@
 
 namespace lumo::library {
 
-/// What a report line says. Texts are the tool's bytes, which need not be UTF-8;
-/// docs/report-line.md describes each.
+/// The contents of a report line. Texts are the tool's bytes, which may not be UTF-8;
+/// docs/report-line.md describes each field.
 struct Report {
     std::string name;
     std::string source;
@@ -30,11 +30,11 @@ struct Report {
     exs::Shape shape;
 };
 
-/// Takes a line (without its end) apart; nothing when it is no whole report line.
+/// Parses a line (without its line end); nothing when it is not a complete report line.
 std::optional<Report> parse_report(std::string_view line);
 
-/// The line of an instrument of which the tool gave none, because it ended there: not ok, with
-/// `error`, and everything else at its start.
+/// The line for an instrument at which the tool ended without printing one: not ok, with `error`;
+/// all other fields have their initial values.
 std::string line_without_import(const std::string& source, const std::string& error);
 
 } // namespace lumo::library

@@ -1,5 +1,5 @@
-// The steps of a run in order. Standard output has what a person reads afterwards; standard error
-// the status line while it goes on, and what goes wrong.
+// The steps of a run in order. Standard output receives the summary, standard error the status line
+// and messages about failures.
 #include "session.h"
 
 #include "instrument_walk.h"
@@ -34,7 +34,7 @@ constexpr int all_imported = 0;
 constexpr int wrong_command_line = 1;
 constexpr int some_failed = 2;
 constexpr int could_not_finish = 3;
-constexpr int ended_by_signal = 128; // and the signal's number
+constexpr int ended_by_signal = 128; // plus the signal's number
 
 constexpr std::size_t most_names_told = 10;
 
@@ -47,7 +47,7 @@ void complain(const std::string& text) {
     fputs(("lumo-import-library: " + text + '\n').c_str(), stderr);
 }
 
-/// Tells of each argument that cannot be read. Whether there is one.
+/// Reports each argument that cannot be read; returns whether there is one.
 bool has_bad_argument(const CommandLine& line) {
     bool is_bad = false;
     for (const std::vector<std::string>* paths : {&line.arguments, &line.search}) {
@@ -61,7 +61,8 @@ bool has_bad_argument(const CommandLine& line) {
     return is_bad;
 }
 
-/// Tells that no file can be made at `path`, if that is so; an empty path is no file.
+/// Reports when no file can be created at `path`, and returns whether that is so. An empty path is
+/// ignored.
 bool has_bad_page(const std::string& path) {
     const fs::path folder = fs::path(path).parent_path();
     std::error_code error;
@@ -81,7 +82,7 @@ std::string now_text() {
     return text.data();
 }
 
-/// Writes the page, if there is to be one. False when that failed, which is told.
+/// Writes the page if one is requested. On failure reports it and returns false.
 bool finish_page(const Page& page, const Tally& tally, const PageHead& head) {
     if (head.notes.page.empty()) {
         return true;
@@ -117,8 +118,8 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// Opens the file for the lines, and reads what an earlier run imported. The first comes first:
-    /// one file may serve as both, and is not there in the first run.
+    /// Opens the file for the lines, then reads the lines of an earlier run. In this order, because
+    /// both may be the same file, which does not exist in the first run.
     bool open_files() {
         if (!line_.lines.empty()) {
             lines_fault_ = lines_.open(line_.lines);
@@ -141,7 +142,7 @@ private:
         return read.fault.empty();
     }
 
-    /// Finds the instruments that this run is to import. False when it was interrupted.
+    /// Finds the instruments for this run. False when it was interrupted.
     bool find() {
         found_ = find_instruments(line_.arguments, [&](std::size_t count, std::size_t folders) {
             status_line_.show([&](std::size_t width, bool) {
@@ -259,7 +260,7 @@ private:
         }
     }
 
-    /// Tells how the run ended and writes the summary and the page. False when the page could not
+    /// Reports how the run ended and writes the summary and the page. False when the page could not
     /// be written.
     bool sum_up(RunEnd end) {
         notes_.lines = line_.lines;
@@ -310,7 +311,7 @@ int sum_up(const CommandLine& line) {
     if (has_bad_page(line.page)) {
         return wrong_command_line;
     }
-    std::map<std::string, Report> reports; // what came last of each instrument
+    std::map<std::string, Report> reports; // the last line of each instrument
     for (const std::string& file : line.from) {
         const LinesRead read = read_lines_file(file, [&](Report&& report) {
             reports.insert_or_assign(report.source, std::move(report));

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t number_width = 9;
 
-/// A number at the right end of a column.
+/// A right-aligned number.
 std::string column(const std::string& number) {
     return std::string(number_width - std::min(number.size(), number_width), ' ') + number + " ";
 }
@@ -38,7 +38,7 @@ std::string totals(const Tally& tally, const SummaryNotes& notes) {
     return text;
 }
 
-/// Text of the documents without the backquotes around what is to be typed.
+/// A text of the documents without its backquotes.
 std::string plain(std::string text) {
     std::erase(text, '`');
     return text;
@@ -67,7 +67,7 @@ std::string missing_samples(const std::vector<MissingSamples>& folders) {
     return text;
 }
 
-/// How to run again without importing anything twice, in lines.
+/// How to run again without importing an instrument twice, as lines.
 std::vector<std::string> go_on(const SummaryNotes& notes) {
     if (notes.lines.empty()) {
         return {"run again, naming only the instruments that are left",

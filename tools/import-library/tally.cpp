@@ -1,4 +1,4 @@
-// Counting outcomes, and grouping what has one reason.
+// Counts outcomes, and groups failures by cause and missing samples by folder.
 #include "tally.h"
 
 #include <algorithm>
@@ -9,7 +9,7 @@
 namespace lumo::library {
 namespace {
 
-/// The folder in which `path` lies, cut to its first `depth` names; "/" for the root.
+/// The folder of `path`, truncated to its first `depth` names; "/" for the root.
 std::string_view folder_of(std::string_view path, std::size_t depth) {
     const std::size_t last = path.rfind('/');
     if (last == std::string_view::npos) {
@@ -31,7 +31,7 @@ std::map<std::string_view, std::uint64_t> grouped(const std::set<std::string>& p
     return folders;
 }
 
-/// The most names that the folder of a path has.
+/// The largest number of names in the folder of a path.
 std::size_t deepest(const std::set<std::string>& paths) {
     std::ptrdiff_t most = 1;
     for (const std::string& path : paths) {

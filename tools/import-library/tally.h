@@ -1,4 +1,4 @@
-// What came out of many imports together.
+// The totals of many imports.
 #pragma once
 
 #include "causes.h"
@@ -12,13 +12,13 @@
 
 namespace lumo::library {
 
-/// How many failures have one cause.
+/// A cause and the number of its failures.
 struct CauseCount {
     Cause cause;
     std::uint64_t failures = 0;
 };
 
-/// How many of the samples that were not found were recorded below one folder.
+/// A recorded folder and the number of its samples that were not found.
 struct MissingSamples {
     std::string folder; ///< bytes; empty for recorded names without a folder
     std::uint64_t samples = 0;
@@ -31,15 +31,15 @@ public:
 
     std::uint64_t imported = 0;
     std::uint64_t failed = 0;
-    std::uint64_t samples = 0; ///< of the imported instruments, each instrument's counted
+    std::uint64_t samples = 0; ///< sum over the imported instruments
     std::uint64_t copied_bytes = 0;
 
     /// The causes of failures, the most frequent first.
     std::vector<CauseCount> causes() const;
 
-    /// The samples that were not found, each recorded path once, by the folder that they were
-    /// recorded in, most samples first. Where these are more than `max_folders`, by folders further
-    /// up, as deep as that number allows.
+    /// The samples that were not found, each recorded path once, grouped by recorded folder, the
+    /// largest group first. With more than `max_folders` groups, parent folders are used instead,
+    /// as deep as this limit allows.
     std::vector<MissingSamples> missing(std::size_t max_folders = 10) const;
 
 private:

@@ -1,5 +1,4 @@
-// The width of a character is the C library's, which knows what the user's terminal can show (main
-// sets the locale).
+// The C library determines the width of a character, for the user's locale (which main sets).
 #include "text.h"
 
 #include "base/utf8.h"
@@ -14,7 +13,7 @@
 namespace lumo::library {
 namespace {
 
-// A byte B that is no UTF-8 becomes the character byte_base + B of the last private plane.
+// A byte B that is not UTF-8 becomes the character byte_base + B of the last private plane.
 constexpr char32_t byte_base = 0x10F700;
 
 bool stands_for_byte(char32_t value) {
@@ -28,7 +27,7 @@ void append_utf8(std::string& text, char32_t value) {
     }
 }
 
-/// Calls `take` for each character of `text`, and for each byte that belongs to none (size 0).
+/// Calls `take` for each character of `text`, and for each byte that is not part of one (size 0).
 template <typename Take>
 void for_each_character(std::string_view text, Take take) {
     while (!text.empty()) {
@@ -39,7 +38,7 @@ void for_each_character(std::string_view text, Take take) {
     }
 }
 
-/// Whether a character would do something to the line rather than stand in it.
+/// Whether a character would affect the rest of the line.
 bool is_control(char32_t value) {
     return value < 0x20 || (value >= 0x7F && value < 0xA0) || // controls
            value == 0x061C || value == 0x200E || value == 0x200F ||
@@ -61,7 +60,7 @@ std::string escaped(char32_t value) {
     return text.data();
 }
 
-/// Columns of one character; none (-1) for what the terminal cannot show.
+/// The columns of one character; -1 when the terminal cannot show it.
 int width_of(const Utf8Character& character) {
     if (character.value < 0x80) {
         return 1;

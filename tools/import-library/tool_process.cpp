@@ -1,5 +1,5 @@
-// fork and execv, with a pipe for each of the outputs and a third, which a successful execv closes,
-// for the reason of one that fails.
+// fork and execv, with a pipe for each of the outputs, and a third one that returns the error of a
+// failed execv; a successful execv closes it.
 #include "tool_process.h"
 
 #include <fcntl.h>
@@ -23,9 +23,9 @@ namespace {
 
 constexpr int longest_wait_ms = 100;
 constexpr std::size_t spare_room = 4096;                  // POSIX recommends 2048
-constexpr std::size_t usual_limit = std::size_t{2} << 20; // some systems name none, and have one
+constexpr std::size_t usual_limit = std::size_t{2} << 20; // for systems that report no limit
 
-/// Both ends of a pipe, which a new process does not keep.
+/// Both ends of a pipe; execv closes them.
 struct Pipe {
     Descriptor reading;
     Descriptor writing;
@@ -42,13 +42,13 @@ struct Pipe {
     }
 };
 
-/// The reading end of a pipe, from now on without waiting.
+/// Makes the reading end of a pipe non-blocking.
 Descriptor without_waiting(Descriptor reading) {
     fcntl(reading.get(), F_SETFL, O_NONBLOCK);
     return reading;
 }
 
-/// In the new process: becomes the tool, or says why not and ends.
+/// Called in the new process: executes the tool, or writes errno to `failure` and ends.
 [[noreturn]] void become(char* const* words, int out, int err, int failure) {
     const int nothing = open("/dev/null", O_RDONLY);
     dup2(nothing, STDIN_FILENO);
@@ -60,7 +60,7 @@ Descriptor without_waiting(Descriptor reading) {
     _exit(written == sizeof reason ? 127 : 126);
 }
 
-/// The reason that the new process gives; 0 when it became the tool.
+/// The errno from the new process; 0 when it executes the tool.
 int read_failure(Pipe& failure) {
     failure.writing = Descriptor();
     int reason = 0;
@@ -112,7 +112,7 @@ ToolProcess::ToolProcess(const std::vector<std::string>& words) {
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
     for (const std::string& word : words) {
-        pointers.push_back(const_cast<char*>(word.c_str())); // which execv only reads
+        pointers.push_back(const_cast<char*>(word.c_str())); // execv does not change it
     }
     pointers.push_back(nullptr);
     Pipe out;

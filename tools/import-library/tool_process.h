@@ -1,4 +1,4 @@
-// The tool as a process whose output this program reads.
+// Runs the tool as a child process and reads its output.
 #pragma once
 
 #include "base/descriptor.h"
@@ -15,7 +15,7 @@
 
 namespace lumo::library {
 
-/// Gathers what comes through a pipe and hands it on by whole lines.
+/// Reads complete lines from a pipe.
 class LineReader {
 public:
     /// Reads from a descriptor that does not block.
@@ -34,16 +34,16 @@ private:
     LineSplitter lines_;
 };
 
-/// How many bytes of arguments a new process may be given, those of the environment and some spare
-/// ones taken off.
+/// The number of bytes available for the arguments of a new process, without those for the
+/// environment and a reserve.
 std::size_t room_for_arguments();
-/// How many of them one argument takes.
+/// The number of bytes that one argument takes.
 std::size_t size_as_argument(const std::string& argument);
 
-/// A running tool, which is ended and waited for when this goes.
+/// A running tool. The destructor ends it and waits for it.
 class ToolProcess {
 public:
-    /// Starts `words[0]` with no standard input. Throws std::system_error when that fails.
+    /// Starts `words[0]` without standard input. Throws std::system_error on failure.
     explicit ToolProcess(const std::vector<std::string>& words);
     ~ToolProcess();
     ToolProcess(const ToolProcess&) = delete;
@@ -51,14 +51,14 @@ public:
 
     /// Whether more of its output may come.
     bool has_output() const { return out_.descriptor() >= 0 || err_.descriptor() >= 0; }
-    /// Waits up to 100 ms for output and hands its lines on, those of standard output and those of
+    /// Waits up to 100 ms for output and passes its lines on, separately for standard output and
     /// standard error. A last line without an end is handed on from standard error only: on
     /// standard output it is a report line that was cut short.
     void read_output(const std::function<void(std::string_view line)>& take_out,
                      const std::function<void(std::string_view line)>& take_err);
-    /// Tells it to end.
+    /// Asks it to end (SIGTERM).
     void terminate() const;
-    /// Waits for its end; how it ended, such as "status 1" or "signal 9 (Killed)".
+    /// Waits for its end. Returns how it ended, such as "status 1" or "signal 9 (Killed)".
     std::string wait();
 
 private:

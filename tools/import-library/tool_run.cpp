@@ -1,4 +1,4 @@
-// One call of the tool after another; each gets as many instruments as its command line takes.
+// Starts the tool repeatedly, each time with as many instruments as the command line can hold.
 #include "tool_run.h"
 
 #include "tool_process.h"
@@ -39,8 +39,7 @@ public:
     }
 
 private:
-    /// Imports the instruments up to `end`, or what the tool does of them. False when the run
-    /// cannot go on.
+    /// Starts the tool with the instruments up to `end`. False when the run cannot continue.
     bool call(std::size_t end) {
         std::vector<std::string> words = command_;
         const auto instrument = [&](std::size_t number) {
@@ -82,8 +81,8 @@ private:
         }
     }
 
-    /// The tool ended before its last instrument: the run goes on behind the one that it was at,
-    /// unless that has happened too often.
+    /// Called when the tool ended before its last instrument: the run continues after the current
+    /// instrument, unless this has happened too often.
     bool go_on_after(const std::string& reason) {
         listener_.ended_at(next_, reason);
         ++next_;
@@ -95,12 +94,12 @@ private:
     const std::vector<std::string>& instruments_;
     const RunListener& listener_;
     std::size_t room_;
-    std::size_t next_ = 0; // the instrument that the tool is at
+    std::size_t next_ = 0; // the instrument that the tool is importing
     int deaths_in_a_row_ = 0;
     bool is_stopped_ = false;
 };
 
-/// The folder that the tool would search for an argument's sake if it had all of them.
+/// The folder that the tool would search because of an argument if it had all of them.
 std::string search_folder(const std::string& argument) {
     const std::filesystem::path path = argument;
     std::error_code error;

@@ -1,4 +1,4 @@
-// Runs the tool over many instruments, in as many calls as it takes.
+// Imports many instruments by starting the tool as often as necessary.
 #pragma once
 
 #include "summary.h"
@@ -11,34 +11,34 @@
 
 namespace lumo::library {
 
-/// The tool's command line but for the instruments: the same for every call, so that each looks for
-/// samples below the same folders whichever instruments it has. These are `search`, each of
-/// `arguments` that is a folder, and the folders of the others.
+/// The tool's command line without instruments. It is the same for every call, so that each call
+/// searches the same folders for samples: `search`, each of `arguments` that is a folder, and the
+/// folders of the others.
 std::vector<std::string> tool_command(const std::string& tool, const std::string& package,
                                       const std::string& states,
                                       const std::vector<std::string>& search,
                                       const std::vector<std::string>& arguments);
 
-/// How many of `instruments`, from `first`, go on a command line that has `room` bytes left; at
-/// least one.
+/// How many of `instruments`, from `first`, fit on a command line with `room` bytes left; at least
+/// one.
 std::size_t fitting(const std::vector<std::string>& instruments, std::size_t first,
                     std::size_t room);
 
-/// Takes what a run gives, as it comes.
+/// Receives the events of a run.
 struct RunListener {
-    /// A report line, without its end, of the instrument of this number.
+    /// A report line, without its line end, of the instrument with this number.
     std::function<void(std::string_view line, std::size_t instrument)> line;
-    /// The tool ended at this instrument; `reason` says how.
+    /// The tool ended at this instrument; `reason` describes how.
     std::function<void(std::size_t instrument, const std::string& reason)> ended_at;
     /// A line of the tool's standard error, or a failure to start it.
     std::function<void(std::string_view text)> message;
-    /// Some time has passed, a tenth of a second at most; false ends the run.
+    /// Called at least every 100 ms; returning false ends the run.
     std::function<bool()> may_go_on;
 };
 
-/// Runs `command` with `instruments`, in order. When the tool ends early, another one goes on
-/// behind the instrument that it was at. The run fails when it cannot be started, or ends three
-/// times in a row without a line.
+/// Runs `command` with `instruments`, in order. When the tool ends early, it is started again after
+/// the current instrument. The run fails when the tool cannot be started, or ends three times in a
+/// row without a line.
 RunEnd run_tool(const std::vector<std::string>& command,
                 const std::vector<std::string>& instruments, const RunListener& listener);
 

@@ -1,14 +1,14 @@
-// Shows the instruments of the data above. Each has an item of the list from the start, which is
-// filled when it comes into view; its key map is drawn then. All that comes out of the data is put
-// in as text.
+// Shows the instruments of the data above. Each has an empty list item from the start; the item is
+// filled, and its key map drawn, when it scrolls into view. Everything from the data is inserted as
+// text.
 "use strict";
 
 const data = JSON.parse(document.getElementById("data").textContent);
 
-// Places in an instrument's list.
+// Indexes of an instrument's list.
 const [NAME, FOLDER, FILE, CAUSE, ERROR, SAMPLES, BYTES, COPIED, STATE_FOLDER, STATE_FILE, LOAD, ZONES,
   MAX_STACK, STACKED, LOWEST, HIGHEST, LAYERS, RELINKED, UNRESOLVED, APPLE] = Array(20).keys();
-// Places in a layer's list; marks are 1 for chosen by a controller, 2 for on release.
+// Indexes of a layer's list; marks are 1 for chosen by a controller, 2 for on release.
 const [LAYER_NAME, MARKS, LAYER_ZONES, LOOPED, AREAS] = Array(5).keys();
 
 const COLOURS = 8;
@@ -63,7 +63,7 @@ function svg(tag, settings, ...children) {
 
 const pathText = text => element("span", {class: "path"}, text);
 
-// A remedy, in which words between backquotes are to be typed.
+// A remedy; words between backquotes are code.
 function remedyText(remedy) {
   const parts = remedy.split("`").map((part, i) => i % 2 ? element("code", {}, part) : part);
   return remedy ? [element("span", {class: "remedy"}, "To do: ", ...parts)] : [];
@@ -71,7 +71,7 @@ function remedyText(remedy) {
 
 // ---- Key maps: keys across, velocities up
 
-// The outline of a layer's areas, a rectangle each, in units of `wide` a key and `high` a velocity.
+// The outline of a layer's areas, one rectangle each; a key is `wide` and a velocity `high`.
 function outline(areas, wide, high) {
   let path = "";
   for (let i = 0; i < areas.length; i += 4) {
@@ -85,7 +85,7 @@ function outline(areas, wide, high) {
 const hasMap = one => one[LAYERS].some(layer => layer[AREAS]);
 const colour = index => `var(--layer-${index % COLOURS})`;
 
-// Layers in the order in which they are drawn: those that sound on every note lie lowest.
+// Layers in drawing order: those that sound on every note first, below the others.
 const drawn = one => one[LAYERS].map((layer, index) => ({layer, index}))
   .sort((a, b) => a.layer[MARKS] - b.layer[MARKS] || a.index - b.index);
 
@@ -101,7 +101,8 @@ function thumbnail(one) {
 
 let patterns = 0;
 
-// What fills a layer that does not sound on every note: lines for a release, dots for a controller.
+// The pattern of a layer that does not sound on every note: lines for release, dots for a
+// controller.
 function pattern(layer, index) {
   const id = `pattern-${++patterns}`;
   const figure = layer[MARKS] & 2
@@ -158,7 +159,7 @@ function keyboard(wide, left, top) {
   for (let key = 0; key < 128; ++key) {
     if (isBlack(key)) {
       blacks.push(svg("rect", {class: "black-key", x: key * wide, width: wide, height: 14}));
-    } else { // a white key reaches half below its black neighbours
+    } else { // a white key extends half below its black neighbours
       const from = isBlack(key - 1) && key > 0 ? -wide / 2 : 0;
       const to = key < 127 && isBlack(key + 1) ? wide / 2 : 0;
       keys.append(svg("rect", {class: "white-key", x: key * wide + from, width: wide - from + to, height: 22}));
@@ -265,7 +266,7 @@ function fill(row) {
       element("span", {class: "figure"}, bytesText(one[BYTES])),
       element("span", {class: "figure extra"}, counted(one[ZONES], "zone")),
       element("span", {class: "figure extra"}, keysText(one)));
-  } else { // it was not loaded: all that is known is where it is
+  } else { // it was not loaded: only its path is known
     button.append(element("span", {class: "place"}, data.folders[one[FOLDER]]));
   }
   item.append(button);
@@ -290,7 +291,7 @@ const watcher = new IntersectionObserver(entries => {
   }
 }, {rootMargin: "600px"});
 
-// What the filter looks at, in lower case; made when it is first asked for.
+// The text that the filter searches, in lower case; made at first use.
 function searchText(row) {
   if (!row.text) {
     const {one} = row;
@@ -304,7 +305,7 @@ function searchText(row) {
   return row.text;
 }
 
-let cause = null; // the number of the cause whose failures alone are shown
+let cause = null; // the number of the selected cause; only its failures are shown
 
 function filter() {
   const words = byId("filter").value.toLowerCase().split(/\s+/).filter(Boolean);
@@ -327,7 +328,7 @@ const compareTexts = new Intl.Collator("en", {numeric: true, sensitivity: "base"
 const byName = (a, b) => compareTexts(a.one[NAME], b.one[NAME]) || a.order - b.order;
 const byMost = place => (a, b) => b.one[place] - a.one[place] || byName(a, b);
 const ORDERS = {
-  // The causes with most failures first, as they stand above.
+  // The causes with most failures first, as in the list above.
   outcome: (a, b) => isFailed(b.one) - isFailed(a.one) ||
     (isFailed(a.one) && data.causes[b.one[CAUSE]][2] - data.causes[a.one[CAUSE]][2]) ||
     a.one[CAUSE] - b.one[CAUSE] || byName(a, b),

@@ -64,7 +64,7 @@ OSStatus load_exs(AudioUnit sampler, const SampleIndex& index, Report& report) {
 
 /// The status of the load; nothing, with the error set, when the file is no preset.
 std::optional<OSStatus> load_preset(AudioUnit sampler, const SampleIndex& index, Report& report) {
-    const Ref<CFPropertyListRef> preset = read_dictionary(report.source);
+    const Ref<CFDictionaryRef> preset = read_dictionary(report.source);
     if (!preset) {
         report.error = "the preset isn't a property list";
         return std::nullopt;

@@ -38,7 +38,7 @@ std::vector<LayerAreas> key_areas(const void* state) {
 }
 
 std::optional<std::vector<LayerAreas>> key_areas_of_file(const std::string& path) {
-    const Ref<CFPropertyListRef> state = read_dictionary(path);
+    const Ref<CFDictionaryRef> state = read_dictionary(path);
     return state ? std::optional(key_areas(state.get())) : std::nullopt;
 }
 

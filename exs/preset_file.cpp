@@ -3,6 +3,7 @@
 // that has a writer is read without a time limit, since the writer may be a slow program.
 #include "preset_file.h"
 
+#include "base/cf_values.h"
 #include "base/descriptor.h"
 
 #include <fcntl.h>
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <utility>
 
 namespace lumo::exs {
 namespace {
@@ -89,14 +89,13 @@ std::vector<unsigned char> read_preset(const std::string& path) {
     return {};
 }
 
-Ref<CFPropertyListRef> read_dictionary(const std::string& path) {
+Ref<CFDictionaryRef> read_dictionary(const std::string& path) {
     const std::vector<unsigned char> bytes = read_preset(path);
     const auto data = adopt(CFDataCreateWithBytesNoCopy(
         kCFAllocatorDefault, bytes.data(), static_cast<CFIndex>(bytes.size()), kCFAllocatorNull));
-    auto list = adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
-                                                   kCFPropertyListImmutable, nullptr, nullptr));
-    return list && CFGetTypeID(list.get()) == CFDictionaryGetTypeID() ? std::move(list)
-                                                                      : Ref<CFPropertyListRef>();
+    const auto list = adopt(CFPropertyListCreateWithData(
+        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+    return retain(value_as<CFDictionaryRef>(list.get()));
 }
 
 } // namespace lumo::exs

@@ -15,6 +15,6 @@ std::vector<unsigned char> read_preset(const std::string& path);
 
 /// The dictionary in the file at `path`, which may be a pipe; nothing when the file cannot be read,
 /// holds no property list, or its top-level value is not a dictionary.
-Ref<CFPropertyListRef> read_dictionary(const std::string& path);
+Ref<CFDictionaryRef> read_dictionary(const std::string& path);
 
 } // namespace lumo::exs

@@ -1,29 +1,13 @@
-// Reads values from property lists and writes property lists to files. A value returned from a
-// container is borrowed from it; no function takes ownership of an argument.
+// Reads numbers from property lists and writes property lists to files. No function takes ownership
+// of an argument.
 #pragma once
 
-#include "base/ref.h"
+#include "base/cf_values.h"
 
 #include <cstdint>
 #include <filesystem>
-#include <string>
 
 namespace lumo::exs {
-
-/// A new string from NUL-terminated UTF-8. For text that is not UTF-8: nothing, or on a Mac
-/// possibly a string with U+FFFD.
-Ref<CFStringRef> make_string(const char* text);
-
-/// The UTF-8 text of a string up to its first NUL; empty when it is null or cannot be converted.
-std::string to_string(CFStringRef string);
-
-/// The value of `key`, borrowed; null when there is none.
-CFTypeRef value_of(CFDictionaryRef dictionary, const char* key);
-
-/// The dictionary, array or string of `key`, borrowed; null when there is none or its type differs.
-CFDictionaryRef dictionary_of(CFDictionaryRef dictionary, const char* key);
-CFArrayRef array_of(CFDictionaryRef dictionary, const char* key);
-CFStringRef string_of(CFDictionaryRef dictionary, const char* key);
 
 /// The integer value of `key`: a real is truncated, a boolean is 1 or 0; `default_value` when there
 /// is no value or it has another type.

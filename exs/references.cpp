@@ -19,8 +19,7 @@ Ref<CFMutableDictionaryRef> make_dictionary(const References& paths) {
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
     for (const auto& [key, path] : paths) {
         if (is_utf8(key) && is_utf8(path)) {
-            CFDictionarySetValue(dictionary.get(), make_string(key.c_str()).get(),
-                                 make_string(path.c_str()).get());
+            CFDictionarySetValue(dictionary.get(), make_string(key).get(), make_string(path).get());
         }
     }
     return dictionary;
@@ -30,7 +29,7 @@ Ref<CFMutableDictionaryRef> make_dictionary(const References& paths) {
 
 References references(const void* state) {
     const CFDictionaryRef entries =
-        dictionary_of(static_cast<CFDictionaryRef>(state), references_key);
+        value_of<CFDictionaryRef>(static_cast<CFDictionaryRef>(state), references_key);
     if (!entries) {
         return {};
     }
@@ -40,9 +39,8 @@ References references(const void* state) {
     CFDictionaryGetKeysAndValues(entries, keys.data(), values.data());
     References paths;
     for (std::size_t i = 0; i < count; ++i) {
-        if (CFGetTypeID(values[i]) == CFStringGetTypeID()) {
-            std::string path = to_string(static_cast<CFStringRef>(values[i]));
-            paths[to_string(static_cast<CFStringRef>(keys[i]))] = std::move(path);
+        if (const auto path = value_as<CFStringRef>(values[i])) {
+            paths[to_string(static_cast<CFStringRef>(keys[i]))] = to_string(path);
         }
     }
     return paths;

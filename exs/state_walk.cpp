@@ -14,7 +14,7 @@ constexpr std::int32_t release_trigger = 12; // "trigger mode" of layers that so
 
 Shape::Layer layer_settings(CFDictionaryRef dictionary) {
     Shape::Layer layer;
-    layer.name = to_string(string_of(dictionary, "name"));
+    layer.name = to_string(value_of<CFStringRef>(dictionary, "name"));
     layer.controller_chosen = integer(dictionary, "sel ctrlr", -1) >= 0;
     layer.on_release = integer(dictionary, "trigger mode", 0) == release_trigger;
     return layer;

@@ -13,9 +13,8 @@ template <typename Visit>
 void for_each_dictionary(CFArrayRef array, Visit visit) {
     const CFIndex count = array ? CFArrayGetCount(array) : 0;
     for (CFIndex i = 0; i < count; ++i) {
-        const CFTypeRef element = CFArrayGetValueAtIndex(array, i);
-        if (CFGetTypeID(element) == CFDictionaryGetTypeID()) {
-            visit(static_cast<CFDictionaryRef>(element));
+        if (const auto element = value_as<CFDictionaryRef>(CFArrayGetValueAtIndex(array, i))) {
+            visit(element);
         }
     }
 }
@@ -24,8 +23,8 @@ void for_each_dictionary(CFArrayRef array, Visit visit) {
 template <typename Visit>
 void for_each_layer(const void* state, Visit visit) {
     const auto dictionary = static_cast<CFDictionaryRef>(state);
-    if (const CFDictionaryRef instrument = dictionary_of(dictionary, "Instrument")) {
-        for_each_dictionary(array_of(instrument, "Layers"), visit);
+    if (const CFDictionaryRef instrument = value_of<CFDictionaryRef>(dictionary, "Instrument")) {
+        for_each_dictionary(value_of<CFArrayRef>(instrument, "Layers"), visit);
     }
 }
 
@@ -43,7 +42,7 @@ std::optional<KeyArea> area_of(CFDictionaryRef zone);
 template <typename Visit>
 Shape::Layer read_layer(CFDictionaryRef dictionary, Visit visit) {
     Shape::Layer layer = layer_settings(dictionary);
-    for_each_dictionary(array_of(dictionary, "Zones"), [&](CFDictionaryRef zone) {
+    for_each_dictionary(value_of<CFArrayRef>(dictionary, "Zones"), [&](CFDictionaryRef zone) {
         layer.zones += 1;
         layer.looped_zones += integer(zone, "loop enabled", 0) != 0 ? 1 : 0;
         if (const std::optional<KeyArea> area = area_of(zone)) {

@@ -5,7 +5,7 @@
 
 #include "audio_toolbox/file_references.h"
 #include "audio_toolbox/status.h"
-#include "audio_toolbox/typed_value.h"
+#include "base/cf_values.h"
 #include "sampler/state_dictionary.h"
 
 #include <AudioToolbox/AudioToolbox.h>
@@ -18,22 +18,17 @@ namespace {
 
 /// Whether `key` has a number that equals `wanted`; a real is truncated.
 bool has_number(CFDictionaryRef list, const char* key, UInt32 wanted) {
-    const CFTypeRef value = value_of_type(list, key, CFNumberGetTypeID());
+    const auto value = value_of<CFNumberRef>(list, key);
     SInt32 number = 0;
     if (value) {
-        CFNumberGetValue(static_cast<CFNumberRef>(value), kCFNumberSInt32Type, &number);
+        CFNumberGetValue(value, kCFNumberSInt32Type, &number);
     }
     return value && static_cast<UInt32>(number) == wanted;
 }
 
 bool is_for_this_unit(CFPropertyListRef list) {
-    if (!list || CFGetTypeID(list) != CFDictionaryGetTypeID()) {
-        return false;
-    }
-    const auto dictionary = static_cast<CFDictionaryRef>(list);
-    const bool is_for_a_part =
-        CFDictionaryGetValue(dictionary, state_text("part").get()) != nullptr;
-    return !is_for_a_part && has_number(dictionary, "version", 0) &&
+    const auto dictionary = value_as<CFDictionaryRef>(list);
+    return dictionary && !value_of(dictionary, "part") && has_number(dictionary, "version", 0) &&
            has_number(dictionary, "subtype", kAudioUnitSubType_Sampler) &&
            has_number(dictionary, "manufacturer", kAudioUnitManufacturer_Apple);
 }
@@ -45,17 +40,13 @@ bool is_for_this_unit(CFPropertyListRef list) {
 constexpr CFIndex most_zones = 1 << 22;
 
 CFIndex count_zones(CFTypeRef layer) {
-    if (CFGetTypeID(layer) != CFDictionaryGetTypeID()) {
-        return 0;
-    }
-    const CFTypeRef zones =
-        value_of_type(static_cast<CFDictionaryRef>(layer), "Zones", CFArrayGetTypeID());
-    return zones ? CFArrayGetCount(static_cast<CFArrayRef>(zones)) : 0;
+    const auto dictionary = value_as<CFDictionaryRef>(layer);
+    const auto zones = dictionary ? value_of<CFArrayRef>(dictionary, "Zones") : nullptr;
+    return zones ? CFArrayGetCount(zones) : 0;
 }
 
 bool is_too_large(CFDictionaryRef instrument) {
-    const auto layers =
-        static_cast<CFArrayRef>(value_of_type(instrument, "Layers", CFArrayGetTypeID()));
+    const auto layers = value_of<CFArrayRef>(instrument, "Layers");
     const CFIndex count = layers ? CFArrayGetCount(layers) : 0;
     CFIndex total = count;
     for (CFIndex i = 0; i < count && total <= most_zones; ++i) {
@@ -68,7 +59,7 @@ bool is_too_large(CFDictionaryRef instrument) {
 
 std::optional<SamplerParameters> read_parameters(CFDictionaryRef list,
                                                  const SamplerParameters& before) {
-    const auto data = static_cast<CFDataRef>(value_of_type(list, "data", CFDataGetTypeID()));
+    const auto data = value_of<CFDataRef>(list, "data");
     if (!data) {
         return before;
     }
@@ -119,17 +110,15 @@ OSStatus read_class_info(CFPropertyListRef list, SamplerState& state) {
     if (!parameters) {
         return kAudioUnitErr_InvalidScope;
     }
-    const auto instrument = static_cast<CFDictionaryRef>(
-        value_of_type(dictionary, "Instrument", CFDictionaryGetTypeID()));
+    const auto instrument = value_of<CFDictionaryRef>(dictionary, "Instrument");
     if (instrument && is_too_large(instrument)) {
         return memory_full;
     }
-    const CFTypeRef name = value_of_type(dictionary, "name", CFStringGetTypeID());
     LoadedInstrument loaded;
     loaded.instrument = retain(instrument);
     read_references(dictionary, loaded);
-    state = {*parameters, read_unit_values(dictionary), retain(static_cast<CFStringRef>(name)),
-             std::move(loaded)};
+    state = {*parameters, read_unit_values(dictionary),
+             retain(value_of<CFStringRef>(dictionary, "name")), std::move(loaded)};
     return 0;
 }
 

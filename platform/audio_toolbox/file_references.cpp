@@ -3,7 +3,7 @@
 #include "audio_toolbox/file_references.h"
 
 #include "audio_toolbox/property_text.h"
-#include "audio_toolbox/typed_value.h"
+#include "base/cf_values.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -23,11 +23,13 @@ struct References {
     std::vector<Reference> texts;
 
     void add(CFTypeRef key, CFTypeRef value) {
-        if (CFGetTypeID(key) != CFStringGetTypeID() || CFGetTypeID(value) != CFStringGetTypeID()) {
+        const auto name = value_as<CFStringRef>(key);
+        const auto reference = value_as<CFStringRef>(value);
+        if (!name || !reference) {
             return;
         }
-        Ref<CFStringRef> path = posix_path(static_cast<CFStringRef>(value));
-        texts.emplace_back(to_utf8(static_cast<CFStringRef>(key)), to_utf8(path.get()));
+        Ref<CFStringRef> path = posix_path(reference);
+        texts.emplace_back(to_string(name), to_string(path.get()));
         keys.push_back(key);
         paths.push_back(std::move(path));
     }
@@ -35,8 +37,7 @@ struct References {
 
 References references_in(CFDictionaryRef list) {
     References references;
-    const auto recorded = static_cast<CFDictionaryRef>(
-        value_of_type(list, "file-references", CFDictionaryGetTypeID()));
+    const auto recorded = value_of<CFDictionaryRef>(list, "file-references");
     if (!recorded) {
         return references;
     }

@@ -1,9 +1,11 @@
 // Presets refer to their samples by paths; some hosts write file URLs instead.
 #include "audio_toolbox/property_text.h"
 
+#include "base/cf_values.h"
+
 #include <strings.h>
 
-#include <cstddef>
+#include <string>
 
 namespace lumo::platform {
 namespace {
@@ -15,22 +17,8 @@ bool is_file_url(const std::string& text) {
 
 } // namespace
 
-std::string to_utf8(CFStringRef string) {
-    const CFRange all = CFRangeMake(0, CFStringGetLength(string));
-    CFIndex size = 0;
-    const CFIndex units =
-        CFStringGetBytes(string, all, kCFStringEncodingUTF8, 0, false, nullptr, 0, &size);
-    if (units != all.length) {
-        return {};
-    }
-    std::string text(static_cast<std::size_t>(size), '\0');
-    CFStringGetBytes(string, all, kCFStringEncodingUTF8, 0, false,
-                     reinterpret_cast<UInt8*>(text.data()), size, nullptr);
-    return text;
-}
-
 Ref<CFStringRef> posix_path(CFStringRef reference) {
-    if (is_file_url(to_utf8(reference))) {
+    if (is_file_url(to_string(reference))) {
         if (const auto url =
                 adopt(CFURLCreateWithString(kCFAllocatorDefault, reference, nullptr))) {
             if (auto path = adopt(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle))) {

@@ -1,7 +1,7 @@
 // Reading and writing use the same tables of keys.
 #include "audio_toolbox/unit_values.h"
 
-#include "audio_toolbox/typed_value.h"
+#include "base/cf_values.h"
 #include "sampler/state_dictionary.h"
 
 #include <array>
@@ -24,8 +24,8 @@ constexpr std::array<std::pair<const char*, SInt32 UnitValues::*>, 3> integers{{
 
 template <class T>
 void read(CFDictionaryRef list, const char* key, CFNumberType type, T& number) {
-    if (const CFTypeRef value = value_of_type(list, key, CFNumberGetTypeID())) {
-        CFNumberGetValue(static_cast<CFNumberRef>(value), type, &number);
+    if (const auto value = value_of<CFNumberRef>(list, key)) {
+        CFNumberGetValue(value, type, &number);
     }
 }
 

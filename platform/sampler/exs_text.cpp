@@ -6,10 +6,8 @@
 // slash was an ordinary character there; later systems show it as a colon.
 #include "sampler/exs_text.h"
 
-#include "base/ref.h"
+#include "base/cf_values.h"
 #include "base/utf8.h"
-
-#include <CoreFoundation/CoreFoundation.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -18,15 +16,6 @@ namespace lumo::platform {
 namespace {
 
 using String = Ref<CFStringRef>;
-
-std::string utf8(CFStringRef string) {
-    const CFIndex room =
-        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
-    std::string text(static_cast<std::size_t>(room), '\0');
-    CFStringGetCString(string, text.data(), room, kCFStringEncodingUTF8);
-    text.resize(text.find('\0'));
-    return text;
-}
 
 String from_mac_roman(std::span<const std::uint8_t> bytes) {
     return adopt(CFStringCreateWithBytes(kCFAllocatorDefault, bytes.data(),
@@ -74,7 +63,7 @@ std::string exs_text(std::span<const std::uint8_t> bytes) {
         return rest;
     }
     const String roman = from_mac_roman(bytes);
-    return roman ? utf8(roman.get()) : std::string();
+    return to_string(roman.get());
 }
 
 std::string exs_path(std::string_view directory, std::string_view name) {

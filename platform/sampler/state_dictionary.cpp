@@ -3,6 +3,8 @@
 // allocation.
 #include "sampler/state_dictionary.h"
 
+#include "base/cf_values.h"
+
 #include <utility>
 
 namespace lumo::platform {
@@ -20,9 +22,7 @@ StateValue state_boolean(bool value) {
 }
 
 StateValue state_text(const std::string& text) {
-    StateValue made = adopt(
-        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(text.data()),
-                                static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
+    StateValue made = make_string(text);
     return made ? made : state_text({});
 }
 

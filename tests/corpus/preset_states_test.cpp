@@ -30,8 +30,8 @@ Ref<CFPropertyListRef> read_preset(const fs::path& path) {
 Ref<CFMutableDictionaryRef> without_samples(CFPropertyListRef preset) {
     auto state = adopt(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0,
                                                      static_cast<CFDictionaryRef>(preset)));
-    CFDictionarySetValue(state.get(), text("file-references").get(), parse("<dict/>").get());
-    CFDictionaryRemoveValue(state.get(), text("file-secure-references").get());
+    CFDictionarySetValue(state.get(), make_string("file-references").get(), parse("<dict/>").get());
+    CFDictionaryRemoveValue(state.get(), make_string("file-secure-references").get());
     return state;
 }
 

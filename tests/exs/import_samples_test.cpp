@@ -1,4 +1,5 @@
 // How the samples of an instrument come into the show.
+#include "base/cf_values.h"
 #include "import_fixture.h"
 
 #include <cerrno>
@@ -24,9 +25,7 @@ protected:
             if (!path) {
                 return paths;
             }
-            char text[4096];
-            CFStringGetCString(static_cast<CFStringRef>(path.get()), text, sizeof text,
-                               kCFStringEncodingUTF8);
+            const std::string text = lumo::to_string(static_cast<CFStringRef>(path.get()));
             paths.push_back(fs::path(text).lexically_relative(options.package).string());
         }
     }

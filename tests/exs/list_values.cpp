@@ -1,12 +1,12 @@
 // Objects are made with the public functions of CoreFoundation.
 #include "list_values.h"
 
+#include "base/cf_values.h"
+
 namespace lumo::test {
 
 Value text(const std::string& utf8) {
-    return adopt(
-        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
-                                static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
+    return make_string(utf8);
 }
 
 Value whole(int number) {

@@ -1,4 +1,4 @@
-// Reading strings and numbers from property lists, and writing property lists to files.
+// Reading numbers from property lists, and writing property lists to files.
 #include "list_values.h"
 #include "property_list.h"
 #include "support/temp_folder.h"
@@ -12,36 +12,10 @@ namespace {
 
 using namespace lumo::test;
 using lumo::exs::integer;
-using lumo::exs::make_string;
-using lumo::exs::to_string;
 using lumo::exs::write_plist;
-
-std::string string_text(const std::string& utf8) {
-    return to_string(static_cast<CFStringRef>(text(utf8).get()));
-}
 
 int integer_of(const Value& value, int default_value) {
     return integer(as_dictionary(dictionary({{"key", value}})), "key", default_value);
-}
-
-TEST(ToString, OfNullIsEmpty) {
-    EXPECT_EQ(to_string(nullptr), "");
-}
-
-TEST(ToString, OfAnEmptyStringIsEmpty) {
-    EXPECT_EQ(string_text(""), "");
-}
-
-TEST(ToString, GivesLettersBeyondAsciiAsUtf8) {
-    EXPECT_EQ(string_text("Caf\xc3\xa9 \xf0\x9f\x8e\xb9"), "Caf\xc3\xa9 \xf0\x9f\x8e\xb9");
-}
-
-TEST(ToString, EndsAtTheFirstNul) {
-    EXPECT_EQ(string_text(std::string("kick\0snare", 10)), "kick");
-}
-
-TEST(MakeString, OfBytesThatAreNotUtf8IsNothing) {
-    EXPECT_FALSE(make_string("Caf\xe9"));
 }
 
 TEST(Integer, OfAMissingKeyIsTheDefault) {

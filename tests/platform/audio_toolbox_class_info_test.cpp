@@ -118,10 +118,10 @@ TEST_F(ClassInfo, OfAFreshUnitHasTheDefaults) {
 TEST_F(ClassInfo, HasRealsWhereTheSamplerHasReals) {
     const Ref<CFDictionaryRef> state = sampler.state();
     for (const char* key : {"AU version", "gain", "fine tune", "pan"}) {
-        EXPECT_TRUE(CFNumberIsFloatType(static_cast<CFNumberRef>(value(state.get(), key)))) << key;
+        EXPECT_TRUE(CFNumberIsFloatType(value_of<CFNumberRef>(state.get(), key))) << key;
     }
     for (const char* key : {"coarse tune", "output", "version", "voice count", "type"}) {
-        EXPECT_FALSE(CFNumberIsFloatType(static_cast<CFNumberRef>(value(state.get(), key)))) << key;
+        EXPECT_FALSE(CFNumberIsFloatType(value_of<CFNumberRef>(state.get(), key))) << key;
     }
 }
 
@@ -142,18 +142,18 @@ TEST_F(ClassInfo, KeepsTheInstrumentWhole) {
         "<key>Instrument</key><dict><key>Layers</key><array><dict><key>Zones</key><array/>"
         "<key>odd</key><date>2020-01-01T00:00:00Z</date></dict></array><key>unknown</key><true/>"
         "</dict>");
-    EXPECT_TRUE(CFEqual(value(state.get(), "Instrument"), instrument.get()));
+    EXPECT_TRUE(CFEqual(value_of(state.get(), "Instrument"), instrument.get()));
 }
 
 TEST_F(ClassInfo, HasNoInstrumentWhenNoneCame) {
-    EXPECT_FALSE(value(state_with("").get(), "Instrument"));
-    EXPECT_FALSE(value(state_with("<key>Instrument</key><array/>").get(), "Instrument"));
-    EXPECT_FALSE(value(state_with("<key>Instrument</key><string/>").get(), "Instrument"));
+    EXPECT_FALSE(value_of(state_with("").get(), "Instrument"));
+    EXPECT_FALSE(value_of(state_with("<key>Instrument</key><array/>").get(), "Instrument"));
+    EXPECT_FALSE(value_of(state_with("<key>Instrument</key><string/>").get(), "Instrument"));
 }
 
 TEST_F(ClassInfo, LosesTheInstrumentBeforeWhenNoneCame) {
     state_with("<key>Instrument</key><dict/>");
-    EXPECT_FALSE(value(state_with("").get(), "Instrument"));
+    EXPECT_FALSE(value_of(state_with("").get(), "Instrument"));
 }
 
 TEST_F(ClassInfo, KeepsTheName) {
@@ -199,14 +199,14 @@ constexpr std::string_view other_data =
 TEST_F(ClassInfo, KeepsTheParametersInItsData) {
     const Ref<CFDictionaryRef> state = state_with(other_data);
     EXPECT_TRUE(
-        CFEqual(value(state.get(), "data"),
-                value(static_cast<CFDictionaryRef>(class_info_with(other_data).get()), "data")));
+        CFEqual(value_of(state.get(), "data"),
+                value_of(static_cast<CFDictionaryRef>(class_info_with(other_data).get()), "data")));
 }
 
 /// Whether the state's data is that of a unit whose parameters were never changed.
 bool has_default_data(const Ref<CFDictionaryRef>& state) {
     const Sampler fresh;
-    return CFEqual(value(state.get(), "data"), value(fresh.state().get(), "data"));
+    return CFEqual(value_of(state.get(), "data"), value_of(fresh.state().get(), "data"));
 }
 
 TEST_F(ClassInfo, PassesOverDataThatIsNone) {
@@ -270,12 +270,12 @@ TEST_F(ClassInfo, HasTheUnitsOwnValuesInTheSamplersTypes) {
     const Ref<CFDictionaryRef> state =
         state_with("<key>gain</key><integer>-8</integer><key>coarse tune</key><real>-3.75</real>"
                    "<key>fine tune</key><real>0.1</real><key>voice count</key><real>32</real>");
-    EXPECT_TRUE(CFNumberIsFloatType(static_cast<CFNumberRef>(value(state.get(), "gain"))));
+    EXPECT_TRUE(CFNumberIsFloatType(value_of<CFNumberRef>(state.get(), "gain")));
     EXPECT_EQ(number_at(state.get(), "gain"), -8.0);
-    EXPECT_FALSE(CFNumberIsFloatType(static_cast<CFNumberRef>(value(state.get(), "coarse tune"))));
+    EXPECT_FALSE(CFNumberIsFloatType(value_of<CFNumberRef>(state.get(), "coarse tune")));
     EXPECT_EQ(number_at(state.get(), "coarse tune"), -3.0);
     EXPECT_EQ(number_at(state.get(), "fine tune"), 0.1F);
-    EXPECT_FALSE(CFNumberIsFloatType(static_cast<CFNumberRef>(value(state.get(), "voice count"))));
+    EXPECT_FALSE(CFNumberIsFloatType(value_of<CFNumberRef>(state.get(), "voice count")));
 }
 
 TEST_F(ClassInfo, ThatIsRefusedLeavesTheUnitsOwnValues) {
@@ -289,14 +289,14 @@ TEST_F(ClassInfo, ThatIsRefusedLeavesTheUnitsOwnValues) {
 TEST_F(ClassInfo, IgnoresReferencesThatAreNoDictionary) {
     const Ref<CFDictionaryRef> state =
         state_with("<key>file-references</key><array><string>/nowhere</string></array>");
-    EXPECT_EQ(keys_of(static_cast<CFDictionaryRef>(value(state.get(), "file-references"))), "");
+    EXPECT_EQ(keys_of(value_of<CFDictionaryRef>(state.get(), "file-references")), "");
 }
 
 TEST_F(ClassInfo, IgnoresReferencesThatAreNoText) {
     const Ref<CFDictionaryRef> state =
         state_with("<key>file-references</key><dict><key>Sample:1</key><integer>1</integer>"
                    "<key>Sample:2</key><data>AA==</data></dict>");
-    EXPECT_EQ(keys_of(static_cast<CFDictionaryRef>(value(state.get(), "file-references"))), "");
+    EXPECT_EQ(keys_of(value_of<CFDictionaryRef>(state.get(), "file-references")), "");
 }
 
 } // namespace

@@ -149,8 +149,8 @@ TEST_F(AudioUnitProperties, EachGetGivesADictionaryOfItsOwnThatCanBeChanged) {
     const Ref<CFDictionaryRef> other = sampler.state();
     EXPECT_NE(one.get(), other.get());
     EXPECT_TRUE(CFEqual(one.get(), other.get()));
-    CFDictionarySetValue(const_cast<CFMutableDictionaryRef>(one.get()), text("name").get(),
-                         text("Mine").get());
+    CFDictionarySetValue(const_cast<CFMutableDictionaryRef>(one.get()), make_string("name").get(),
+                         make_string("Mine").get());
     EXPECT_EQ(text_at(one.get(), "name"), "Mine");
     EXPECT_EQ(text_at(sampler.state().get(), "name"), "Untitled");
 }

@@ -33,7 +33,7 @@ protected:
     }
     std::string reference(const char* key) const {
         const Ref<CFDictionaryRef> state = sampler.state();
-        return text_at(static_cast<CFDictionaryRef>(value(state.get(), "file-references")), key);
+        return text_at(value_of<CFDictionaryRef>(state.get(), "file-references"), key);
     }
 };
 
@@ -130,8 +130,8 @@ TEST_F(PresetSamples, NamedByWhatNoFileSystemHasAreNotFound) {
         kCFAllocatorDefault, 0, static_cast<CFDictionaryRef>(class_info_with("").get())));
     const auto references = adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-    CFDictionarySetValue(references.get(), text("Sample:1").get(), string.get());
-    CFDictionarySetValue(info.get(), text("file-references").get(), references.get());
+    CFDictionarySetValue(references.get(), make_string("Sample:1").get(), string.get());
+    CFDictionarySetValue(info.get(), make_string("file-references").get(), references.get());
     EXPECT_EQ(sampler.set(info.get()), not_found);
     EXPECT_EQ(asked_for, Paths{});
 }
@@ -168,8 +168,8 @@ TEST_F(PresetSamples, WithSoundBanksKeepTheInstrumentsListOfThem) {
                                       entry("Bank:0", folder / "gm.sf2") + "</dict>");
     ASSERT_EQ(sampler.set(info), 0);
     const Ref<CFDictionaryRef> state = sampler.state();
-    EXPECT_TRUE(CFEqual(value(state.get(), "Instrument"),
-                        value(static_cast<CFDictionaryRef>(info.get()), "Instrument")));
+    EXPECT_TRUE(CFEqual(value_of(state.get(), "Instrument"),
+                        value_of(static_cast<CFDictionaryRef>(info.get()), "Instrument")));
 }
 
 TEST_F(PresetSamples, ThatAreFoldersPipesOrDevicesAreNotAudio) {

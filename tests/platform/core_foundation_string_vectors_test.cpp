@@ -68,7 +68,7 @@ TEST(StringVectors, MaximumSizesAgreeWithCoreFoundation) {
 
 void compare_c_string(ConformanceTable& table, const Json& row) {
     const std::string name = "CFStringGetCString";
-    const auto string = make_string(row["utf16"]);
+    const auto string = string_of_units(row["utf16"]);
     std::string buffer(256, '\xAA');
     const bool ok = CFStringGetCString(string.get(), buffer.data(), row["bufsize"],
                                        *encoding_named(row["encoding"])) != 0;
@@ -107,7 +107,7 @@ void compare_bytes(ConformanceTable& table, const Json& row) {
     const std::string name = "CFStringGetBytes";
     const bool only_counts = row["buffer"].is_null();
     const std::size_t size = only_counts ? 0 : row["buffer"].get<std::size_t>();
-    const auto string = make_string(row["utf16"]);
+    const auto string = string_of_units(row["utf16"]);
     std::string buffer(256, '\xAA');
     CFIndex used = -1;
     const CFIndex converted = CFStringGetBytes(
@@ -178,8 +178,8 @@ TEST(StringVectors, EqualityAndOrderAgreeWithCoreFoundation) {
     const Json vectors = read_vectors("string-equality.json");
     ConformanceTable table;
     for (const Json& row : vectors["pairs"]) {
-        const auto a = make_string(row["a"]);
-        const auto b = make_string(row["b"]);
+        const auto a = string_of_units(row["a"]);
+        const auto b = string_of_units(row["b"]);
         const std::string pair = row.dump();
         table.compare("CFEqual", (CFEqual(a.get(), b.get()) != 0) == row["equal"], pair);
         if (row["equal"]) {

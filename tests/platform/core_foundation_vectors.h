@@ -49,7 +49,7 @@ inline std::optional<CFStringEncoding> encoding_named(const std::string& name) {
 }
 
 /// A string of the UTF-16 units listed in a record.
-inline Ref<CFStringRef> make_string(const Json& units) {
+inline Ref<CFStringRef> string_of_units(const Json& units) {
     std::string bytes;
     for (const auto& unit : units) {
         const auto value = unit.get<unsigned>();

@@ -18,8 +18,7 @@ using namespace std::string_literals;
 
 /// The URL made of a string.
 Ref<CFURLRef> url_of(const char* text) {
-    const auto string = adopt(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));
-    return adopt(CFURLCreateWithString(nullptr, string.get(), nullptr));
+    return adopt(CFURLCreateWithString(nullptr, make_string(text).get(), nullptr));
 }
 
 /// The path of a URL, not resolved against a base.

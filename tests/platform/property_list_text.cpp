@@ -130,11 +130,7 @@ std::string set_text(CFSetRef set) {
 /// The UTF-16 units of UTF-8 text, a leading byte order mark included: CoreFoundation drops a mark
 /// at the start only, so another character is put before it.
 Json units_of_utf8(const std::string& utf8) {
-    const std::string text = "." + utf8;
-    const auto string = adopt(
-        CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
-                                static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8, false));
-    Json units = units_of(string.get());
+    Json units = units_of(make_string("." + utf8).get());
     units.erase(0);
     return units;
 }

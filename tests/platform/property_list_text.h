@@ -1,6 +1,7 @@
 // Property lists as text, so that tests can compare and print them. Uses public headers only.
 #pragma once
 
+#include "base/cf_values.h"
 #include "platform/core_foundation_vectors.h"
 
 #include <string>

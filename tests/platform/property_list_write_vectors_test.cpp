@@ -17,10 +17,7 @@ using Any = Ref<CFTypeRef>;
 /// begins with a mark gets a second one.
 Any text_object(const std::string& utf8) {
     const std::string mark = "\xEF\xBB\xBF";
-    const std::string text = utf8.starts_with(mark) ? mark + utf8 : utf8;
-    return adopt(CFStringCreateWithBytes(nullptr, reinterpret_cast<const UInt8*>(text.data()),
-                                         static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8,
-                                         false));
+    return make_string(utf8.starts_with(mark) ? mark + utf8 : utf8);
 }
 
 /// The text of a record's "rep": a part and its number of repetitions.
@@ -36,7 +33,7 @@ std::string repeated(const Json& repetition, bool hex) {
 
 Any string_object(const Json& record) {
     if (record.contains("u16")) {
-        return make_string(record["u16"]);
+        return string_of_units(record["u16"]);
     }
     return text_object(record.contains("rep") ? repeated(record["rep"], false)
                                               : record["v"].get<std::string>());

@@ -8,21 +8,6 @@
 #include <vector>
 
 namespace lumo::test {
-namespace {
-
-std::string to_string(CFTypeRef object) {
-    const auto string = static_cast<CFStringRef>(object);
-    std::string buffer(static_cast<std::size_t>(CFStringGetMaximumSizeForEncoding(
-                           CFStringGetLength(string), kCFStringEncodingUTF8)) +
-                           1,
-                       '\0');
-    EXPECT_TRUE(CFStringGetCString(string, buffer.data(), static_cast<CFIndex>(buffer.size()),
-                                   kCFStringEncodingUTF8));
-    return buffer.c_str();
-}
-
-} // namespace
-
 AudioComponentDescription sampler_description() {
     return {kAudioUnitType_MusicDevice, kAudioUnitSubType_Sampler, kAudioUnitManufacturer_Apple, 0,
             0};
@@ -72,26 +57,15 @@ Ref<CFPropertyListRef> class_info_with_references(std::string_view entries) {
     return class_info_with("<key>file-references</key><dict>" + std::string(entries) + "</dict>");
 }
 
-Ref<CFStringRef> text(std::string_view utf8) {
-    return adopt(
-        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(utf8.data()),
-                                static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
-}
-
-CFTypeRef value(CFDictionaryRef dictionary, std::string_view key) {
-    return CFDictionaryGetValue(dictionary, text(key).get());
-}
-
 std::string text_at(CFDictionaryRef dictionary, std::string_view key) {
-    const CFTypeRef found = value(dictionary, key);
-    return found && CFGetTypeID(found) == CFStringGetTypeID() ? to_string(found) : "(none)";
+    const auto found = value_of<CFStringRef>(dictionary, key);
+    return found ? to_string(found) : "(none)";
 }
 
 double number_at(CFDictionaryRef dictionary, std::string_view key) {
-    const CFTypeRef found = value(dictionary, key);
     double number = -1e9;
-    if (found && CFGetTypeID(found) == CFNumberGetTypeID()) {
-        CFNumberGetValue(static_cast<CFNumberRef>(found), kCFNumberDoubleType, &number);
+    if (const auto found = value_of<CFNumberRef>(dictionary, key)) {
+        CFNumberGetValue(found, kCFNumberDoubleType, &number);
     }
     return number;
 }
@@ -101,7 +75,7 @@ std::string keys_of(CFDictionaryRef dictionary) {
     CFDictionaryGetKeysAndValues(dictionary, keys.data(), nullptr);
     std::set<std::string> ordered;
     for (const CFTypeRef key : keys) {
-        ordered.insert(to_string(key));
+        ordered.insert(to_string(static_cast<CFStringRef>(key)));
     }
     std::string all;
     for (const std::string& key : ordered) {

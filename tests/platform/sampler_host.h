@@ -1,7 +1,7 @@
 // A sampler unit for tests, and the property lists that tests pass to it.
 #pragma once
 
-#include "base/ref.h"
+#include "base/cf_values.h"
 
 #include <AudioToolbox/AudioToolbox.h>
 #include <CoreFoundation/CoreFoundation.h>
@@ -52,10 +52,6 @@ Ref<CFPropertyListRef> class_info_with(std::string_view entries);
 /// A class info with this dictionary of file references, as XML between the dict tags.
 Ref<CFPropertyListRef> class_info_with_references(std::string_view entries);
 
-/// A string of UTF-8 text.
-Ref<CFStringRef> text(std::string_view utf8);
-/// The value under `key`, borrowed; null when there is none.
-CFTypeRef value(CFDictionaryRef dictionary, std::string_view key);
 /// The text under `key`; "(none)" when there is no text.
 std::string text_at(CFDictionaryRef dictionary, std::string_view key);
 /// The number under `key`; -1e9 when there is no number.

@@ -1,7 +1,7 @@
 // Containers are traversed depth first; a value's path is that of its container and a key.
 #include "support/state_paths.h"
 
-#include "base/ref.h"
+#include "base/cf_values.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,14 +11,6 @@
 
 namespace lumo::test {
 namespace {
-
-std::string text_of(CFStringRef string) {
-    const CFIndex room =
-        CFStringGetMaximumSizeForEncoding(CFStringGetLength(string), kCFStringEncodingUTF8) + 1;
-    std::string text(static_cast<std::size_t>(room), '\0');
-    CFStringGetCString(string, text.data(), room, kCFStringEncodingUTF8);
-    return text.c_str();
-}
 
 double number_of(CFTypeRef number) {
     double value = 0;
@@ -42,7 +34,7 @@ StateEntry leaf(CFTypeRef value) {
         return number_of(value);
     }
     if (type == CFStringGetTypeID()) {
-        return text_of(static_cast<CFStringRef>(value));
+        return to_string(static_cast<CFStringRef>(value));
     }
     if (type == CFBooleanGetTypeID()) {
         return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) ? "true" : "false";
@@ -56,10 +48,7 @@ StateEntry leaf(CFTypeRef value) {
 std::string key_of_element(CFTypeRef element, CFIndex position, std::set<std::string>& taken) {
     std::string key = std::to_string(position);
     if (CFGetTypeID(element) == CFDictionaryGetTypeID()) {
-        const auto id_key =
-            adopt(CFStringCreateWithCString(kCFAllocatorDefault, "ID", kCFStringEncodingUTF8));
-        if (const void* id =
-                CFDictionaryGetValue(static_cast<CFDictionaryRef>(element), id_key.get())) {
+        if (const CFTypeRef id = value_of(static_cast<CFDictionaryRef>(element), "ID")) {
             key = std::to_string(std::lround(number_of(id)));
         }
     }
@@ -85,7 +74,7 @@ void add_dictionary(StatePaths& paths, const std::string& prefix, CFDictionaryRe
     std::vector<const void*> values(count);
     CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
     for (std::size_t i = 0; i < count; ++i) {
-        add(paths, prefix + text_of(static_cast<CFStringRef>(keys[i])), values[i]);
+        add(paths, prefix + to_string(static_cast<CFStringRef>(keys[i])), values[i]);
     }
 }
 

@@ -107,6 +107,9 @@ class Programs(FolderTest):
         self.check_gives_up("folder", f"unknown here: error number {errno.ENOKEY}", "strace", "-qq",
                             "-o", os.devnull, "-e", "inject=mkdir:error=ENOKEY")
 
+    def test_a_thread_that_would_wait_for_itself_is_reported(self):
+        self.check_gives_up("mutex", "a thread waits for a mutex that it holds itself")
+
     def test_a_function_that_is_not_simulated_is_named(self):
         self.check_gives_up("function",
                             "a function that is not simulated was called: _getloadavg")

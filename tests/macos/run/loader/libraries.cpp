@@ -40,7 +40,6 @@ bool exists(const std::string& path) {
 }
 
 /// The path of a library's file; empty for one that this program simulates.
-
 std::string find_library(const Image& program, const std::string& root, const std::string& name) {
     if (const char* folder = std::getenv("DYLD_LIBRARY_PATH")) { // one folder
         std::string path = folder + name.substr(name.rfind('/'));

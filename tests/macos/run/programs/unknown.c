@@ -1,6 +1,8 @@
 // A C program for a Mac that uses a flag, a request or a function that macos-run does not know, as
-// its argument says. "folder" makes a folder; a test causes this to fail.
+// its argument says. "folder" makes a folder; a test causes this to fail. "mutex" locks one twice,
+// which waits for ever on a Mac.
 #include <fcntl.h>
+#include <pthread.h>
 #include <signal.h>
 #include <stdlib.h>
 #include <string.h>
@@ -18,6 +20,10 @@ int main(int argc, char** argv) {
         sigaction(SIGINT, &action, NULL);
     } else if (strcmp(what, "request") == 0) {
         ioctl(0, TIOCSCTTY, 0);
+    } else if (strcmp(what, "mutex") == 0) {
+        pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+        pthread_mutex_lock(&mutex);
+        pthread_mutex_lock(&mutex);
     } else if (strcmp(what, "function") == 0) {
         double loads[3];
         getloadavg(loads, 3);

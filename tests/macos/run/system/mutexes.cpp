@@ -1,6 +1,7 @@
 // Mutexes, conditions and waiting for a word of memory. The objects in a Mac program's memory have
 // other sizes and initial values than those of this system, so each contains a pointer to an object
 // of this system, made at first use.
+#include "loader/image.h"
 #include "system/system.h"
 
 #include <linux/futex.h>
@@ -15,6 +16,13 @@
 namespace lumo::macos {
 namespace {
 
+/// The initial value of a condition or mutex. The mutex detects a thread that locks it twice, which
+/// waits for ever on a Mac.
+template <class Here>
+const Here initial{};
+template <>
+const pthread_mutex_t initial<pthread_mutex_t> = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
+
 /// A mutex or condition of a Mac program: a signature, and room for a pointer.
 template <class Here>
 struct Made {
@@ -26,7 +34,7 @@ struct Made {
         if (existing) {
             return existing;
         }
-        Here* made = new Here{};
+        Here* made = new Here(initial<Here>);
         if (here.compare_exchange_strong(existing, made)) {
             return made;
         }
@@ -72,7 +80,11 @@ int mac_mutex_lock(Mutex* mutex) {
     if (mutex->signature == mutex_destroyed) {
         return EINVAL;
     }
-    return error_result(::pthread_mutex_lock(mutex->get()));
+    const int error = ::pthread_mutex_lock(mutex->get());
+    if (error == EDEADLK) {
+        give_up("a thread waits for a mutex that it holds itself");
+    }
+    return error_result(error);
 }
 
 int mac_mutex_trylock(Mutex* mutex) {
@@ -80,7 +92,11 @@ int mac_mutex_trylock(Mutex* mutex) {
 }
 
 int mac_mutex_unlock(Mutex* mutex) {
-    return error_result(::pthread_mutex_unlock(mutex->get()));
+    const int error = ::pthread_mutex_unlock(mutex->get());
+    if (error == EPERM) {
+        give_up("a thread unlocks a mutex that it does not hold");
+    }
+    return error_result(error);
 }
 
 int mac_attributes_init(MacAttributes* attributes) {

@@ -26,8 +26,8 @@ else()
   set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
       "Loads EXS24 instruments and AUSampler presets, copies their samples into
 a show, writes the sampler's state with references into the show, and
-checks that it loads from there. No sound is made. lumo-import-library does so
-for whole folders of instruments and sums up what failed and why.")
+checks that it loads from there. It plays no sound. lumo-import-library
+imports whole folders of instruments and summarises the failures.")
   # Adds dependencies on the packages that provide the libraries of the files.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})

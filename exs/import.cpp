@@ -1,7 +1,7 @@
 // The import of one instrument, step by step: load it into AUSampler while samples that moved are
 // redirected, read the sampler's state back, place its samples in the show, write the state with
-// references into the show, and see that it loads from there. A step that fails says so in the
-// report, and the import ends; files that are written by then stay.
+// references into the show, and check that it loads from there. A step that fails sets the error in
+// the report and ends the import; files written before remain.
 #include "folder_lock.h"
 #include "preset_file.h"
 #include "property_list.h"
@@ -36,13 +36,13 @@ std::string with_status(const std::string& text, OSStatus status) {
     return text + " (OSStatus " + std::to_string(status) + ")";
 }
 
-/// The index of the run, or an empty one for a run without.
+/// The index of the run; an empty one if the run has none.
 const SampleIndex& index_of(const Options& options) {
     static const SampleIndex empty;
     return options.index ? *options.index : empty;
 }
 
-/// Makes the one call that loads an instrument, inside a relink session.
+/// Calls `load` inside a relink session and stores the session's result.
 template <typename Load>
 OSStatus load_in_session(const SampleIndex& index, relink::Result& result, Load load) {
     relink::begin(index);
@@ -62,7 +62,8 @@ OSStatus load_exs(AudioUnit sampler, const SampleIndex& index, Report& report) {
     return load_in_session(index, report.relink, [&] { return set_exs(sampler, url.get()); });
 }
 
-/// The status of the load; nothing, with the error set, when the file is no preset.
+/// Loads a preset; returns the status of the load, or nothing, with the error set, when the file is
+/// not a preset.
 std::optional<OSStatus> load_preset(AudioUnit sampler, const SampleIndex& index, Report& report) {
     const Ref<CFDictionaryRef> preset = read_dictionary(report.source);
     if (!preset) {
@@ -72,7 +73,7 @@ std::optional<OSStatus> load_preset(AudioUnit sampler, const SampleIndex& index,
     return load_in_session(index, report.relink, [&] { return set_state(sampler, preset.get()); });
 }
 
-/// Loads the instrument and measures the time that it takes, reading the file included.
+/// Loads the instrument and measures the time, including that for reading the file.
 std::optional<OSStatus> load(AudioUnit sampler, Kind kind, const SampleIndex& index,
                              Report& report) {
     using Clock = std::chrono::steady_clock;
@@ -86,8 +87,9 @@ std::optional<OSStatus> load(AudioUnit sampler, Kind kind, const SampleIndex& in
     return status;
 }
 
-/// Whether the load leaves an instrument that can be imported. What the session met outranks the
-/// sampler's own status, which often only follows from it.
+/// Whether the loaded instrument can be imported; otherwise sets the error. Samples that the
+/// session recorded as missing or as Apple's take precedence over the sampler's status, which is
+/// often only a consequence.
 bool judge(OSStatus status, Report& report) {
     if (!report.relink.apple_library.empty()) {
         report.error = "it uses samples from Apple's sound library: Lumo imports only your own or "
@@ -103,8 +105,8 @@ bool judge(OSStatus status, Report& report) {
     return false;
 }
 
-/// The state of a sampler that has loaded the instrument; nothing, with the error set, when it
-/// couldn't. The sampler is gone by then.
+/// The state of a sampler that has loaded the instrument; nothing, with the error set, on failure.
+/// The sampler has been disposed of on return.
 Ref<CFPropertyListRef> loaded_state(const Options& options, Report& report) {
     const std::optional<Kind> kind = kind_of(report.source);
     if (!kind) {
@@ -126,8 +128,8 @@ Ref<CFPropertyListRef> loaded_state(const Options& options, Report& report) {
     return state;
 }
 
-/// Opens the states folder, and makes it first where it is not there. None when it cannot be
-/// opened. Throws when it cannot be made.
+/// Opens the states folder, which is created if necessary. None when it cannot be opened. Throws
+/// std::filesystem::filesystem_error when it cannot be created.
 Descriptor states_folder(const std::string& path) {
     Descriptor folder = open_folder(path);
     if (!folder) {
@@ -137,14 +139,14 @@ Descriptor states_folder(const std::string& path) {
     return folder;
 }
 
-/// What a state needs in the show.
+/// The parts of the show that a state needs.
 struct Brought {
     References samples; ///< the samples' new references
     Descriptor states;  ///< the states folder; none when it cannot be opened
 };
 
-/// Brings the samples of `state` into the show and makes the states folder. Nothing, with the error
-/// set, when a sample is missing or the disk refuses.
+/// Places the samples of `state` in the show and opens the states folder. Nothing, with the error
+/// set, when a sample is missing or cannot be copied.
 std::optional<Brought> bring_samples(const void* state, const Options& options, Report& report) {
     const std::optional<SampleFiles> samples =
         find_samples(references(state), options.index, report);
@@ -170,9 +172,10 @@ bool is_taken(const fs::path& file) {
     return fs::exists(fs::symlink_status(file));
 }
 
-/// The first of NAME.aupreset, NAME-2.aupreset, NAME-3.aupreset and so on that is not there.
-/// Throws if that cannot be tested. A run may import thousands of instruments of one name: as long
-/// as the last state of that name is still there, the numbers before it are not tested again.
+/// The first of NAME.aupreset, NAME-2.aupreset, NAME-3.aupreset and so on that does not exist.
+/// Throws std::filesystem::filesystem_error if this cannot be checked. A run may import thousands
+/// of instruments with the same name: as long as the last state with this name exists, lower
+/// numbers are not checked again.
 fs::path free_name(const fs::path& folder, const std::string& name) {
     thread_local std::unordered_map<std::string, unsigned> last_numbers; // by the first name's path
     unsigned& last = last_numbers[numbered_state(folder, name, 1)];      // 0: none yet
@@ -186,7 +189,7 @@ fs::path free_name(const fs::path& folder, const std::string& name) {
 
 /// Writes `state` into the states folder, which is open as `folder`.
 bool write_state(const void* state, const Options& options, Descriptor folder, Report& report) {
-    const FolderLock lock(std::move(folder)); // or another process may take the same name
+    const FolderLock lock(std::move(folder)); // other processes may choose a name, too
     const fs::path file = free_name(options.states, report.name);
     if (!write_plist(state, file)) {
         report.error = "its state couldn't be written";
@@ -196,8 +199,8 @@ bool write_state(const void* state, const Options& options, Descriptor folder, R
     return true;
 }
 
-/// The written state with references through the package; nothing, with the error set, when they
-/// don't resolve.
+/// The written state with resolved references; nothing, with the error set, when one cannot be
+/// resolved.
 Ref<CFPropertyListRef> resolved(const void* state, const Options& options, Report& report) {
     std::string reason;
     auto list = adopt(resolve_package_state(state, options.package, reason));
@@ -207,7 +210,7 @@ Ref<CFPropertyListRef> resolved(const void* state, const Options& options, Repor
     return list;
 }
 
-/// Whether a fresh sampler loads `state`, on its own paths: no relink session is open.
+/// Whether a new sampler loads `state` without a relink session; otherwise sets the error.
 bool loads_from_show(const void* state, Report& report) {
     std::string unused;
     const Sampler sampler = make_sampler(unused);

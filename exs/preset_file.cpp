@@ -1,5 +1,5 @@
 // Reads a preset from any kind of file. It may be a pipe that is never written to, or an endless
-// device: opening never blocks, and both time and size are limited, so none can hang a run. A pipe
+// device: opening never blocks, and time and size are limited, so no file can hang a run. A pipe
 // that has a writer is read without a time limit, since the writer may be a slow program.
 #include "preset_file.h"
 

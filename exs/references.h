@@ -17,7 +17,7 @@ using References = std::map<std::string, std::string>;
 References references(const void* state);
 
 /// A copy of `state` (a CFDictionaryRef, borrowed) with exactly the given references. A reference
-/// whose key or path is not UTF-8 cannot be stored in a state and is left out.
+/// whose key or path is not UTF-8 cannot be stored in a state and is omitted.
 Ref<CFTypeRef> with_references(const void* state, const References& paths);
 
 } // namespace lumo::exs

@@ -1,6 +1,6 @@
-// A sample keeps its file name and the name of its folder on the way into the show: /old/Kit/a.wav
-// becomes samples/Kit/a.wav, or samples/Kit/a-2.wav when another a.wav is there. Nothing in the
-// show is ever overwritten, also not when several imports run at once.
+// A sample keeps its file name and the name of its folder in the show: /old/Kit/a.wav becomes
+// samples/Kit/a.wav, or samples/Kit/a-2.wav when another a.wav exists there. No file in the show is
+// ever overwritten, even when several imports run at the same time.
 #include "samples.h"
 
 #include "base/utf8.h"
@@ -31,7 +31,8 @@ bool is_there(const fs::path& path) {
 
 constexpr std::uint64_t no_size = ~std::uint64_t{0};
 
-/// The sample at `path`; nothing when nothing is there. One call suffices for a file.
+/// The sample at `path`; nothing when it does not exist. Makes one system call for a file, two for
+/// a link.
 std::optional<SampleFile> sample_at(const std::string& path) {
     struct stat status {};
     if (lstat(path.c_str(), &status) != 0) {
@@ -46,7 +47,7 @@ std::optional<SampleFile> sample_at(const std::string& path) {
                       is_link};
 }
 
-/// Where the load has found samples that moved, by their recorded paths.
+/// The files that were used for moved samples during the load, by recorded path.
 using Relinked = std::unordered_map<std::string_view, const std::string*>;
 
 Relinked relinked_by(const relink::Result& load) {
@@ -57,8 +58,8 @@ Relinked relinked_by(const relink::Result& load) {
     return relinked;
 }
 
-/// The sample that is recorded at `path`; nothing when it is not to be found, and `path` is then
-/// where it was missed last.
+/// The sample recorded at `path`; nothing when it is not found, in which case `path` is the last
+/// path that was tried.
 std::optional<SampleFile> find_sample(std::string& path, const Relinked& relinked,
                                       const SampleIndex* index) {
     if (const auto known = relinked.find(path); known != relinked.end()) {
@@ -74,7 +75,7 @@ std::optional<SampleFile> find_sample(std::string& path, const Relinked& relinke
     return sample;
 }
 
-/// The name of the folder that holds `source`: the true one where the path says "..".
+/// The name of the folder that contains `source`; resolves "..".
 fs::path folder_name(const fs::path& source) {
     const fs::path name = source.parent_path().filename();
     return name == ".." ? fs::canonical(source.parent_path()).filename() : name;
@@ -87,7 +88,7 @@ fs::path numbered_name(const fs::path& source, unsigned number) {
     return name;
 }
 
-/// A path that is not UTF-8 cannot stand in a state.
+/// Throws when `target` is not UTF-8: a state cannot contain such a path.
 void require_utf8(const fs::path& target, const fs::path& source) {
     if (!is_utf8(target.native())) {
         throw fs::filesystem_error("not a UTF-8 name", source, target,
@@ -95,29 +96,31 @@ void require_utf8(const fs::path& target, const fs::path& source) {
     }
 }
 
-/// Makes `folder` unless it is there. Whether it is a new one, in which there is nothing yet. What
-/// is in the way shows again when a sample is copied.
+/// Creates `folder` if necessary; returns whether it is new, and therefore empty. Errors are
+/// ignored: copying a sample into the folder fails with the same error.
 bool make_folder(const fs::path& folder) {
     std::error_code error;
     return fs::create_directory(folder, error) ||
            (error == std::errc::no_such_file_or_directory && fs::create_directories(folder, error));
 }
 
-/// An error of copyfile, or none.
+/// The error of copyfile, or none.
 std::error_code try_copy(const fs::path& source, const fs::path& target) {
     const int result =
         copyfile(source.c_str(), target.c_str(), nullptr, COPYFILE_ALL | COPYFILE_CLONE);
     return {result == 0 ? 0 : errno, std::generic_category()};
 }
 
-/// Copies `sample` to `target`. False when another process has placed something there meanwhile.
-/// Throws when the copy fails, also for a link at `target` that leads nowhere.
+/// Copies `sample` to `target`. False when `target` exists, placed by another process meanwhile.
+/// Throws std::filesystem::filesystem_error when the copy fails, or when `target` is a dangling
+/// link.
 bool copy_sample(const SampleFile& sample, const fs::path& target) {
-    // A clone of a link would be a link: the show gets the file that it leads to.
+    // A clone of a link would be a link; the link's target is copied instead.
     const fs::path file = sample.is_link ? fs::canonical(sample.path) : fs::path(sample.path);
     std::error_code error = try_copy(file, target);
     if (error && error != std::errc::file_exists) {
-        // The sample or the folder may have gone since they were seen; the rest can be made anew.
+        // Throws if the sample was removed meanwhile. If the folder was removed, it is created
+        // again.
         static_cast<void>(fs::file_size(sample.path));
         fs::create_directories(target.parent_path());
         error = error == std::errc::no_such_file_or_directory ? try_copy(file, target) : error;
@@ -128,14 +131,14 @@ bool copy_sample(const SampleFile& sample, const fs::path& target) {
     return !error;
 }
 
-/// What an import has seen under one name and its numbers. All of it stays, so that a name that
-/// many samples have is gone through once and not by each of them.
+/// The files of one name and its numbered variants, as found or placed by this import. They are
+/// kept, so that each is examined once even if many samples have the name.
 struct TakenNames {
     std::map<std::uintmax_t, fs::path> of_size; ///< the first name of each size
-    unsigned last = 0;                          ///< the number of the last name that was looked at
+    unsigned last = 0;                          ///< the highest number that was examined
 };
 
-/// The samples of one import on their way into the show.
+/// Places the samples of one import in the show.
 class Placement {
 public:
     Placement(const std::string& package, Report& report) : package_(package), report_(report) {}
@@ -163,7 +166,8 @@ public:
     }
 
 private:
-    /// Whether `target`, a name in `folder` that was not given out, is worth a copy.
+    /// Whether a copy to `target`, in `folder`, should be tried: the folder is new or `target` does
+    /// not exist.
     bool is_free(const fs::path& folder, const fs::path& target) {
         const auto [known, is_first] = is_new_.try_emplace(folder);
         if (is_first) {
@@ -175,7 +179,7 @@ private:
     fs::path package_;
     Report& report_;
     std::map<fs::path, TakenNames> seen_;
-    std::map<fs::path, bool> is_new_; ///< of each folder with samples, whether this import made it
+    std::map<fs::path, bool> is_new_; ///< whether this import created a folder
 };
 
 } // namespace

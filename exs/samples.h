@@ -1,4 +1,4 @@
-// The samples of an instrument: they must exist, are counted, and are placed in the show.
+// Finds the samples of an instrument, counts them, and places them in the show.
 #pragma once
 
 #include "references.h"
@@ -11,26 +11,26 @@
 
 namespace lumo::exs {
 
-/// A sample file as it was found.
+/// A sample file that was found.
 struct SampleFile {
     std::string path;
-    std::uint64_t size = 0; ///< in bytes; all ones when it has none that can be read
+    std::uint64_t size = 0; ///< in bytes; all ones when it is not a regular file
     bool is_link = false;
 };
 
 /// Sample files under the keys of their references.
 using SampleFiles = std::map<std::string, SampleFile>;
 
-/// Makes sure that every sample of `references` exists. One that does not is looked for where the
-/// load has found it (`report.relink`), else in `index` (may be null). Counts the samples in
-/// `report`. Nothing, with `report.error` set, at the first that is missing.
+/// The sample of each reference: the file used during the load (`report.relink`), that at the
+/// recorded path, or one from `index` (may be null). Counts the samples in `report`. Nothing, with
+/// `report.error` set, when one is missing.
 std::optional<SampleFiles> find_samples(const References& references, const SampleIndex* index,
                                         Report& report);
 
-/// Places every sample in the package's "samples" folder, under the name of its own folder, and
-/// counts in `report` what was copied. A file of the same name and size that is there is the
-/// sample; one of another size stays, and the sample is numbered. Returns the samples' new paths,
-/// relative to the package. Throws std::filesystem::filesystem_error.
+/// Places every sample in the package's "samples" folder, in a folder with the name of its own, and
+/// counts the copied bytes in `report`. An existing file with the same name and size is used
+/// instead of a copy; if the size differs, the sample gets a number. Returns the samples' new
+/// paths, relative to the package. Throws std::filesystem::filesystem_error.
 References place_samples(const SampleFiles& samples, const std::string& package, Report& report);
 
 } // namespace lumo::exs

@@ -1,6 +1,6 @@
-// The entries of a folder as the kernel writes them, without the C library's folder stream: that
-// would cost three more system calls and a buffer from the heap for each folder of a disk. Its path
-// as the kernel knows it, for which realpath would make a call for each folder above it.
+// Reads a folder's entries with getdents64. The C library's folder stream would need three more
+// system calls and an allocation for each folder. The kernel provides the folder's path through
+// /proc, where realpath would make a call for each parent folder.
 #include "folder_entries.h"
 
 #include <dirent.h>
@@ -28,7 +28,7 @@ std::string real_path_of(const Descriptor& folder, const std::string& path) {
     char text[PATH_MAX];
     const std::string self = "/proc/self/fd/" + std::to_string(folder.get());
     const ssize_t size = readlink(self.c_str(), text, sizeof text);
-    // Neither cut off, nor in words where the folder has no path in this process's tree.
+    // The path must not be truncated, and must not be a text such as "(unreachable)".
     const bool is_path = size > 0 && static_cast<std::size_t>(size) < sizeof text && text[0] == '/';
     return is_path ? std::string(text, static_cast<std::size_t>(size)) : real_path(path);
 }

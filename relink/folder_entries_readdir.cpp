@@ -1,4 +1,4 @@
-// The entries of a folder from the C library's folder stream, which every system has.
+// Reads a folder's entries with readdir, which every system has.
 #include "folder_entries.h"
 
 #include <dirent.h>
@@ -20,7 +20,7 @@ void read_entries(Descriptor folder, const TakeEntry& take) {
     if (!stream) {
         return;
     }
-    folder.release(); // the stream closes it now
+    folder.release(); // closed by the stream from now on
     while (const dirent* entry = readdir(stream.get())) {
         take(entry->d_name, entry->d_type);
     }

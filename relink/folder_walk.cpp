@@ -1,14 +1,11 @@
-// The walk reads the root's own folders first and keeps the symbolic links to folders that it
-// meets. Then it takes the byte-wise smallest of the links still waiting, reads the folders behind
-// it, which may add links, and so on. A folder is known by device and inode and is read the first
-// time only: so cycles end, and each folder has the path that these rules give it, whatever the
-// order in which the disk lists its entries.
-//
-// No descriptor stays open while another folder is read, so depth costs none. Files are never
-// asked for their status: the entries of a folder tell their types on every usual file system.
-//
-// What belongs to Apple's library is left out, by the path as walked and by the real one. Below the
-// folder that a tree begins with there are no links, so one real path serves the whole tree.
+// The walk reads the root's own folders first and collects symbolic links to folders. Then it
+// repeatedly removes the collected link that is smallest in byte order and reads the folders behind
+// it, which may add links. A folder is identified by device and inode and is read once. Therefore
+// cycles end, and each folder's path does not depend on the order in which the disk lists its
+// entries. No descriptor stays open while another folder is read, so depth needs no descriptors.
+// The status of files is not read: on common file systems a folder's entries contain their types.
+// Files and folders of Apple's library are skipped, by their path as walked and by their real path.
+// There are no links below the top folder of a tree, so the tree needs only one call of realpath.
 #include "folder_walk.h"
 
 #include "apple_library.h"
@@ -48,10 +45,10 @@ struct FolderIdHash {
 
 constexpr int open_flags = O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC;
 
-/// Opens the folder at `path`; none when that cannot be done. The system takes no path of PATH_MAX
-/// bytes or more: a longer one is opened in pieces, each from the folder before it.
+/// Opens the folder at `path`; none on failure. The system refuses paths of PATH_MAX bytes or more:
+/// a longer path is opened in pieces, each relative to the previous one.
 Descriptor open_folder(const std::string& path) {
-    Descriptor folder; // the rest of the path begins in it; none is the current one
+    Descriptor folder; // the rest of the path is relative to it; none: the current folder
     const auto open_next = [&](const char* piece) {
         const int start = folder ? folder.get() : AT_FDCWD;
         return Descriptor(uninterrupted([&] { return openat(start, piece, open_flags); }));
@@ -85,7 +82,7 @@ public:
     }
 
 private:
-    /// Reads the folder `top`, a path with a slash at the end or empty, and those in it.
+    /// Reads the folder `top` (a path that ends in a slash, or empty) and its subfolders.
     void read_tree(const std::string& top) {
         Descriptor folder = is_in_apple_library(top) ? Descriptor() : open_folder(top);
         if (!folder) {
@@ -104,7 +101,7 @@ private:
         }
     }
 
-    /// Reads the open folder at `path`, if it is one, and was not read before under another path.
+    /// Reads the folder at `path`, unless it is not open or was read before under another path.
     void read_folder(Descriptor folder, const std::string& path) {
         if (!is_unread(folder)) {
             return;
@@ -117,7 +114,7 @@ private:
                 take(path, descriptor, name, type);
             }
         });
-        // A folder that is mounted twice is read under its first name.
+        // Of several paths of a folder that is mounted twice, the first in byte order is used.
         std::sort(folders_.begin() + first, folders_.end(), std::greater<>());
         is_ended_ = names_.count() > 0 && !found_(path, names_);
     }
@@ -128,8 +125,8 @@ private:
                read_.insert({status.st_dev, status.st_ino}).second;
     }
 
-    /// Whether what is called `name` in the folder `path`, which does not belong to Apple's
-    /// library, does.
+    /// Whether the entry `name` of the folder `path` belongs to Apple's library. The folder itself
+    /// does not.
     bool is_apples(const std::string& path, std::string_view name) const {
         if (!may_enter_apple_library(name)) {
             return false;
@@ -176,7 +173,7 @@ private:
     void take_link(const std::string& path, int folder, const char* name) {
         struct stat target {};
         if (fstatat(folder, name, &target, 0) != 0) {
-            return; // it leads nowhere, or round in a circle
+            return; // a dangling link, or a cycle of links
         }
         if (S_ISREG(target.st_mode)) {
             take_link_to_file(path, name);
@@ -191,7 +188,7 @@ private:
         }
     }
 
-    /// An entry of a file system that does not tell the types of its entries.
+    /// Takes an entry of a file system that does not store the types of entries.
     void take_unknown(const std::string& path, int folder, const char* name) {
         struct stat status {};
         if (fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -207,12 +204,12 @@ private:
     }
 
     const SamplesFound& found_;
-    bool is_ended_ = false;            // by what takes the samples
-    std::string real_top_;             // the real path of the tree that is read, with a slash
-    std::size_t top_size_ = 0;         // the length of its path as walked
-    NameList names_;                   // of the folder that is read
-    std::vector<std::string> folders_; // paths to read, with a slash at the end
-    std::priority_queue<std::string, std::vector<std::string>, std::greater<>> links_; // without
+    bool is_ended_ = false;            // found_ has returned false
+    std::string real_top_;             // the real path of the current tree, with a slash at the end
+    std::size_t top_size_ = 0;         // length of the tree's path as walked
+    NameList names_;                   // of the current folder
+    std::vector<std::string> folders_; // to read; with a slash at the end
+    std::priority_queue<std::string, std::vector<std::string>, std::greater<>> links_; // no slash
     std::unordered_set<FolderId, FolderIdHash> read_;
 };
 

@@ -10,7 +10,7 @@ namespace lumo::exs::relink {
 /// Names in sequence, each NUL-terminated; a name is identified by the offset of its first byte.
 class NameList {
 public:
-    /// Adds a name, which must not contain NUL.
+    /// Adds a name without NUL.
     void add(std::string_view name) {
         bytes_.append(name).push_back('\0');
         ++count_;

@@ -1,5 +1,5 @@
-// How a shim makes its call while a session is open: the caller's path first; only where a sample
-// is absent, once more with the file that the session names.
+// Makes the call of a shim while a session is open: with the caller's path first, and if the sample
+// is absent, again with the file from the session.
 #pragma once
 
 #include "session.h"
@@ -25,30 +25,30 @@ bool is_failure(Value value) {
     }
 }
 
-// What a look-up asks the disk itself. Each platform's shims define these with the real functions.
+// File system queries of a look-up. Each system's shims define them with the real functions.
 
 /// Whether the process may read the file at `path`.
 bool is_readable(const char* path);
 
-/// Whether there is something at `path`, as far as the process can see.
+/// Whether `path` exists and is visible to the process.
 bool is_there(const char* path);
 
-/// Whether `path` is that of a symbolic link.
+/// Whether `path` is a symbolic link.
 bool is_link(const char* path);
 
-/// `path` with its links resolved; empty when that cannot be done.
+/// `path` with its links resolved; empty on failure.
 std::string real_path(const char* path);
 
-/// Whether a call for `path` that failed with `error` says that no file is there. Where a folder
-/// may not be searched, that cannot be seen, and the file counts as absent. One that is there may
-/// fail with any of these but ENOENT: a file that is opened as a folder gives ENOTDIR.
+/// Whether the file at `path` is absent after a call for it failed with `error`. A file in a folder
+/// that may not be searched counts as absent. ENOTDIR, EACCES and EPERM are also errors of existing
+/// files (ENOTDIR when a file is opened as a folder), so is_there decides.
 inline bool is_absence(int error, const char* path) {
     return error == ENOENT ||
            ((error == ENOTDIR || error == EACCES || error == EPERM) && !is_there(path));
 }
 
-/// As redirect, while a session is open. `opens` says that a call that succeeds has shown that its
-/// file may be read, which need not be asked then.
+/// Like redirect, while a session is open. With `opens`, success of the call proves that the file
+/// can be read, so this is not checked again.
 template <class Call>
 auto redirect_in_session(const char* path, Call call, bool opens) {
     const int before = errno;
@@ -89,16 +89,16 @@ auto redirect_in_session(const char* path, Call call, bool opens) {
     return result;
 }
 
-/// What `call(path)` gives, or for an absent sample what `call` gives for the session's file.
-/// errno is as the call left it whose result this is; when the second call succeeds, as it was
-/// before both. Where the session's file is absent by then too, the result is the first call's.
+/// The result of `call(path)`; for an absent sample, that of `call` with the session's file. errno
+/// belongs to the call with this result; if the second call succeeds, errno has its value from
+/// before both calls. If the session's file is absent by now, the result is that of the first call.
 template <class Call>
 auto redirect(const char* path, Call call, bool opens = false) {
     return session::is_open() ? redirect_in_session(path, call, opens) : call(path);
 }
 
-/// As redirect, for `call(folder, path)`. A name relative to another folder than the current one
-/// does not say where a sample was recorded.
+/// Like redirect, for `call(folder, path)`. A name relative to a folder other than the current one
+/// does not identify the recorded path.
 template <class Call>
 auto redirect_at(int folder, const char* path, Call call, bool opens = false) {
     const bool says_where = folder == AT_FDCWD || (path && path[0] == '/');
@@ -112,12 +112,12 @@ inline bool only_reads(int flags) {
     return (flags & (O_ACCMODE | O_CREAT | O_TRUNC)) == O_RDONLY;
 }
 
-/// The same for the mode of a stream, which is not null.
+/// The same for the mode of a stream; must not be null.
 inline bool only_reads(const char* mode) {
     return mode[0] == 'r' && !std::strchr(mode, '+');
 }
 
-/// Whether an open with these flags asks for the right to read.
+/// Whether an open with these flags requires read permission.
 inline bool asks_to_read(int flags) {
 #ifdef O_PATH
     constexpr int no_rights = O_PATH;
@@ -132,14 +132,14 @@ inline bool asks_to_read(const char*) {
     return true;
 }
 
-/// As redirect, for a call that opens as `how` says: flags, or a stream's mode. One that may write
-/// goes where its caller says.
+/// Like redirect, for a call that opens with `how`: flags, or a stream's mode. A call that may
+/// write is not redirected.
 template <class How, class Call>
 auto redirect_open(How how, const char* path, Call call) {
     return only_reads(how) ? redirect(path, call, asks_to_read(how)) : call(path);
 }
 
-/// As redirect_at, for a call that opens as `flags` say.
+/// Like redirect_at, for a call that opens with `flags`.
 template <class Call>
 auto redirect_open_at(int flags, int folder, const char* path, Call call) {
     return only_reads(flags) ? redirect_at(folder, path, call, asks_to_read(flags))

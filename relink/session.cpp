@@ -1,6 +1,6 @@
-// A session is made by begin and gone after end; nothing of it is made before or kept after.
-// Look-ups take one lock: they are rare beside the opening and reading of samples, and the index
-// may be gone as soon as end has returned.
+// begin creates the session and end destroys it. Look-ups take one lock: they are rare compared
+// with opening and reading samples, and the caller may destroy the index as soon as end has
+// returned.
 #include "session.h"
 
 #include "apple_library.h"
@@ -23,7 +23,7 @@ namespace {
 using Answers = std::unordered_map<std::string, std::optional<std::string>>;
 
 struct Session {
-    /// Records `path` as Apple's unless something else was recorded of it before.
+    /// Records `path` as Apple's unless it was recorded before.
     void add_to_apple_library(const char* path) {
         if (answers.try_emplace(path).second) {
             result.apple_library.emplace_back(path);
@@ -32,8 +32,8 @@ struct Session {
 
     const SampleIndex& index;
     Answers answers;
-    std::unordered_set<std::string> present; ///< recorded paths whose real path was looked at
-    std::unordered_map<std::string, std::string> real_folders; ///< of those, by the recorded ones
+    std::unordered_set<std::string> present; ///< recorded paths of existing samples
+    std::unordered_map<std::string, std::string> real_folders; ///< by the folder's recorded path
     Result result;
 };
 
@@ -41,8 +41,8 @@ constinit std::mutex mutex;
 constinit std::unique_ptr<Session> current; // guarded by mutex
 constinit thread_local bool is_inside = false;
 
-/// The folder of `path` with links resolved. An instrument has many samples in few folders, and to
-/// resolve a path takes a system call for each of its components.
+/// The folder of `path` with links resolved. Cached, because an instrument has many samples in few
+/// folders, and resolving a path takes a system call for each component.
 const std::string& real_folder_of(std::string_view path, Session& session,
                                   std::string (*real_path)(const char*)) {
     const std::size_t slash = path.rfind('/');

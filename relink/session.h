@@ -1,5 +1,5 @@
-// The one relink session of the process: which file to use for a path, and the record of it. It
-// knows no function of the C library; the shims that do ask it through redirect.h.
+// The relink session of the process: chooses the file for a path and records the choice. It calls
+// no file function of the C library; the shims call it through redirect.h.
 #pragma once
 
 #include <atomic>
@@ -9,17 +9,17 @@
 
 namespace lumo::exs::relink::session {
 
-/// Set while a session is open. The shims are called before any initialiser has run and in every
-/// thread, so until this says true they touch nothing else of the library.
+/// Whether a session is open. The shims may run before any initialiser and in every thread, so they
+/// use nothing else of the library until this is true.
 extern constinit std::atomic<bool> opened;
 
-/// Whether a session is open, as far as this thread has heard: it decides nothing but whether the
-/// session is asked.
+/// Whether a session is open. A relaxed load: only a hint, the functions below check again under
+/// the mutex.
 inline bool is_open() noexcept {
     return opened.load(std::memory_order_relaxed);
 }
 
-/// Marks the calling thread as being inside a look-up for as long as it lives.
+/// Marks the calling thread as being inside a look-up while this object exists.
 class Inside {
 public:
     Inside() noexcept;
@@ -27,25 +27,26 @@ public:
     Inside(const Inside&) = delete;
     Inside& operator=(const Inside&) = delete;
 
-    /// Whether the thread was not inside before: a look-up made from within one is left alone.
+    /// Whether the thread was not inside a look-up before. Calls made during a look-up are not
+    /// redirected.
     bool is_first() const noexcept { return is_first_; }
 
 private:
     bool is_first_;
 };
 
-/// Whether `path` (which may be null) is one that the session looks for when it is absent. One in
-/// Apple's library is not: it is recorded here, whether or not it exists.
+/// Whether the session looks for a file for `path` (may be null) if it is absent: it has a sample's
+/// name and is not in Apple's library. Records a path in Apple's library, whether or not it exists.
 bool looks_for(const char* path) noexcept;
 
-/// Records `path`, which the session looks for and where something is, as Apple's when it is in
-/// Apple's library once links are resolved. The first time that a path is noted, `is_link` is asked
-/// of it, and `real_path` of a link and of a folder that is new.
+/// Records the existing `path` as Apple's if links lead into Apple's library. For each new path
+/// calls `is_link`, and `real_path` for a link or for a folder that is new. looks_for must have
+/// returned true.
 void note_present(const char* path, bool (*is_link)(const char*),
                   std::string (*real_path)(const char*)) noexcept;
 
-/// The indexed file to use for `path`, which is absent, or nothing when the index has none that
-/// `serves` confirms. Recorded when `path` is asked for the first time; the answer stays.
+/// The indexed file to use for the absent `path`; nothing when the index has none that `serves`
+/// accepts. The first answer for a path is recorded and does not change.
 std::optional<std::string> replacement(const char* path,
                                        const std::function<bool(const char*)>& serves) noexcept;
 

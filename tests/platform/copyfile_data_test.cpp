@@ -1,4 +1,4 @@
-// What copyfile does with data and names.
+// The data and names of files that copyfile copies.
 #include "base/descriptor.h"
 #include "in_child.h"
 #include "support/loop_volume.h"
@@ -71,7 +71,7 @@ protected:
 
     int try_copy_as_nobody() {
         return in_child([&] {
-            become_nobody(); // who is not the superuser has no rights here anyway
+            become_nobody(); // a user other than root has no rights here anyway
             return try_copy(from, to);
         });
     }

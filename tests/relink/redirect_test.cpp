@@ -1,4 +1,4 @@
-// The order of calls in a look-up and what it leaves in errno, with functions made for the test.
+// The order of calls in a look-up, and errno after it, with functions replaced by the test.
 #include "redirect.h"
 #include <lumo/relink.h>
 
@@ -11,10 +11,10 @@ namespace lumo::exs::relink {
 /// The files that these tests pretend to have.
 static std::vector<std::string> readable;
 
-/// A path that is there though the file may not be read.
+/// A path that exists but may not be read.
 static std::string closed;
 
-/// Where each of the real paths that were asked for leads, and which those were.
+/// The prefix of every real path, and the paths for which real_path was called.
 static std::string real_folder;
 static std::vector<std::string> asked_for_real_path;
 
@@ -23,7 +23,7 @@ bool is_readable(const char* path) {
 }
 
 bool is_there(const char* path) {
-    errno = EXDEV; // as a function of the disk may
+    errno = EXDEV; // a file function may change errno
     return is_readable(path) || path == closed;
 }
 
@@ -52,7 +52,7 @@ protected:
     }
     void TearDown() override { end(); }
 
-    /// Fails with `error` but for the paths that are readable; notes its calls.
+    /// Fails with `error` except for readable paths; records its calls.
     int call(const char* path, int error) {
         calls.emplace_back(path);
         if (is_readable(path)) {
@@ -97,7 +97,7 @@ TEST_F(Redirect, LeavesErrnoAsItWasWhenItSucceeds) {
 }
 
 TEST_F(Redirect, OfAnOpenTakesItsSuccessForTheRightToRead) {
-    readable.clear(); // which would be the answer to that question
+    readable.clear(); // is_readable would return false
     const auto open = [&](const char* p) {
         calls.emplace_back(p);
         errno = ENOENT;

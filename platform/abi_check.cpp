@@ -29,13 +29,11 @@ static_assert(same<OSType, unsigned int> && same<OSStatus, int>);
 static_assert(same<Float32, float> && same<Float64, double>);
 static_assert(same<CFIndex, long> && same<CFTypeID, unsigned long>);
 static_assert(same<CFOptionFlags, unsigned long> && same<CFHashCode, unsigned long>);
-static_assert(same<CFStringEncoding, UInt32> && same<CFStringCompareFlags, CFOptionFlags>);
+static_assert(same<CFStringEncoding, UInt32>);
 static_assert(same<CFAbsoluteTime, double>);
 static_assert(same<CFTypeRef, const void*> && same<CFPropertyListRef, const void*>);
 static_assert(sizeof(CFStringRef) == 8 && sizeof(CFErrorRef) == 8);
-static_assert(same<CFErrorDomain, CFStringRef>);
 static_assert(same<CFDictionaryRef, const std::remove_pointer_t<CFMutableDictionaryRef>*>);
-static_assert(same<CFArrayRef, const std::remove_pointer_t<CFMutableArrayRef>*>);
 static_assert(!std::is_const_v<std::remove_pointer_t<CFErrorRef>>);
 
 // Structures
@@ -62,7 +60,7 @@ static_assert(offsetof(AUSamplerInstrumentData, presetID) == 11);
 
 // Constants of CoreFoundation
 static_assert(sizeof(CFNumberType) == 8 && sizeof(CFPropertyListFormat) == 8);
-static_assert(sizeof(CFURLPathStyle) == 8 && sizeof(CFComparisonResult) == 8);
+static_assert(sizeof(CFURLPathStyle) == 8);
 static_assert(kCFStringEncodingMacRoman == 0 && kCFStringEncodingUTF16 == 0x100);
 static_assert(kCFStringEncodingISOLatin1 == 0x201 && kCFStringEncodingASCII == 0x600);
 static_assert(kCFStringEncodingWindowsLatin1 == 0x500 && kCFStringEncodingUTF8 == 0x08000100);
@@ -73,15 +71,10 @@ static_assert(kCFNumberCharType == 7 && kCFNumberShortType == 8 && kCFNumberIntT
 static_assert(kCFNumberLongType == 10 && kCFNumberLongLongType == 11 && kCFNumberFloatType == 12);
 static_assert(kCFNumberDoubleType == 13 && kCFNumberCFIndexType == 14);
 static_assert(kCFNumberNSIntegerType == 15 && kCFNumberCGFloatType == 16);
-static_assert(kCFCompareLessThan == -1 && kCFCompareEqualTo == 0 && kCFCompareGreaterThan == 1);
 static_assert(kCFPropertyListImmutable == 0 && kCFPropertyListMutableContainers == 1);
-static_assert(kCFPropertyListMutableContainersAndLeaves == 2);
 static_assert(kCFPropertyListOpenStepFormat == 1 && kCFPropertyListXMLFormat_v1_0 == 100);
 static_assert(kCFPropertyListBinaryFormat_v1_0 == 200);
-static_assert(kCFPropertyListReadCorruptError == 3840);
-static_assert(kCFPropertyListReadUnknownVersionError == 3841);
-static_assert(kCFPropertyListReadStreamError == 3842 && kCFPropertyListWriteStreamError == 3851);
-static_assert(kCFURLPOSIXPathStyle == 0 && kCFURLHFSPathStyle == 1 && kCFURLWindowsPathStyle == 2);
+static_assert(kCFURLPOSIXPathStyle == 0 && kCFURLHFSPathStyle == 1);
 
 // Constants of AudioToolbox
 static_assert(kAudioUnitType_MusicDevice == 0x61756D75 && kAudioUnitSubType_Sampler == 0x73616D70);
@@ -115,10 +108,8 @@ static_assert(callable_as<CFTypeID()>(CFArrayGetTypeID));
 static_assert(callable_as<CFTypeID()>(CFDictionaryGetTypeID));
 static_assert(callable_as<CFTypeID()>(CFNumberGetTypeID));
 static_assert(callable_as<CFTypeID()>(CFBooleanGetTypeID));
-static_assert(callable_as<CFTypeID()>(CFNullGetTypeID));
 static_assert(callable_as<CFTypeID()>(CFSetGetTypeID));
 static_assert(callable_as<CFTypeID()>(CFURLGetTypeID));
-static_assert(callable_as<CFTypeID()>(CFErrorGetTypeID));
 static_assert(callable_as<CFStringRef(CFAllocatorRef, const char*, CFStringEncoding)>(
     CFStringCreateWithCString));
 static_assert(callable_as<CFStringRef(CFAllocatorRef, const UInt8*, CFIndex, CFStringEncoding,
@@ -129,8 +120,6 @@ static_assert(callable_as<CFIndex(CFStringRef, CFRange, CFStringEncoding, UInt8,
                                   CFIndex, CFIndex*)>(CFStringGetBytes));
 static_assert(callable_as<CFIndex(CFStringRef)>(CFStringGetLength));
 static_assert(callable_as<CFIndex(CFIndex, CFStringEncoding)>(CFStringGetMaximumSizeForEncoding));
-static_assert(callable_as<CFComparisonResult(CFStringRef, CFStringRef, CFStringCompareFlags)>(
-    CFStringCompare));
 static_assert(callable_as<CFDataRef(CFAllocatorRef, const UInt8*, CFIndex)>(CFDataCreate));
 static_assert(callable_as<CFDataRef(CFAllocatorRef, const UInt8*, CFIndex, CFAllocatorRef)>(
     CFDataCreateWithBytesNoCopy));
@@ -139,16 +128,11 @@ static_assert(callable_as<CFIndex(CFDataRef)>(CFDataGetLength));
 static_assert(callable_as<CFDateRef(CFAllocatorRef, CFAbsoluteTime)>(CFDateCreate));
 static_assert(callable_as<CFAbsoluteTime(CFDateRef)>(CFDateGetAbsoluteTime));
 static_assert(callable_as<CFNumberRef(CFAllocatorRef, CFNumberType, const void*)>(CFNumberCreate));
-static_assert(callable_as<CFIndex(CFNumberRef)>(CFNumberGetByteSize));
 static_assert(callable_as<Boolean(CFNumberRef, CFNumberType, void*)>(CFNumberGetValue));
 static_assert(callable_as<Boolean(CFNumberRef)>(CFNumberIsFloatType));
-static_assert(callable_as<CFNumberType(CFNumberRef)>(CFNumberGetType));
 static_assert(callable_as<Boolean(CFBooleanRef)>(CFBooleanGetValue));
 static_assert(callable_as<CFArrayRef(CFAllocatorRef, const void**, CFIndex,
                                      const CFArrayCallBacks*)>(CFArrayCreate));
-static_assert(callable_as<CFMutableArrayRef(CFAllocatorRef, CFIndex, const CFArrayCallBacks*)>(
-    CFArrayCreateMutable));
-static_assert(callable_as<void(CFMutableArrayRef, const void*)>(CFArrayAppendValue));
 static_assert(callable_as<CFIndex(CFArrayRef)>(CFArrayGetCount));
 static_assert(callable_as<const void*(CFArrayRef, CFIndex)>(CFArrayGetValueAtIndex));
 static_assert(callable_as<CFDictionaryRef(CFAllocatorRef, const void**, const void**, CFIndex,
@@ -161,26 +145,16 @@ static_assert(
 static_assert(callable_as<CFMutableDictionaryRef(CFAllocatorRef, CFIndex, CFDictionaryRef)>(
     CFDictionaryCreateMutableCopy));
 static_assert(callable_as<CFIndex(CFDictionaryRef)>(CFDictionaryGetCount));
-static_assert(callable_as<Boolean(CFDictionaryRef, const void*)>(CFDictionaryContainsKey));
 static_assert(callable_as<const void*(CFDictionaryRef, const void*)>(CFDictionaryGetValue));
-static_assert(callable_as<Boolean(CFDictionaryRef, const void*, const void**)>(
-    CFDictionaryGetValueIfPresent));
 static_assert(
     callable_as<void(CFDictionaryRef, const void**, const void**)>(CFDictionaryGetKeysAndValues));
 static_assert(
     callable_as<void(CFMutableDictionaryRef, const void*, const void*)>(CFDictionarySetValue));
-static_assert(
-    callable_as<void(CFMutableDictionaryRef, const void*, const void*)>(CFDictionaryAddValue));
-static_assert(callable_as<void(CFMutableDictionaryRef, const void*)>(CFDictionaryRemoveValue));
 static_assert(callable_as<CFIndex(CFSetRef)>(CFSetGetCount));
 static_assert(callable_as<void(CFSetRef, const void**)>(CFSetGetValues));
-static_assert(callable_as<CFErrorDomain(CFErrorRef)>(CFErrorGetDomain));
-static_assert(callable_as<CFIndex(CFErrorRef)>(CFErrorGetCode));
-static_assert(callable_as<CFStringRef(CFErrorRef)>(CFErrorCopyDescription));
 static_assert(callable_as<CFURLRef(CFAllocatorRef, const UInt8*, CFIndex, Boolean)>(
     CFURLCreateFromFileSystemRepresentation));
 static_assert(callable_as<CFURLRef(CFAllocatorRef, CFStringRef, CFURLRef)>(CFURLCreateWithString));
-static_assert(callable_as<CFStringRef(CFURLRef)>(CFURLGetString));
 static_assert(callable_as<CFStringRef(CFURLRef, CFURLPathStyle)>(CFURLCopyFileSystemPath));
 static_assert(
     callable_as<Boolean(CFURLRef, Boolean, UInt8*, CFIndex)>(CFURLGetFileSystemRepresentation));

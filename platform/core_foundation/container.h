@@ -1,4 +1,4 @@
-// The common header of arrays, dictionaries and sets.
+// The common header of arrays, dictionaries and sets. They own the objects that they contain.
 #pragma once
 
 #include "core_foundation/object.h"
@@ -10,14 +10,8 @@ namespace lumo::platform {
 
 /// The header of every container. `count` of `capacity` places are in use.
 struct Container : Object {
-    /// Bits of `detail`. A container created with null callbacks holds pointers that it does not
-    /// own and that need not be objects.
-    enum Flags : std::uint8_t { owns_keys = 1, owns_values = 2, is_mutable = 4 };
-
-    Container(Kind container_kind, std::uint8_t flags, std::size_t room)
-        : Object{container_kind, flags}, count{0}, capacity{room} {}
-
-    bool has(Flags flag) const noexcept { return (detail & flag) != 0; }
+    Container(Kind container_kind, std::size_t room)
+        : Object{container_kind}, count{0}, capacity{room} {}
 
     std::size_t count;
     union {
@@ -31,9 +25,10 @@ inline bool is_container(Kind kind) noexcept {
     return kind == Kind::array || kind == Kind::dictionary || kind == Kind::set;
 }
 
-/// Stops the process unless the container is mutable, as on a Mac.
-inline void require_mutable(const Container& container) noexcept {
-    if (!container.has(Container::is_mutable)) {
+/// Stops the process unless `callbacks` are `those_of_objects`: containers contain objects only.
+template <class CallBacks>
+void require_objects(const CallBacks* callbacks, const CallBacks& those_of_objects) noexcept {
+    if (callbacks != &those_of_objects) {
         __builtin_trap();
     }
 }

@@ -1,7 +1,6 @@
 // Dictionaries and sets as objects. Entries are stored in the order of insertion; with a capacity
 // of `indexed_from` or more, a hash table of slots follows them. A slot holds the index of an entry
-// plus one, or 0 when it is free. A removal rebuilds the table, so a search ends at the first free
-// slot.
+// plus one, or 0 when it is free.
 #include "core_foundation/dictionary.h"
 
 #include "core_foundation/hashing.h"
@@ -49,8 +48,7 @@ void use_storage(Dictionary& dictionary, void* memory, std::size_t room) noexcep
 /// address: their hash is only their count, so a file with a large set of them would take quadratic
 /// time.
 bool goes_by_value(const Dictionary& dictionary, const Object* key) noexcept {
-    return dictionary.has(Container::owns_keys) &&
-           !(dictionary.kind == Kind::set && is_container(key->kind));
+    return dictionary.kind != Kind::set || !is_container(key->kind);
 }
 
 std::uint32_t hash_key(const Dictionary& dictionary, const Object* key) noexcept {
@@ -101,31 +99,18 @@ Place place_of(const Dictionary& dictionary, const Object* key) {
     }
 }
 
-void rebuild_index(Dictionary& dictionary) noexcept {
-    if (dictionary.index == nullptr) {
-        return;
-    }
-    std::memset(dictionary.index, 0,
-                (std::size_t{dictionary.index_mask} + 1) * sizeof(std::uint32_t));
-    for (std::size_t i = 0; i < dictionary.count; ++i) {
-        std::uint32_t at = hash_key(dictionary, dictionary.entries[i].key);
-        while (dictionary.index[at & dictionary.index_mask] != 0) {
-            ++at;
-        }
-        dictionary.index[at & dictionary.index_mask] = static_cast<std::uint32_t>(i + 1);
-    }
-}
-
 void grow(Dictionary& dictionary) {
     const std::size_t room = std::max<std::size_t>(4, dictionary.capacity * 2);
     void* memory = ::operator new(storage_size(room));
-    Entry* old = dictionary.entries;
+    const std::span<const Entry> old = dictionary.items();
     const bool was_inline = dictionary.is_inline();
-    std::copy_n(old, dictionary.count, static_cast<Entry*>(memory));
     use_storage(dictionary, memory, room);
-    rebuild_index(dictionary);
+    dictionary.count = 0;
+    for (const Entry& entry : old) {
+        insert(dictionary, entry);
+    }
     if (!was_inline) {
-        ::operator delete(old);
+        ::operator delete(const_cast<Entry*>(old.data()));
     }
 }
 
@@ -157,9 +142,9 @@ void fill_like(const Dictionary& model, Dictionary& dictionary, std::span<Owned>
 
 } // namespace
 
-Dictionary* allocate_dictionary(Kind kind, std::uint8_t flags, std::size_t room) {
+Dictionary* allocate_dictionary(Kind kind, std::size_t room) {
     void* memory = ::operator new(sizeof(Dictionary) + storage_size(room));
-    auto* dictionary = new (memory) Dictionary{kind, flags, room};
+    auto* dictionary = new (memory) Dictionary{kind, room};
     use_storage(*dictionary, dictionary + 1, room);
     return dictionary;
 }
@@ -180,27 +165,13 @@ Entry* insert(Dictionary& dictionary, Entry entry) {
     return nullptr;
 }
 
-std::optional<Entry> remove(Dictionary& dictionary, const void* key) {
-    Entry* entry = place_of(dictionary, static_cast<const Object*>(key)).entry;
-    if (entry == nullptr) {
-        return std::nullopt;
-    }
-    const Entry removed = *entry;
-    std::copy(entry + 1, dictionary.entries + dictionary.count, entry);
-    --dictionary.count;
-    rebuild_index(dictionary);
-    return removed;
-}
-
-const Entry* find(const Dictionary& dictionary, const void* key) {
-    return place_of(dictionary, static_cast<const Object*>(key)).entry;
+const Entry* find(const Dictionary& dictionary, const Object* key) {
+    return place_of(dictionary, key).entry;
 }
 
 Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates,
                       const Dictionary* similar) {
-    Dictionary* dictionary =
-        allocate_dictionary(Kind::dictionary, Container::owns_keys | Container::owns_values,
-                            keys_and_values.size() / 2);
+    Dictionary* dictionary = allocate_dictionary(Kind::dictionary, keys_and_values.size() / 2);
     Owned result{dictionary};
     if (similar != nullptr && has_just_these_keys(*similar, keys_and_values)) {
         fill_like(*similar, *dictionary, keys_and_values);
@@ -226,7 +197,7 @@ Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates,
 }
 
 Owned make_set(std::span<Owned> items) {
-    Dictionary* set = allocate_dictionary(Kind::set, Container::owns_keys, items.size());
+    Dictionary* set = allocate_dictionary(Kind::set, items.size());
     Owned result{set};
     for (Owned& item : items) {
         if (insert(*set, {item.get(), nullptr}) == nullptr) {

@@ -6,13 +6,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <new>
-#include <optional>
 #include <span>
 
 namespace lumo::platform {
 
-/// A key and its value, each an owned reference or a raw pointer, depending on the flags.
+/// A key and its value, each an owned reference.
 struct Entry {
     const Object* key;
     const Object* value; ///< Null in a set.
@@ -20,8 +18,7 @@ struct Entry {
 
 /// A dictionary or, depending on `kind`, a set.
 struct Dictionary : Container {
-    Dictionary(Kind dictionary_kind, std::uint8_t flags, std::size_t room)
-        : Container{dictionary_kind, flags, room} {}
+    using Container::Container;
 
     /// The entries in the order in which their keys were first inserted.
     std::span<const Entry> items() const noexcept { return {entries, count}; }
@@ -33,6 +30,7 @@ struct Dictionary : Container {
     Entry* entries = nullptr;
     std::uint32_t* index = nullptr; ///< Null for a small capacity; else entry index + 1, 0 = free.
     std::uint32_t index_mask = 0;
+    bool is_mutable = false; ///< Whether CFDictionarySetValue may change it.
 };
 
 /// Which of several entries with equal keys is kept.
@@ -51,32 +49,12 @@ Owned make_dictionary(std::span<Owned> keys_and_values, Duplicates duplicates,
 Owned make_set(std::span<Owned> items);
 
 /// The entry with an equal key, or null.
-const Entry* find(const Dictionary& dictionary, const void* key);
+const Entry* find(const Dictionary& dictionary, const Object* key);
 
 /// An empty dictionary or set with room for `room` entries after its header.
-Dictionary* allocate_dictionary(Kind kind, std::uint8_t flags, std::size_t room);
+Dictionary* allocate_dictionary(Kind kind, std::size_t room);
 /// Adds an entry, without retaining it, and returns null. If an equal key is present, changes
 /// nothing and returns the present entry.
 Entry* insert(Dictionary& dictionary, Entry entry);
-/// Removes the entry with an equal key and returns it, without releasing it; nothing when there is
-/// none. The other entries keep their order; takes linear time.
-std::optional<Entry> remove(Dictionary& dictionary, const void* key);
-
-/// Calls `drop_child` with each object that the dictionary owns, then frees its storage, as
-/// empty_array does.
-template <class DropChild>
-void empty_dictionary(Dictionary& dictionary, DropChild drop_child) noexcept {
-    for (const Entry& entry : dictionary.items()) {
-        if (dictionary.has(Container::owns_keys)) {
-            drop_child(entry.key);
-        }
-        if (dictionary.has(Container::owns_values)) {
-            drop_child(entry.value);
-        }
-    }
-    if (!dictionary.is_inline()) {
-        ::operator delete(dictionary.entries);
-    }
-}
 
 } // namespace lumo::platform

@@ -1,52 +1,45 @@
-// The C functions of dictionaries and sets. The supported callbacks are those of CoreFoundation
-// objects, and null, separately for keys and values.
-#include "core_foundation/callbacks.h"
+// The C functions of dictionaries and sets.
 #include "core_foundation/dictionary.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <utility>
 
 using namespace lumo::platform;
 
 namespace {
 
-void retain_entry(const Dictionary& dictionary, const Entry& entry) noexcept {
-    if (dictionary.has(Container::owns_keys)) {
-        retain(entry.key);
-    }
-    if (dictionary.has(Container::owns_values)) {
-        retain(entry.value);
-    }
-}
-
-void release_entry(const Dictionary& dictionary, const Entry& entry) noexcept {
-    if (dictionary.has(Container::owns_keys)) {
-        release(entry.key);
-    }
-    if (dictionary.has(Container::owns_values)) {
-        release(entry.value);
-    }
-}
-
 /// Adds an entry and retains it. If an equal key is present, changes nothing and returns the
 /// present entry.
 Entry* add(Dictionary& dictionary, const void* key, const void* value) {
-    const Entry entry{object_of(key), object_of(value)};
-    Entry* present = insert(dictionary, entry);
+    Entry* present = insert(dictionary, {object_of(key), object_of(value)});
     if (present == nullptr) {
-        retain_entry(dictionary, entry);
+        retain(object_of(key));
+        retain(object_of(value));
     }
     return present;
 }
 
+CFMutableDictionaryRef make_mutable(std::size_t room) {
+    Dictionary* dictionary = allocate_dictionary(Kind::dictionary, room);
+    dictionary->is_mutable = true;
+    return reinterpret_cast<CFMutableDictionaryRef>(dictionary);
+}
+
+/// A dictionary that may be changed; an immutable one stops the process, as on a Mac.
 Dictionary& mutable_dictionary(CFMutableDictionaryRef reference) {
     auto& dictionary = const_cast<Dictionary&>(as<Dictionary>(reference));
-    require_mutable(dictionary);
+    if (!dictionary.is_mutable) {
+        __builtin_trap();
+    }
     return dictionary;
 }
 
 } // namespace
+
+const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks = {0,       nullptr, nullptr,
+                                                                nullptr, CFEqual, CFHash};
+const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks = {0, nullptr, nullptr, nullptr,
+                                                                    CFEqual};
 
 CFTypeID CFDictionaryGetTypeID() {
     return static_cast<CFTypeID>(Kind::dictionary);
@@ -55,9 +48,9 @@ CFTypeID CFDictionaryGetTypeID() {
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values,
                                    CFIndex count, const CFDictionaryKeyCallBacks* key_callbacks,
                                    const CFDictionaryValueCallBacks* value_callbacks) {
-    Dictionary* dictionary =
-        allocate_dictionary(Kind::dictionary, flags_of_dictionary(key_callbacks, value_callbacks),
-                            static_cast<std::size_t>(count));
+    require_objects(key_callbacks, kCFTypeDictionaryKeyCallBacks);
+    require_objects(value_callbacks, kCFTypeDictionaryValueCallBacks);
+    Dictionary* dictionary = allocate_dictionary(Kind::dictionary, static_cast<std::size_t>(count));
     for (CFIndex i = 0; i < count; ++i) {
         add(*dictionary, keys[i], values[i]);
     }
@@ -67,21 +60,19 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void
 CFMutableDictionaryRef
 CFDictionaryCreateMutable(CFAllocatorRef, CFIndex, const CFDictionaryKeyCallBacks* key_callbacks,
                           const CFDictionaryValueCallBacks* value_callbacks) {
-    const int flags = flags_of_dictionary(key_callbacks, value_callbacks) | Container::is_mutable;
-    return reinterpret_cast<CFMutableDictionaryRef>(
-        allocate_dictionary(Kind::dictionary, static_cast<std::uint8_t>(flags), 0));
+    require_objects(key_callbacks, kCFTypeDictionaryKeyCallBacks);
+    require_objects(value_callbacks, kCFTypeDictionaryValueCallBacks);
+    return make_mutable(0);
 }
 
 CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef, CFIndex,
                                                      CFDictionaryRef reference) {
     const auto& source = as<Dictionary>(reference);
-    const int flags = source.detail | Container::is_mutable;
-    Dictionary* copy =
-        allocate_dictionary(Kind::dictionary, static_cast<std::uint8_t>(flags), source.count + 1);
+    const CFMutableDictionaryRef copy = make_mutable(source.count + 1);
     for (const Entry& entry : source.items()) {
-        add(*copy, entry.key, entry.value);
+        add(mutable_dictionary(copy), entry.key, entry.value);
     }
-    return reinterpret_cast<CFMutableDictionaryRef>(copy);
+    return copy;
 }
 
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
@@ -89,21 +80,8 @@ CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary) {
 }
 
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key) {
-    const Entry* entry = find(as<Dictionary>(dictionary), key);
+    const Entry* entry = find(as<Dictionary>(dictionary), object_of(key));
     return entry == nullptr ? nullptr : entry->value;
-}
-
-Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key) {
-    return find(as<Dictionary>(dictionary), key) != nullptr;
-}
-
-Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
-                                      const void** value) {
-    const Entry* entry = find(as<Dictionary>(dictionary), key);
-    if (entry != nullptr && value != nullptr) {
-        *value = entry->value;
-    }
-    return entry != nullptr;
 }
 
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
@@ -118,24 +96,11 @@ void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
     }
 }
 
-void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value) {
-    add(mutable_dictionary(dictionary), key, value);
-}
-
 void CFDictionarySetValue(CFMutableDictionaryRef reference, const void* key, const void* value) {
-    Dictionary& dictionary = mutable_dictionary(reference);
-    Entry* present = add(dictionary, key, value);
+    Entry* present = add(mutable_dictionary(reference), key, value);
     if (present != nullptr) {
-        const Entry entry{object_of(key), object_of(value)};
-        retain_entry(dictionary, entry);
-        release_entry(dictionary, std::exchange(*present, entry));
-    }
-}
-
-void CFDictionaryRemoveValue(CFMutableDictionaryRef reference, const void* key) {
-    Dictionary& dictionary = mutable_dictionary(reference);
-    if (const auto removed = remove(dictionary, key)) {
-        release_entry(dictionary, *removed);
+        const Owned old_key{std::exchange(present->key, share(object_of(key)).release())};
+        const Owned old_value{std::exchange(present->value, share(object_of(value)).release())};
     }
 }
 

@@ -14,14 +14,9 @@ namespace {
 constexpr std::int64_t first_shared = -1;
 constexpr std::size_t shared_count = 257; // -1 to 255
 
-/// The type of -1 to 12 is reported as 32-bit, as on a Mac.
-constexpr Number shared_number(std::int64_t value) {
-    return Number{value, value <= 12 ? kCFNumberSInt32Type : kCFNumberSInt64Type, immortal};
-}
-
 template <std::size_t... I>
 constexpr std::array<Number, shared_count> number_row(std::index_sequence<I...>) {
-    return {shared_number(first_shared + static_cast<std::int64_t>(I))...};
+    return {Number{first_shared + static_cast<std::int64_t>(I), immortal}...};
 }
 
 constinit const std::array<Number, shared_count> shared_numbers =

@@ -10,20 +10,15 @@ enum class NumberKind : std::uint8_t { integer, wide_integer, real, real32 };
 
 /// A number of any kind; only wide integers have further members.
 struct Number : Object {
-    constexpr explicit Number(std::int64_t value, CFNumberType number_type = kCFNumberSInt64Type,
-                              std::uint32_t count = 1)
-        : Object{Kind::number, static_cast<std::uint8_t>(NumberKind::integer), count},
-          type{static_cast<std::uint8_t>(number_type)}, integer{value} {}
+    constexpr explicit Number(std::int64_t value, std::uint32_t count = 1)
+        : Object{Kind::number, static_cast<std::uint8_t>(NumberKind::integer), count}, integer{
+                                                                                           value} {}
     constexpr Number(NumberKind number_kind, double value)
-        : Object{Kind::number, static_cast<std::uint8_t>(number_kind)},
-          type{static_cast<std::uint8_t>(number_kind == NumberKind::real ? kCFNumberFloat64Type
-                                                                         : kCFNumberFloat32Type)},
-          real{value} {}
+        : Object{Kind::number, static_cast<std::uint8_t>(number_kind)}, real{value} {}
 
     NumberKind number_kind() const noexcept { return static_cast<NumberKind>(detail); }
     bool is_real() const noexcept { return number_kind() >= NumberKind::real; }
 
-    std::uint8_t type; ///< The CFNumberType that CFNumberGetType returns.
     union {
         std::int64_t integer; ///< In a wide integer: the low 64 bits.
         double real;          ///< Also of a single-precision number.

@@ -39,14 +39,6 @@ T load(const void* value) noexcept {
     return loaded;
 }
 
-Owned make_integer_of_type(std::int64_t value, CFNumberType type) {
-    const bool is_shared_on_a_mac = value >= -1 && value <= 12;
-    if (is_shared_on_a_mac || type == kCFNumberSInt64Type) {
-        return make_integer(value);
-    }
-    return Owned{new Number{value, type}};
-}
-
 /// NaN and infinity of single precision become doubles, as on a Mac.
 Owned make_single(float value) {
     return std::isfinite(value) ? make_real32(value) : make_real(static_cast<double>(value));
@@ -55,11 +47,11 @@ Owned make_single(float value) {
 Owned make_number(CFNumberType type, const void* value) {
     switch (type) {
     case kCFNumberSInt8Type:
-        return make_integer_of_type(load<std::int8_t>(value), type);
+        return make_integer(load<std::int8_t>(value));
     case kCFNumberSInt16Type:
-        return make_integer_of_type(load<std::int16_t>(value), type);
+        return make_integer(load<std::int16_t>(value));
     case kCFNumberSInt32Type:
-        return make_integer_of_type(load<std::int32_t>(value), type);
+        return make_integer(load<std::int32_t>(value));
     case kCFNumberSInt64Type:
         return make_integer(load<std::int64_t>(value));
     case kCFNumberFloat32Type:
@@ -173,24 +165,6 @@ Boolean CFNumberGetValue(CFNumberRef reference, CFNumberType type, void* value) 
         return store(to_real<float>(number), value);
     default:
         return store(to_real<double>(number), value);
-    }
-}
-
-CFNumberType CFNumberGetType(CFNumberRef number) {
-    return static_cast<CFNumberType>(as<Number>(number).type);
-}
-
-CFIndex CFNumberGetByteSize(CFNumberRef number) {
-    switch (CFNumberGetType(number)) {
-    case kCFNumberSInt8Type:
-        return 1;
-    case kCFNumberSInt16Type:
-        return 2;
-    case kCFNumberSInt32Type:
-    case kCFNumberFloat32Type:
-        return 4;
-    default:
-        return 8;
     }
 }
 

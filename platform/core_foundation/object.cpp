@@ -21,8 +21,6 @@ void bury(const Object* dead, Container*& pending) noexcept {
     if (is_container(object->kind)) {
         auto* container = static_cast<Container*>(object);
         container->next_dead = std::exchange(pending, container);
-    } else if (object->kind == Kind::error) {
-        delete static_cast<Error*>(object);
     } else if (object->kind == Kind::url) {
         delete static_cast<Url*>(object);
     } else {
@@ -30,16 +28,26 @@ void bury(const Object* dead, Container*& pending) noexcept {
     }
 }
 
+/// Releases the children of a container and frees its storage, except for the object itself.
 void empty(Container& container, Container*& pending) noexcept {
     const auto drop_child = [&pending](const Object* child) {
-        if (drop(child)) {
+        if (child != nullptr && drop(child)) {
             bury(child, pending);
         }
     };
     if (container.kind == Kind::array) {
-        empty_array(static_cast<Array&>(container), drop_child);
-    } else {
-        empty_dictionary(static_cast<Dictionary&>(container), drop_child);
+        for (const Object* item : static_cast<Array&>(container).items()) {
+            drop_child(item);
+        }
+        return;
+    }
+    auto& dictionary = static_cast<Dictionary&>(container);
+    for (const Entry& entry : dictionary.items()) {
+        drop_child(entry.key);
+        drop_child(entry.value);
+    }
+    if (!dictionary.is_inline()) {
+        ::operator delete(dictionary.entries);
     }
 }
 
@@ -55,31 +63,21 @@ bool equal_leaves(const Object& a, const Object& b) {
         return static_cast<const Date&>(a).time == static_cast<const Date&>(b).time;
     case Kind::uid:
         return static_cast<const Uid&>(a).value == static_cast<const Uid&>(b).value;
-    case Kind::url:
-        return equal_urls(static_cast<const Url&>(a), static_cast<const Url&>(b));
     default:
         return false;
     }
 }
 
-bool same_flags(const Container& a, const Container& b) noexcept {
-    return (a.detail | Container::is_mutable) == (b.detail | Container::is_mutable);
-}
-
-bool equal_arrays(const Array& a, const Array& b, std::vector<Pair>& open) {
+void push_pairs(const Array& a, const Array& b, std::vector<Pair>& open) {
     for (std::size_t i = 0; i < a.count; ++i) {
-        if (!a.has(Container::owns_values) && a.values[i] != b.values[i]) {
-            return false;
-        }
-        open.emplace_back(a.values[i], b.values[i]);
+        open.emplace_back(a.items()[i], b.items()[i]);
     }
-    return true;
 }
 
-bool equal_dictionaries(const Dictionary& a, const Dictionary& b, std::vector<Pair>& open) {
+bool equal_keys(const Dictionary& a, const Dictionary& b, std::vector<Pair>& open) {
     for (const Entry& entry : a.items()) {
         const Entry* other = find(b, entry.key);
-        if (other == nullptr || (!a.has(Container::owns_values) && entry.value != other->value)) {
+        if (other == nullptr) {
             return false;
         }
         open.emplace_back(entry.value, other->value);
@@ -88,13 +86,14 @@ bool equal_dictionaries(const Dictionary& a, const Dictionary& b, std::vector<Pa
 }
 
 bool equal_containers(const Container& a, const Container& b, std::vector<Pair>& open) {
-    if (a.count != b.count || !same_flags(a, b)) {
+    if (a.count != b.count) {
         return false;
     }
-    return a.kind == Kind::array
-               ? equal_arrays(static_cast<const Array&>(a), static_cast<const Array&>(b), open)
-               : equal_dictionaries(static_cast<const Dictionary&>(a),
-                                    static_cast<const Dictionary&>(b), open);
+    if (a.kind == Kind::array) {
+        push_pairs(static_cast<const Array&>(a), static_cast<const Array&>(b), open);
+        return true;
+    }
+    return equal_keys(static_cast<const Dictionary&>(a), static_cast<const Dictionary&>(b), open);
 }
 
 /// Compares two objects except for the children of containers; the pairs of children that remain to
@@ -154,8 +153,6 @@ std::uint32_t hash(const Object* object) noexcept {
     }
     case Kind::uid:
         return hash_word(static_cast<const Uid&>(*object).value);
-    case Kind::url:
-        return hash(static_cast<const Url&>(*object).text.get());
     case Kind::array:
     case Kind::dictionary:
     case Kind::set:

@@ -23,8 +23,7 @@ enum class Kind : std::uint8_t {
     array,
     dictionary,
     set,
-    url,
-    error
+    url
 };
 
 /// Reference counts from this value on are never changed: the object exists as long as the process.
@@ -38,7 +37,7 @@ struct Object {
 
     mutable std::atomic<std::uint32_t> references;
     Kind kind;
-    std::uint8_t detail; ///< Depends on the kind: a number's kind, a string's storage, flags.
+    std::uint8_t detail; ///< Depends on the kind: a number's kind, a string's storage.
 };
 
 /// Adds a reference to an object that no other thread can see yet, so that a reader which shares

@@ -8,7 +8,6 @@
 
 #include "core_foundation/array.h"
 #include "core_foundation/dictionary.h"
-#include "core_foundation/error.h"
 #include "core_foundation/number.h"
 #include "core_foundation/object.h"
 #include "core_foundation/string.h"

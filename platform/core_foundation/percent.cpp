@@ -7,8 +7,6 @@
 namespace lumo::platform {
 namespace {
 
-constexpr std::string_view hex_digits = "0123456789ABCDEF";
-
 bool is_letter(char c) noexcept {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
@@ -16,13 +14,10 @@ bool is_digit(char c) noexcept {
     return c >= '0' && c <= '9';
 }
 
-bool is_plain_in_path(char c) noexcept {
+/// Whether the character may be part of a URL other than in a percent-encoding.
+bool is_plain(char c) noexcept {
     return is_letter(c) || is_digit(c) ||
-           std::string_view{"-_.!~*'()/:@&=+$,"}.find(c) != std::string_view::npos;
-}
-
-bool is_plain_in_url(char c) noexcept {
-    return is_plain_in_path(c) || std::string_view{";?#[]"}.find(c) != std::string_view::npos;
+           std::string_view{"-_.!~*'()/:@&=+$,;?#[]"}.find(c) != std::string_view::npos;
 }
 
 std::optional<unsigned> hex_value(char c) noexcept {
@@ -58,20 +53,6 @@ std::string_view without_scheme(std::string_view url) noexcept {
 
 } // namespace
 
-std::string percent_encoded(std::string_view path) {
-    std::string text;
-    text.reserve(path.size() + path.size() / 4);
-    for (const char c : path) {
-        if (is_plain_in_path(c)) {
-            text.push_back(c);
-        } else {
-            const auto byte = static_cast<unsigned char>(c);
-            text.append({'%', hex_digits[byte >> 4], hex_digits[byte & 15]});
-        }
-    }
-    return text;
-}
-
 std::optional<std::string> percent_decoded(std::string_view text) {
     std::string bytes;
     bytes.reserve(text.size());
@@ -91,8 +72,7 @@ std::optional<std::string> percent_decoded(std::string_view text) {
 }
 
 bool is_url_text(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return c == '%' || is_plain_in_url(c); }) &&
+    return std::all_of(text.begin(), text.end(), [](char c) { return c == '%' || is_plain(c); }) &&
            percent_decoded(text).has_value();
 }
 

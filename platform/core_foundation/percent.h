@@ -1,4 +1,4 @@
-// Percent-encoding, and the parts of a URL.
+// Percent-encoded text, and the parts of a URL.
 #pragma once
 
 #include <optional>
@@ -7,9 +7,6 @@
 
 namespace lumo::platform {
 
-/// Percent-encodes a path: letters, digits and -_.!~*'()/:@&=+$, are unchanged, every other byte
-/// becomes "%" and two upper-case hexadecimal digits.
-std::string percent_encoded(std::string_view path);
 /// Decodes percent-encoded text; nothing when a "%" is not followed by two hexadecimal digits.
 std::optional<std::string> percent_decoded(std::string_view text);
 /// Whether the text has only characters allowed in URLs, and valid percent-encodings.

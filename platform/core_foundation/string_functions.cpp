@@ -1,10 +1,8 @@
 // The C functions of strings.
 #include "core_foundation/encodings.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <limits>
-#include <string_view>
 
 using namespace lumo::platform;
 
@@ -26,32 +24,6 @@ CFIndex bytes_per_unit(CFStringEncoding encoding) noexcept {
     default:
         return 1;
     }
-}
-
-CFComparisonResult order_of(int difference) noexcept {
-    if (difference == 0) {
-        return kCFCompareEqualTo;
-    }
-    return difference < 0 ? kCFCompareLessThan : kCFCompareGreaterThan;
-}
-
-/// Compares an ASCII string with a UTF-16 one.
-int compare_mixed(std::string_view ascii, std::u16string_view utf16) noexcept {
-    const std::size_t common = std::min(ascii.size(), utf16.size());
-    for (std::size_t i = 0; i < common; ++i) {
-        const int difference = static_cast<unsigned char>(ascii[i]) - static_cast<int>(utf16[i]);
-        if (difference != 0) {
-            return difference;
-        }
-    }
-    return ascii.size() < utf16.size() ? -1 : static_cast<int>(ascii.size() > utf16.size());
-}
-
-int compare(const String& a, const String& b) noexcept {
-    if (a.is_ascii()) {
-        return b.is_ascii() ? a.ascii().compare(b.ascii()) : compare_mixed(a.ascii(), b.utf16());
-    }
-    return b.is_ascii() ? -compare_mixed(b.ascii(), a.utf16()) : a.utf16().compare(b.utf16());
 }
 
 } // namespace
@@ -104,11 +76,4 @@ Boolean CFStringGetCString(CFStringRef reference, char* buffer, CFIndex size,
     const bool is_whole = encoded.units == string.length;
     buffer[is_whole ? encoded.bytes : 0] = '\0';
     return is_whole;
-}
-
-CFComparisonResult CFStringCompare(CFStringRef a, CFStringRef b, CFStringCompareFlags options) {
-    if (options != 0) {
-        __builtin_trap();
-    }
-    return order_of(compare(as<String>(a), as<String>(b)));
 }

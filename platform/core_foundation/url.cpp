@@ -1,6 +1,7 @@
 // URLs: created from the bytes of a path or from text, and converted to paths.
 #include "core_foundation/url.h"
 
+#include "base/utf8.h"
 #include "core_foundation/percent.h"
 #include "core_foundation/string.h"
 
@@ -27,13 +28,6 @@ std::string current_folder() {
     return folder;
 }
 
-std::string_view without_trailing_slashes(std::string_view path) noexcept {
-    while (path.size() > 1 && path.back() == '/') {
-        path.remove_suffix(1);
-    }
-    return path;
-}
-
 std::string without_last_slash(std::string path) {
     if (path.size() > 1 && path.back() == '/') {
         path.pop_back();
@@ -41,20 +35,18 @@ std::string without_last_slash(std::string path) {
     return path;
 }
 
-/// The path as it is written in a URL: with a trailing slash for a folder, without one for a file.
-std::string path_in_url(std::string_view path, bool is_directory) {
-    std::string text{is_directory ? path : without_trailing_slashes(path)};
-    if (is_directory && text.back() != '/') {
-        text += '/';
+std::string without_trailing_slashes(std::string path) {
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
     }
-    return text;
+    return path;
 }
 
 /// The path in the text of a URL; nothing when it has none, or one that is not UTF-8.
 std::optional<std::string> path_in_text(std::string_view url) {
     const auto encoded = path_of_url(url);
     auto path = encoded ? percent_decoded(*encoded) : std::nullopt;
-    if (!path || make_string(*path) == nullptr) {
+    if (!path || !is_utf8(*path)) {
         return std::nullopt;
     }
     return without_last_slash(*std::move(path));
@@ -64,15 +56,14 @@ std::string resolved(const Url& url) {
     if (url.base_path.empty()) {
         return *url.path;
     }
-    return std::string{without_trailing_slashes(without_dot_components(url.base_path + *url.path))};
+    return without_trailing_slashes(without_dot_components(url.base_path + *url.path));
+}
+
+CFURLRef make_url(std::optional<std::string> path, std::string base) {
+    return reinterpret_cast<CFURLRef>(new Url{std::move(path), std::move(base)});
 }
 
 } // namespace
-
-bool equal_urls(const Url& a, const Url& b) {
-    return a.base_path == b.base_path && equal(a.text.get(), b.text.get());
-}
-
 } // namespace lumo::platform
 
 using namespace lumo::platform;
@@ -83,17 +74,14 @@ CFTypeID CFURLGetTypeID() {
 
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef, const UInt8* bytes, CFIndex length,
                                                  Boolean is_directory) {
-    const std::string_view path{reinterpret_cast<const char*>(bytes),
-                                static_cast<std::size_t>(length)};
+    std::string path{reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)};
     if (path.empty()) {
         return nullptr;
     }
-    const bool is_absolute = path.front() == '/';
-    const std::string whole = path_in_url(path, is_directory != 0);
-    const std::string text = percent_encoded(whole);
-    return reinterpret_cast<CFURLRef>(
-        new Url{make_string_ascii(is_absolute ? "file://" + text : text), without_last_slash(whole),
-                is_absolute ? std::string{} : current_folder()});
+    std::string base = path.front() == '/' ? std::string{} : current_folder();
+    return make_url(is_directory != 0 ? without_last_slash(std::move(path))
+                                      : without_trailing_slashes(std::move(path)),
+                    std::move(base));
 }
 
 CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef reference, CFURLRef base) {
@@ -101,12 +89,7 @@ CFURLRef CFURLCreateWithString(CFAllocatorRef, CFStringRef reference, CFURLRef b
     if (base != nullptr || !string.is_ascii() || !is_url_text(string.ascii())) {
         return nullptr;
     }
-    return reinterpret_cast<CFURLRef>(
-        new Url{share(&string), path_in_text(string.ascii()), std::string{}});
-}
-
-CFStringRef CFURLGetString(CFURLRef url) {
-    return reinterpret_cast<CFStringRef>(as<Url>(url).text.get());
+    return make_url(path_in_text(string.ascii()), {});
 }
 
 Boolean CFURLGetFileSystemRepresentation(CFURLRef reference, Boolean resolve_against_base,

@@ -80,9 +80,6 @@ CFTypeID CFDataGetTypeID() {
 CFTypeID CFDateGetTypeID() {
     return static_cast<CFTypeID>(Kind::date);
 }
-CFTypeID CFNullGetTypeID() {
-    return static_cast<CFTypeID>(Kind::null);
-}
 
 Boolean CFBooleanGetValue(CFBooleanRef boolean) {
     return boolean_value(as<Object>(boolean));

@@ -110,12 +110,7 @@ bool Collector::add_children(std::size_t node) {
     return true;
 }
 
-/// A container that does not own its values may hold pointers that are not objects, so it must be
-/// empty.
 bool Collector::add_items(const Array& array) {
-    if (!array.has(Container::owns_values)) {
-        return array.items().empty();
-    }
     for (const Object* item : array.items()) {
         if (!add_ref(item)) {
             return false;
@@ -125,9 +120,6 @@ bool Collector::add_items(const Array& array) {
 }
 
 bool Collector::add_entries(const Dictionary& dictionary) {
-    if (!dictionary.has(Container::owns_keys) || !dictionary.has(Container::owns_values)) {
-        return dictionary.items().empty();
-    }
     for (const Entry& entry : dictionary.items()) {
         if (entry.key->kind != Kind::string || !add_ref(entry.key)) {
             return false;
@@ -155,7 +147,6 @@ std::optional<std::uint32_t> Collector::number_of(const Object* object) {
     case Kind::null:
     case Kind::set:
     case Kind::url:
-    case Kind::error:
         return std::nullopt;
     default:
         return find_or_add(object);

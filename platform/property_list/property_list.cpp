@@ -10,7 +10,6 @@
 
 #include <new>
 #include <stdexcept>
-#include <string_view>
 
 namespace lumo::platform {
 namespace {
@@ -42,15 +41,6 @@ auto unless_too_large(Make make) -> decltype(make()) {
     }
 }
 
-/// Returns null, with an error in `*error` if the caller requested one.
-std::nullptr_t failure(CFErrorRef* error, CFIndex code, std::string_view description) {
-    if (error) {
-        const Object* made = make_cocoa_error(code, description).release();
-        *error = reinterpret_cast<CFErrorRef>(const_cast<Object*>(made));
-    }
-    return nullptr;
-}
-
 } // namespace
 } // namespace lumo::platform
 
@@ -58,32 +48,23 @@ using namespace lumo::platform;
 
 CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef, CFDataRef data,
                                                CFOptionFlags options, CFPropertyListFormat* format,
-                                               CFErrorRef* error) {
-    if (options != kCFPropertyListImmutable) {
-        return failure(error, kCFPropertyListReadCorruptError,
-                       "Mutable property lists are not offered");
+                                               CFErrorRef*) {
+    if (!data || options != kCFPropertyListImmutable) {
+        return nullptr;
     }
-    Reading reading{};
-    if (data) {
-        reading = unless_too_large([&] { return read_property_list(as<Data>(data).bytes()); });
+    auto [value, read_format] =
+        unless_too_large([&] { return read_property_list(as<Data>(data).bytes()); });
+    if (value && format) {
+        *format = read_format;
     }
-    if (!reading.value) {
-        return failure(error, kCFPropertyListReadCorruptError, "The data is no property list");
-    }
-    if (format) {
-        *format = reading.format;
-    }
-    return reading.value.release();
+    return value.release();
 }
 
 CFDataRef CFPropertyListCreateData(CFAllocatorRef, CFPropertyListRef list,
-                                   CFPropertyListFormat format, CFOptionFlags, CFErrorRef* error) {
+                                   CFPropertyListFormat format, CFOptionFlags, CFErrorRef*) {
     if (format != kCFPropertyListBinaryFormat_v1_0) {
-        return failure(error, kCFPropertyListWriteStreamError, "Only the binary format is written");
+        return nullptr;
     }
     Owned data = unless_too_large([&] { return write_binary(object_of(list)); });
-    if (!data) {
-        return failure(error, kCFPropertyListWriteStreamError, "The object is no property list");
-    }
     return reinterpret_cast<CFDataRef>(data.release());
 }

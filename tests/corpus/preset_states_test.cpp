@@ -7,8 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -25,13 +27,22 @@ Ref<CFPropertyListRef> read_preset(const fs::path& path) {
                                               kCFPropertyListImmutable, nullptr, nullptr));
 }
 
-/// The state without its samples, whose paths are valid on other machines only, and without entries
-/// that hosts add.
+/// The state without its samples, whose paths are valid on other machines only, and without an
+/// entry that hosts add.
 Ref<CFMutableDictionaryRef> without_samples(CFPropertyListRef preset) {
-    auto state = adopt(CFDictionaryCreateMutableCopy(kCFAllocatorDefault, 0,
-                                                     static_cast<CFDictionaryRef>(preset)));
+    const auto* const dictionary = static_cast<CFDictionaryRef>(preset);
+    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
+    std::vector<const void*> keys(count);
+    std::vector<const void*> values(count);
+    CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
+    auto state = adopt(CFDictionaryCreateMutable(
+        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!CFEqual(keys[i], make_string("file-secure-references").get())) {
+            CFDictionarySetValue(state.get(), keys[i], values[i]);
+        }
+    }
     CFDictionarySetValue(state.get(), make_string("file-references").get(), parse("<dict/>").get());
-    CFDictionaryRemoveValue(state.get(), make_string("file-secure-references").get());
     return state;
 }
 

@@ -27,12 +27,13 @@ Value data(const std::string& bytes) {
 }
 
 Value array(const std::vector<Value>& values) {
-    const CFMutableArrayRef result =
-        CFArrayCreateMutable(kCFAllocatorDefault, 0, &kCFTypeArrayCallBacks);
+    std::vector<CFTypeRef> objects;
+    objects.reserve(values.size());
     for (const Value& value : values) {
-        CFArrayAppendValue(result, value.get());
+        objects.push_back(value.get());
     }
-    return adopt(result);
+    return adopt(CFArrayCreate(kCFAllocatorDefault, objects.data(),
+                               static_cast<CFIndex>(objects.size()), &kCFTypeArrayCallBacks));
 }
 
 Value dictionary(const std::vector<std::pair<std::string, Value>>& entries) {

@@ -59,8 +59,6 @@ TEST(Strings, AreEqualHoweverTheyWereMade) {
     const Owned plain = make_string("abc");
     EXPECT_TRUE(equal(plain.get(), make_string_utf16(u"abc").get()));
     EXPECT_TRUE(equal(plain.get(), make_string_latin1("abc").get()));
-    const std::uint8_t big_endian[] = {0, 'a', 0, 'b', 0, 'c'};
-    EXPECT_TRUE(equal(plain.get(), make_string_utf16be(big_endian, 3).get()));
     EXPECT_EQ(hash(plain.get()), hash(make_string_utf16(u"abc").get()));
 }
 
@@ -136,16 +134,6 @@ TEST(Values, AreEqualByValueWithinTheirKind) {
     EXPECT_FALSE(equal(make_uid(7).get(), make_integer(7).get()));
     EXPECT_TRUE(equal(make_null().get(), make_null().get()));
     EXPECT_FALSE(equal(make_boolean(true).get(), make_boolean(false).get()));
-}
-
-TEST(Errors, TellDomainCodeAndDescription) {
-    const Owned error = make_cocoa_error(3840, "unexpected end");
-    auto* reference = const_cast<CFErrorRef>(
-        reinterpret_cast<const std::remove_pointer_t<CFErrorRef>*>(error.get()));
-    EXPECT_TRUE(CFEqual(CFErrorGetDomain(reference), kCFErrorDomainCocoa));
-    EXPECT_EQ(CFErrorGetCode(reference), 3840);
-    const Owned description{object_of(CFErrorCopyDescription(reference))};
-    EXPECT_EQ(as<String>(description.get()).ascii(), "unexpected end");
 }
 
 TEST(Dictionaries, KeepTheOrderOfInsertion) {

@@ -149,13 +149,13 @@ Ref<CFMutableDictionaryRef> make_dictionary() {
                                            &kCFTypeDictionaryValueCallBacks));
 }
 
-/// The value that a dictionary holds after `put` was called for two equal keys.
-Json value_after(void (*put)(CFMutableDictionaryRef, const void*, const void*)) {
+/// The value that a dictionary holds after two equal keys were set.
+Json value_set_last() {
     const auto dictionary = make_dictionary();
     for (const char* value : {"first", "second"}) {
         const auto key = adopt(CFStringCreateWithCString(nullptr, "key", kCFStringEncodingUTF8));
         const auto text = adopt(CFStringCreateWithCString(nullptr, value, kCFStringEncodingUTF8));
-        put(dictionary.get(), key.get(), text.get());
+        CFDictionarySetValue(dictionary.get(), key.get(), text.get());
     }
     std::array<char, 16> buffer{};
     const void* value = nullptr;
@@ -167,10 +167,9 @@ Json value_after(void (*put)(CFMutableDictionaryRef, const void*, const void*)) 
 
 void compare_key_order(ConformanceTable& table, const Json& recorded) {
     const std::string row = "entries of a dictionary";
-    table.compare(row, value_after(CFDictionarySetValue) == recorded["SetValue twice"]["value"],
+    table.compare(row, value_set_last() == recorded["SetValue twice"]["value"],
                   "CFDictionarySetValue");
-    table.compare(row, value_after(CFDictionaryAddValue) == recorded["AddValue twice"]["value"],
-                  "CFDictionaryAddValue");
+    table.not_offered(row, "CFDictionaryAddValue");
     table.differs_on_purpose(row, "they keep the order in which they came in");
 }
 
@@ -185,9 +184,7 @@ TEST(StringVectors, EqualityAndOrderAgreeWithCoreFoundation) {
         if (row["equal"]) {
             table.compare("CFHash of equal strings", CFHash(a.get()) == CFHash(b.get()), pair);
         }
-        const auto order = CFStringCompare(a.get(), b.get(), CFStringCompareFlags{});
-        table.compare("CFStringCompare", static_cast<CFIndex>(order) == row["compare"]["0"], pair);
-        table.not_offered("CFStringCompare", "comparison that is not literal");
+        table.not_offered("CFStringCompare", "the function");
         const auto dictionary = make_dictionary();
         CFDictionarySetValue(dictionary.get(), a.get(), kCFBooleanTrue);
         CFDictionarySetValue(dictionary.get(), b.get(), kCFBooleanTrue);

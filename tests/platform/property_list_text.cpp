@@ -65,7 +65,7 @@ std::string number_text(CFNumberRef number) {
     }
     double value = 0;
     CFNumberGetValue(number, kCFNumberDoubleType, &value);
-    const bool single = CFNumberGetType(number) == kCFNumberFloat32Type;
+    const bool single = written(number).at(8) == 0x22; // the marker of four bytes
     return (single ? "real32 " : "real ") + real_text(value);
 }
 
@@ -158,21 +158,11 @@ std::string dictionary_text(const Json& entries) {
     return sorted(std::move(parts), "{", "}");
 }
 
-Ref<CFPropertyListRef> read(std::string_view bytes, CFPropertyListFormat* format,
-                            CFErrorRef* error) {
+Ref<CFPropertyListRef> read(std::string_view bytes, CFPropertyListFormat* format) {
     const auto data = adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
                                          static_cast<CFIndex>(bytes.size())));
-    return adopt(
-        CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable, format, error));
-}
-
-std::string refusal(CFErrorRef reported) {
-    const auto error = adopt(reported);
-    if (!error) {
-        return "refused without an error";
-    }
-    const Json domain = units_of(CFErrorGetDomain(error.get()));
-    return "refused: " + quoted(domain) + " " + std::to_string(CFErrorGetCode(error.get()));
+    return adopt(CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable, format,
+                                              nullptr));
 }
 
 } // namespace
@@ -203,7 +193,7 @@ std::string described(CFTypeRef list) {
     if (type == CFSetGetTypeID()) {
         return set_text(cast<CFSetRef>(list));
     }
-    return type == CFNullGetTypeID() ? "null" : uid_text(list);
+    return list == kCFNull ? "null" : uid_text(list);
 }
 
 std::string described(const Json& record) {
@@ -235,17 +225,15 @@ std::string described(const Json& record) {
 }
 
 std::string read_and_describe(std::string_view bytes) {
-    CFErrorRef error = nullptr;
-    const auto list = read(bytes, nullptr, &error);
-    return list ? described(list.get()) : refusal(error);
+    const auto list = read(bytes, nullptr);
+    return list ? described(list.get()) : refused;
 }
 
 std::string read_with_format(std::string_view bytes) {
     CFPropertyListFormat format{};
-    CFErrorRef error = nullptr;
-    const auto list = read(bytes, &format, &error);
+    const auto list = read(bytes, &format);
     if (!list) {
-        return refusal(error);
+        return refused;
     }
     const char* name = format == kCFPropertyListXMLFormat_v1_0      ? "xml "
                        : format == kCFPropertyListBinaryFormat_v1_0 ? "binary "
@@ -254,16 +242,15 @@ std::string read_with_format(std::string_view bytes) {
 }
 
 Ref<CFPropertyListRef> read_list(std::string_view bytes) {
-    auto list = read(bytes, nullptr, nullptr);
+    auto list = read(bytes, nullptr);
     EXPECT_TRUE(list);
     return list;
 }
 
 std::string written(CFPropertyListRef list) {
-    CFErrorRef error = nullptr;
-    const auto data =
-        adopt(CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, &error));
-    return data ? bytes_of(data.get()) : refusal(error);
+    const auto data = adopt(
+        CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+    return data ? bytes_of(data.get()) : not_written;
 }
 
 Ref<CFTypeRef> array_of(const std::vector<const void*>& items) {

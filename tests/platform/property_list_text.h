@@ -18,18 +18,18 @@ std::string described(CFTypeRef list);
 std::string described(const Json& record);
 
 /// The result of read_and_describe for bytes that are no property list.
-inline const std::string refused = "refused: \"NSCocoaErrorDomain\" 3840";
+inline const std::string refused = "refused";
 /// The result of `written` for an object that a property list cannot hold.
-inline const std::string not_written = "refused: \"NSCocoaErrorDomain\" 3851";
+inline const std::string not_written = "not written";
 
-/// The description of the property list in `bytes`, or "refused: domain code".
+/// The description of the property list in `bytes`, or `refused`.
 std::string read_and_describe(std::string_view bytes);
 /// The same, prefixed with the recognised format: "xml ", "binary " or "openstep ".
 std::string read_with_format(std::string_view bytes);
 
 /// A property list read from `bytes`, which must be one.
 Ref<CFPropertyListRef> read_list(std::string_view bytes);
-/// A property list in its binary form, or "refused: domain code".
+/// A property list in its binary form, or `not_written`.
 std::string written(CFPropertyListRef list);
 
 /// The number of objects in a binary property list that has fewer than 65,536.

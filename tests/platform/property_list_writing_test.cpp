@@ -95,4 +95,16 @@ TEST(PropertyListWriting, RefusesWhatIsNoPropertyList) {
               not_written);
 }
 
+TEST(PropertyListWriting, ContainersThatContainThemselvesAreNotWritten) {
+    const auto key = adopt(CFStringCreateWithCString(nullptr, "key", kCFStringEncodingUTF8));
+    const auto list = adopt(CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks,
+                                                      &kCFTypeDictionaryValueCallBacks));
+    CFDictionarySetValue(list.get(), key.get(), list.get());
+    EXPECT_EQ(written(list.get()), not_written);
+    CFDictionarySetValue(list.get(), key.get(), array_of({list.get()}).get());
+    EXPECT_EQ(written(list.get()), not_written);
+    CFDictionarySetValue(list.get(), key.get(), array_of({}).get());
+    EXPECT_NE(written(list.get()), not_written);
+}
+
 } // namespace lumo::test

@@ -4,7 +4,7 @@
 // ignored. References must be of the type that a function names and, unless it says otherwise, not
 // null. Immutable objects may be used by any number of threads. A failed allocation throws
 // std::bad_alloc, a string of 2^32 units or a dictionary of 2^31 entries std::length_error; only
-// the two functions of property lists, at the end, return an error instead.
+// the two functions of property lists, at the end, return null instead.
 #pragma once
 
 #include <stddef.h>
@@ -46,7 +46,6 @@ typedef struct __CFString* CFMutableStringRef;
 typedef const struct __CFData* CFDataRef;
 typedef const struct __CFDate* CFDateRef;
 typedef const struct __CFArray* CFArrayRef;
-typedef struct __CFArray* CFMutableArrayRef;
 typedef const struct __CFDictionary* CFDictionaryRef;
 typedef struct __CFDictionary* CFMutableDictionaryRef;
 typedef const struct __CFNumber* CFNumberRef;
@@ -56,7 +55,6 @@ typedef const struct __CFSet* CFSetRef;
 typedef const struct __CFURL* CFURLRef;
 typedef struct __CFError* CFErrorRef;
 // NOLINTEND(bugprone-reserved-identifier)
-typedef CFStringRef CFErrorDomain;
 
 typedef struct {
     CFIndex location;
@@ -69,14 +67,6 @@ static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
 }
 
 static const CFIndex kCFNotFound = -1;
-
-enum CFComparisonResult : CFIndex {
-    kCFCompareLessThan = -1,
-    kCFCompareEqualTo = 0,
-    kCFCompareGreaterThan = 1
-};
-
-typedef CFOptionFlags CFStringCompareFlags;
 
 enum : CFStringEncoding {
     kCFStringEncodingMacRoman = 0,
@@ -109,13 +99,7 @@ enum CFNumberType : CFIndex {
     kCFNumberMaxType = 16
 };
 
-typedef CFOptionFlags CFPropertyListMutabilityOptions;
-
-enum : CFPropertyListMutabilityOptions {
-    kCFPropertyListImmutable = 0,
-    kCFPropertyListMutableContainers = 1,
-    kCFPropertyListMutableContainersAndLeaves = 2
-};
+enum : CFOptionFlags { kCFPropertyListImmutable = 0, kCFPropertyListMutableContainers = 1 };
 
 enum CFPropertyListFormat : CFIndex {
     kCFPropertyListOpenStepFormat = 1,
@@ -123,18 +107,7 @@ enum CFPropertyListFormat : CFIndex {
     kCFPropertyListBinaryFormat_v1_0 = 200
 };
 
-enum {
-    kCFPropertyListReadCorruptError = 3840,
-    kCFPropertyListReadUnknownVersionError = 3841,
-    kCFPropertyListReadStreamError = 3842,
-    kCFPropertyListWriteStreamError = 3851
-};
-
-enum CFURLPathStyle : CFIndex {
-    kCFURLPOSIXPathStyle = 0,
-    kCFURLHFSPathStyle = 1,
-    kCFURLWindowsPathStyle = 2
-};
+enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0, kCFURLHFSPathStyle = 1 };
 
 typedef struct {
     CFIndex version;
@@ -162,11 +135,9 @@ extern const CFAllocatorRef kCFAllocatorNull;
 extern const CFBooleanRef kCFBooleanTrue;
 extern const CFBooleanRef kCFBooleanFalse;
 extern const CFNullRef kCFNull;
-/// The domain of errors of property lists.
-extern const CFStringRef kCFErrorDomainCocoa;
 
-/// Callbacks of containers that hold objects, which are retained and compared with CFEqual. Null
-/// instead means pointers that the container does not own. Other callbacks stop the process.
+/// Callbacks of containers that hold objects, which are retained and compared with CFEqual. Any
+/// other callbacks, and null, stop the process.
 extern const CFArrayCallBacks kCFTypeArrayCallBacks;
 extern const CFDictionaryKeyCallBacks kCFTypeDictionaryKeyCallBacks;
 extern const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
@@ -178,7 +149,7 @@ void CFRelease(CFTypeRef object);
 /// The type of the object, one of those below.
 CFTypeID CFGetTypeID(CFTypeRef object);
 /// Whether two objects have the same type and value. Strings are compared unit by unit; an integer
-/// equals the real of the same value, but 0 and 0.0 do not equal -0.0.
+/// equals the real of the same value, but 0 and 0.0 do not equal -0.0. A URL equals only itself.
 Boolean CFEqual(CFTypeRef a, CFTypeRef b);
 /// A hash, the same for equal objects as long as the process runs.
 CFHashCode CFHash(CFTypeRef object);
@@ -189,7 +160,7 @@ CFTypeID CFStringGetTypeID(void);
 CFTypeID CFDataGetTypeID(void);
 /// The type ID of dates.
 CFTypeID CFDateGetTypeID(void);
-/// The type ID of arrays, mutable or not.
+/// The type ID of arrays.
 CFTypeID CFArrayGetTypeID(void);
 /// The type ID of dictionaries, mutable or not.
 CFTypeID CFDictionaryGetTypeID(void);
@@ -197,14 +168,10 @@ CFTypeID CFDictionaryGetTypeID(void);
 CFTypeID CFNumberGetTypeID(void);
 /// The type ID of kCFBooleanTrue and kCFBooleanFalse.
 CFTypeID CFBooleanGetTypeID(void);
-/// The type ID of kCFNull.
-CFTypeID CFNullGetTypeID(void);
 /// The type ID of sets, which are only created from binary property lists.
 CFTypeID CFSetGetTypeID(void);
 /// The type ID of URLs.
 CFTypeID CFURLGetTypeID(void);
-/// The type ID of errors.
-CFTypeID CFErrorGetTypeID(void);
 
 /// A string from NUL-terminated text; null when the bytes are not valid in the encoding. One byte
 /// order mark at the start of UTF-8 is removed.
@@ -231,8 +198,6 @@ Boolean CFStringGetCString(CFStringRef string, char* buffer, CFIndex size,
 CFIndex CFStringGetBytes(CFStringRef string, CFRange range, CFStringEncoding encoding,
                          UInt8 loss_byte, Boolean is_external, UInt8* buffer, CFIndex size,
                          CFIndex* used);
-/// Compares strings by their UTF-16 units. `options` must be 0.
-CFComparisonResult CFStringCompare(CFStringRef a, CFStringRef b, CFStringCompareFlags options);
 
 /// Data with a copy of the bytes.
 CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
@@ -258,23 +223,14 @@ CFNumberRef CFNumberCreate(CFAllocatorRef allocator, CFNumberType type, const vo
 /// nearest real. For the 8 and 16 bit types, values of the unsigned type of the same width are
 /// exact too.
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType type, void* value);
-/// The type of the number, never an alias; single precision is preserved.
-CFNumberType CFNumberGetType(CFNumberRef number);
-/// The size in bytes of a scalar of that type.
-CFIndex CFNumberGetByteSize(CFNumberRef number);
 /// Whether the number is a real, of single or double precision.
 Boolean CFNumberIsFloatType(CFNumberRef number);
 /// Whether the boolean is kCFBooleanTrue.
 Boolean CFBooleanGetValue(CFBooleanRef boolean);
 
-/// An array of `count` values; retains them if the callbacks are those of objects.
+/// An array of `count` objects, which it retains.
 CFArrayRef CFArrayCreate(CFAllocatorRef allocator, const void** values, CFIndex count,
                          const CFArrayCallBacks* callbacks);
-/// An empty array that grows as needed; `capacity` is only a hint.
-CFMutableArrayRef CFArrayCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
-                                       const CFArrayCallBacks* callbacks);
-/// Appends a value. An immutable array stops the process.
-void CFArrayAppendValue(CFMutableArrayRef array, const void* value);
 /// The number of values.
 CFIndex CFArrayGetCount(CFArrayRef array);
 /// The value at an index, from 0, borrowed; an index out of range stops the process.
@@ -289,51 +245,32 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef allocator, const void** keys, 
 CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                  const CFDictionaryKeyCallBacks* key_callbacks,
                                                  const CFDictionaryValueCallBacks* value_callbacks);
-/// A mutable copy with the same entries and callbacks; keys and values are shared.
+/// A mutable copy with the same entries; keys and values are shared.
 CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
                                                      CFDictionaryRef dictionary);
 /// The number of entries.
 CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
 /// The value of a key, borrowed; null when there is no such key.
 const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
-/// Whether the dictionary has the key.
-Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
-/// Whether the dictionary has the key; if so, `value` (may be null) gets its value, borrowed.
-Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef dictionary, const void* key,
-                                      const void** value);
 /// Copies the keys and the values, borrowed and in the same order, into arrays with room for all
 /// entries; either may be null.
 void CFDictionaryGetKeysAndValues(CFDictionaryRef dictionary, const void** keys,
                                   const void** values);
-/// Adds an entry, or replaces the key and the value of the entry with an equal key. This function
-/// and the next two stop the process when the dictionary is immutable.
+/// Adds an entry, or replaces the key and the value of the entry with an equal key. Stops the
+/// process when the dictionary is immutable.
 void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
-/// Adds an entry unless one has an equal key.
-void CFDictionaryAddValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
-/// Removes the entry of a key, if there is one; the others keep their order.
-void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
 
 /// The number of values.
 CFIndex CFSetGetCount(CFSetRef set);
 /// Copies the values, borrowed, into an array with room for all of them.
 void CFSetGetValues(CFSetRef set, const void** values);
 
-/// The domain of the error: kCFErrorDomainCocoa. Borrowed.
-CFErrorDomain CFErrorGetDomain(CFErrorRef error);
-/// The cause, one of the kCFPropertyList...Error constants.
-CFIndex CFErrorGetCode(CFErrorRef error);
-/// The cause, in English. The caller releases it.
-CFStringRef CFErrorCopyDescription(CFErrorRef error);
-
 /// The URL of a path of `length` bytes, which need not be UTF-8; null when `length` is 0. A
-/// relative path is relative to the current folder at the time of the call. The URL of a folder
-/// ends in "/".
+/// relative path is relative to the current folder at the time of the call.
 CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path,
                                                  CFIndex length, Boolean is_directory);
 /// The URL whose text is `string`; null when it is not valid in a URL, or `base` is not null.
 CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef string, CFURLRef base);
-/// The text of the URL, percent-encoded; for a relative path, that path. Borrowed.
-CFStringRef CFURLGetString(CFURLRef url);
 /// The URL's path in POSIX style, without a trailing "/" and not resolved; null when the URL has no
 /// path or one that is not UTF-8, and for another style.
 CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
@@ -343,16 +280,16 @@ Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolve_against_b
                                          CFIndex size);
 
 /// The property list in `data` (null: fails), in XML or binary form, as immutable objects; `format`
-/// (may be null) gets the form. `options` must be kCFPropertyListImmutable. Null, with an error in
-/// `*error` (3840) that the caller releases (`error` may be null), when the data is not a property
-/// list, nests too deeply, or there is not enough memory.
+/// (may be null) gets the form. Null when the data is not a property list, nests too deeply, or
+/// there is not enough memory, and for `options` other than kCFPropertyListImmutable. No error is
+/// created: `error` is ignored.
 CFPropertyListRef CFPropertyListCreateWithData(CFAllocatorRef allocator, CFDataRef data,
                                                CFOptionFlags options, CFPropertyListFormat* format,
                                                CFErrorRef* error);
 /// The binary form of a property list; the bytes depend on its values alone. `format` must be
-/// kCFPropertyListBinaryFormat_v1_0; `options` are ignored. Null, with an error as above (3851),
-/// for another format, when `list` contains itself or an object that a property list cannot
-/// contain, or when there is not enough memory.
+/// kCFPropertyListBinaryFormat_v1_0; `options` and `error` are ignored. Null for another format,
+/// when `list` contains itself or an object that a property list cannot contain, or when there is
+/// not enough memory.
 CFDataRef CFPropertyListCreateData(CFAllocatorRef allocator, CFPropertyListRef list,
                                    CFPropertyListFormat format, CFOptionFlags options,
                                    CFErrorRef* error);

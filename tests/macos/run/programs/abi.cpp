@@ -53,8 +53,6 @@ std::string printed(const char* format, ...) {
 extern "C" {
 WHOLE whole_equal(CFTypeRef, CFTypeRef) __asm("_CFEqual");
 WHOLE whole_value(CFBooleanRef) __asm("_CFBooleanGetValue");
-WHOLE whole_contains(CFDictionaryRef, const void*) __asm("_CFDictionaryContainsKey");
-WHOLE whole_get(CFDictionaryRef, const void*, const void**) __asm("_CFDictionaryGetValueIfPresent");
 WHOLE whole_text(CFStringRef, char*, CFIndex, CFStringEncoding) __asm("_CFStringGetCString");
 WHOLE whole_number(CFNumberRef, CFIndex, void*) __asm("_CFNumberGetValue");
 WHOLE whole_float(CFNumberRef) __asm("_CFNumberIsFloatType");
@@ -188,16 +186,10 @@ int main() {
 
     const CFStringRef a = CFStringCreateWithCString(nullptr, "a", kCFStringEncodingUTF8),
                       b = CFStringCreateWithCString(nullptr, "b", kCFStringEncodingUTF8);
-    const CFMutableDictionaryRef all = CFDictionaryCreateMutable(
-        nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
-    CFDictionarySetValue(all, a, b);
-    const void* value = nullptr;
     const double half = 0.5;
     const CFNumberRef number = CFNumberCreate(nullptr, kCFNumberDoubleType, &half);
     CHECK(whole_equal(a, a) == 1 && whole_equal(a, b) == 0 && whole_value(kCFBooleanTrue) == 1 &&
           whole_value(kCFBooleanFalse) == 0);
-    CHECK(whole_contains(all, a) == 1 && whole_contains(all, b) == 0);
-    CHECK(whole_get(all, a, &value) == 1 && value == b && whole_get(all, b, &value) == 0);
     CHECK(whole_text(a, room, 1, kCFStringEncodingUTF8) == 0 &&
           whole_text(a, room, 2, kCFStringEncodingUTF8) == 1);
     CHECK(whole_number(number, kCFNumberDoubleType, &d) == 1 && d == 0.5);

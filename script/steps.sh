@@ -43,7 +43,7 @@ run_step() {
     } 2>"$log.time"
     status=$?
     set -e
-    read -r seconds processor < <(awk 'END { print $1, $2 + $3 }' "$log.time")
+    read -r seconds processor <<<"$(awk 'END { print $1, $2 + $3 }' "$log.time")"
     rm -f "$log.time"
     if [ "$status" -eq 77 ]; then
         outcome=skipped
@@ -58,8 +58,8 @@ run_step() {
         echo "== $1 held, $seconds s"
     fi
     while IFS= read -r name; do
-        skipped+=("$name")
-    done < <(skipped_tests "$log")
+        [ -z "$name" ] || skipped+=("$name")
+    done <<<"$(skipped_tests "$log")"
     table+=("$(row "$1" "$outcome" "$seconds" "$processor")")
     took+=("$seconds $processor")
 }
@@ -91,7 +91,7 @@ report_skips() {
             echo "   $name (not in ${allowed_skips#"$PWD/"})"
             failed+=("$name (skipped)")
         fi
-    done < <(printf '%s\n' "${skipped[@]}" | sort -u)
+    done <<<"$(printf '%s\n' "${skipped[@]}" | sort -u)"
 }
 
 # run_steps STEP...: runs all steps even when one fails. At the end prints a table of times and the

@@ -12,16 +12,12 @@ import sys
 import unittest
 
 from library_scene import EMULATOR, LIBRARY, TOOL, LibraryTest, words_of
-from lumo_testing import HANG_SECONDS, PROJECT, contents, write_preset
+from lumo_testing import HANG_SECONDS, PROJECT, WITHOUT_PROC, can_run, contents, write_preset
 
 sys.path.insert(0, str(PROJECT / "script"))
 import macho  # noqa: E402
 
 SANITIZED = bool(os.environ.get("LUMO_SANITIZE"))
-# A command in a process that does not see /proc.
-HIDE_PROC = ["unshare", "-m", "sh", "-c", 'umount -l /proc && exec "$@"', "sh"]
-CAN_HIDE_PROC = os.geteuid() == 0 and shutil.which("unshare") is not None and subprocess.run(
-    [*HIDE_PROC, "true"], capture_output=True, check=False).returncode == 0
 
 
 class Finding(LibraryTest):
@@ -306,12 +302,12 @@ class Endings(LibraryTest):
                                       b"lumo-import-library: lumo-exs-import ended at lib/b.exs: "
                                       b"status 1\n")
 
-    @unittest.skipUnless(CAN_HIDE_PROC, "only root can take /proc away")
+    @unittest.skipUnless(can_run([*WITHOUT_PROC, "true"]), "only root can unmount /proc")
     def test_where_the_system_does_not_say_where_the_program_lies_give_3(self):
         self.use_stand_in()
         self.make("a.exs")
         shutil.copy(self.folder / "programs" / TOOL.name, self.folder)  # not to be started
-        done = self.run_library(words=[*HIDE_PROC, *self.words("lib")])
+        done = self.run_library(words=[*WITHOUT_PROC, *self.words("lib")])
         self.expect(done, 3)
         self.assertEqual(done.stderr.decode().splitlines()[0],
                          "lumo-import-library: the folder of this program, which has "

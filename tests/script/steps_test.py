@@ -6,7 +6,7 @@ import re
 import subprocess
 import unittest
 
-from lumo_testing import PROJECT, FolderTest
+from lumo_testing import PROJECT, WITHOUT_PROC, FolderTest, can_run
 
 SCRIPTS = PROJECT / "script"
 CTEST_FILE = """
@@ -22,8 +22,9 @@ class Steps(FolderTest):
         self.allowed = self.folder / "allowed"
         self.allowed.write_text("")
 
-    def run_steps(self, ci=False, **steps):
-        """Runs steps given as NAME="body"; returns their status and output."""
+    def run_steps(self, ci=False, before=(), **steps):
+        """Runs steps given as NAME="body", with the words of `before` put before the command;
+        returns their status and output."""
         script = self.folder / "run"
         functions = "\n".join(f"step_{name}() {{\n{body}\n}}" for name, body in steps.items())
         script.write_text(f". {SCRIPTS}/common.sh\n. {SCRIPTS}/steps.sh\n"
@@ -32,8 +33,9 @@ class Steps(FolderTest):
         environment = {name: value for name, value in os.environ.items() if name != "CI"}
         if ci:
             environment["CI"] = "true"
-        result = subprocess.run(["bash", script], cwd=self.folder, env=environment, text=True,
-                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+        result = subprocess.run([*before, "bash", script], cwd=self.folder, env=environment,
+                                text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                check=False)
         return result.returncode, result.stdout
 
     def test_steps_that_hold(self):
@@ -64,6 +66,13 @@ class Steps(FolderTest):
         self.assertEqual(status, 0, output)
         self.assertIn("== absent was skipped: there is no network\n", output)
         self.assertIn("== skipped: 1\n   step absent\n", output)
+
+    @unittest.skipUnless(can_run([*WITHOUT_PROC, "true"]), "only root can unmount /proc")
+    def test_without_proc_steps_run_and_skips_are_listed(self):
+        (self.folder / "CTestTestfile.cmake").write_text(CTEST_FILE)
+        status, output = self.run_steps(before=WITHOUT_PROC, dev="ctest", absent="exit 77")
+        self.assertEqual(status, 0, output)
+        self.assertIn("== skipped: 2\n   needs_a_disk\n   step absent\n== times\n", output)
 
     def test_in_ci_a_skipped_step_must_be_listed(self):
         status, output = self.run_steps(ci=True, absent="exit 77")

@@ -148,6 +148,15 @@ def run(words, **options):
                           timeout=HANG_SECONDS, check=False, **options)
 
 
+# Put before a command's words: runs it without /proc.
+WITHOUT_PROC = ["unshare", "-m", "sh", "-c", 'umount -l /proc && exec "$@"', "sh"]
+
+
+def can_run(words):
+    """Whether a command exists and succeeds."""
+    return shutil.which(words[0]) is not None and run(words).returncode == 0
+
+
 class FolderTest(unittest.TestCase):
     """A test with a temporary folder."""
 

@@ -1,11 +1,11 @@
 // copyfile for Linux: one regular file with its data, mode, times, extended attributes, access
 // control list and, where permitted, its owner.
 //
-// The copy is written into a file without a name in the folder that is to hold it and gets its name
-// when it is whole, so nobody ever sees half of it and a killed process leaves nothing behind.
-// Where the file system has no nameless files it is written under a hidden name and renamed. Both
-// ways of naming refuse to replace anything, and only they tell that a name is taken: a caller that
-// expects it looks first.
+// The copy is written into an unnamed file in the destination folder and is linked to its name when
+// it is complete, so no process ever sees an incomplete copy, and a killed process leaves no file
+// behind. On a file system without unnamed files it is written under a hidden name and renamed.
+// Neither method replaces an existing file; EEXIST is reported only after the copy, so a caller
+// that expects an existing file should check first.
 #include "base/descriptor.h"
 #include "copyfile_contents.h"
 
@@ -34,14 +34,14 @@ constexpr copyfile_flags_t clone_implies =
 
 constexpr mode_t private_mode = S_IRUSR | S_IWUSR;
 
-/// The folder part of a path with its slash.
+/// The folder of a path, with a slash at the end.
 std::string folder_of(std::string_view path) {
     const auto slash = path.rfind('/');
     return slash == std::string_view::npos ? "./" : std::string(path.substr(0, slash + 1));
 }
 
-/// A path for a hidden file beside `path` that nobody else will think of; empty, with errno set,
-/// when the system has no random numbers.
+/// A path for a hidden file beside `path`, with a random name; empty, with errno set, when the
+/// system provides no random numbers.
 std::string hidden_beside(std::string_view path) {
     std::uint64_t number = 0;
     if (uninterrupted([&] { return getrandom(&number, sizeof number, 0); }) < 0) {
@@ -57,7 +57,7 @@ bool lacks_nameless_files(int error) {
     return error == EOPNOTSUPP || error == EISDIR || error == EINVAL || error == ENOSYS;
 }
 
-/// The file that becomes the copy. Unless it is published it is gone when this object is.
+/// The file that becomes the copy. The destructor removes it unless it was published.
 class Unpublished {
 public:
     Unpublished() = default;
@@ -73,8 +73,8 @@ public:
 
     int fd() const { return fd_.get(); }
 
-    /// Makes the file, in the folder of `path`, with `mode` or, where others can find it before it
-    /// is published, a mode that keeps them out. False, with errno set, when that is impossible.
+    /// Creates the file in the folder of `path` with `mode`; a hidden file, which others can find,
+    /// is accessible to its owner only. False, with errno set, on failure.
     bool create(const std::string& path, mode_t mode) {
         const std::string folder = folder_of(path);
         fd_ = Descriptor(uninterrupted(
@@ -82,7 +82,8 @@ public:
         return fd_ || (lacks_nameless_files(errno) && create_hidden(path));
     }
 
-    /// Gives the file its name. False, with errno set, when it cannot have it (EEXIST: taken).
+    /// Gives the file the name `path`. False, with errno set, on failure (EEXIST: the name is
+    /// taken).
     bool publish(const std::string& path) {
         return hidden_.empty() ? link_nameless(path) : rename_hidden(path);
     }
@@ -109,14 +110,14 @@ private:
         if (errno != ENOENT) {
             return false;
         }
-        // Kernels before 6.10 link a descriptor only for the superuser, but anybody may take the
-        // way through /proc.
+        // Before Linux 6.10 only root may link a descriptor directly; every user may link it
+        // through /proc.
         const std::string self = "/proc/self/fd/" + std::to_string(fd_.get());
         return ::linkat(AT_FDCWD, self.c_str(), AT_FDCWD, path.c_str(), AT_SYMLINK_FOLLOW) == 0;
     }
 
     bool rename_hidden(const std::string& path) {
-        // File systems over a network may tell only here that the data did not arrive.
+        // Network file systems may report only here that data could not be written.
         if (::close(fd_.release()) != 0 && errno != EINTR) {
             return false;
         }
@@ -124,13 +125,14 @@ private:
             hidden_.clear();
             return true;
         }
-        // Without that kind of renaming a hard link does, the hidden name then goes as usual.
+        // The file system does not support RENAME_NOREPLACE: a hard link is made instead, and the
+        // destructor removes the hidden name.
         return (errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP) &&
                ::link(hidden_.c_str(), path.c_str()) == 0;
     }
 
     Descriptor fd_;
-    std::string hidden_; ///< the hidden name the file has; empty when it has none
+    std::string hidden_; ///< the hidden path; empty when the file has none
 };
 
 bool copy_link(const char* from, const char* to, const struct stat& status) {
@@ -139,7 +141,7 @@ bool copy_link(const char* from, const char* to, const struct stat& status) {
     if (length < 0 || ::symlink(target.data(), to) != 0) {
         return false;
     }
-    // The link is there; its own times and owner are niceties that it can do without.
+    // The link exists; errors in setting its times and owner are ignored.
     const std::array<timespec, 2> times{status.st_atim, status.st_mtim};
     if (::lchown(to, status.st_uid, status.st_gid) != 0 ||
         ::utimensat(AT_FDCWD, to, times.data(), AT_SYMLINK_NOFOLLOW) != 0) {
@@ -150,8 +152,8 @@ bool copy_link(const char* from, const char* to, const struct stat& status) {
 
 bool copy_regular(int from, const std::string& to, const struct stat& status,
                   copyfile_flags_t flags) {
-    // The owner's own permissions to read and write are there while attributes are set, which a
-    // read-only file would refuse.
+    // The owner may read and write until the attributes are set, which is not permitted on a
+    // read-only file.
     Unpublished copy;
     return copy.create(to, (status.st_mode & ACCESSPERMS) | private_mode) &&
            copy_data(from, copy.fd(), status, (flags & COPYFILE_CLONE) != 0) &&

@@ -1,6 +1,6 @@
-// The data of a copied file: the kernel copies it (copy_file_range), by sharing the blocks where
-// the volume can; else it is read and written. A file with holes is cloned (FICLONE), or else its
-// data is copied piece by piece between them.
+// The data of a copied file. The kernel copies it (copy_file_range) and shares blocks where the
+// volume supports this; otherwise it is read and written. A file with holes is cloned (FICLONE);
+// otherwise the data between the holes is copied.
 #include "base/descriptor.h"
 #include "copyfile_contents.h"
 
@@ -18,12 +18,11 @@ namespace lumo::platform {
 namespace {
 
 constexpr std::size_t buffer_size = std::size_t{128} * 1024;
-constexpr off_t largest_step = off_t{1} << 30; ///< of one copy_file_range; any whole page will do
+constexpr off_t largest_step = off_t{1} << 30; ///< of one copy_file_range, in bytes
 constexpr off_t to_the_end = std::numeric_limits<off_t>::max();
 
-/// Copies from `at` up to `end` or the end of the file, and moves `at` along, as far as the kernel
-/// does it by itself. Where it stops, for whatever reason, reading and writing go on or meet the
-/// same failure.
+/// Copies from `at` up to `end` or the end of the file, as far as copy_file_range succeeds, and
+/// advances `at`. Errors are ignored: copy_by_hand continues from `at` and reports the failure.
 void copy_in_kernel(int from, int to, off_t& at, off_t end) {
     off_t out = at;
     ssize_t count = 1;
@@ -48,9 +47,9 @@ bool write_all(int to, const char* bytes, std::size_t count, off_t at) {
     return true;
 }
 
-/// Copies from `at` up to `end` or the end of the file.
+/// Copies from `at` up to `end` or the end of the file by reading and writing.
 bool copy_by_hand(int from, int to, off_t at, off_t end) {
-    std::array<char, buffer_size> buffer; // not zeroed: pread fills what is used of it
+    std::array<char, buffer_size> buffer; // not zeroed: pread fills the part that is used
     while (at < end) {
         const auto length = std::min(buffer.size(), static_cast<std::size_t>(end - at));
         const ssize_t count =
@@ -71,8 +70,8 @@ bool copy_range(int from, int to, off_t at, off_t end) {
     return copy_by_hand(from, to, at, end);
 }
 
-/// Copies a file without holes. The kernel also stops early in files that do not know their size
-/// (those of /proc): of one that is shorter than it says, or says 0, a read finds the end.
+/// Copies a file without holes. Some files, such as those of /proc, have a size of 0 or one that is
+/// too large, and copy_file_range stops early in them; reading finds their end.
 bool copy_whole(int from, int to, off_t size) {
     off_t at = 0;
     copy_in_kernel(from, to, at, size);
@@ -88,13 +87,13 @@ bool copy_sparse(int from, int to, off_t size) {
         }
         at = ::lseek(from, end, SEEK_DATA);
     }
-    return errno == ENXIO && ::ftruncate(to, size) == 0; // ENXIO: no data behind the last hole
+    return errno == ENXIO && ::ftruncate(to, size) == 0; // ENXIO: no data after the last hole
 }
 
 } // namespace
 
 bool copy_data(int from, int to, const struct stat& status, bool clone) {
-    constexpr off_t block = 512; // the unit of st_blocks, whatever the file system's own
+    constexpr off_t block = 512; // the unit of st_blocks on every file system
     if (status.st_blocks >= status.st_size / block) {
         return copy_whole(from, to, status.st_size);
     }

@@ -1,5 +1,5 @@
-// The metadata of a copied file. The owner comes last: once the file belongs to somebody else, the
-// rest could be refused.
+// The metadata of a copied file. The owner is set last: afterwards other changes may not be
+// permitted.
 #include "copyfile_contents.h"
 
 #include <limits.h>
@@ -17,7 +17,7 @@ namespace lumo::platform {
 namespace {
 
 constexpr const char* acl_name = "system.posix_acl_access";
-constexpr mode_t carried_bits = ACCESSPERMS | S_ISVTX; ///< a clone loses the set-id bits as well
+constexpr mode_t carried_bits = ACCESSPERMS | S_ISVTX; ///< like a clone, a copy has no set-id bits
 
 using AttributeValue = std::array<char, XATTR_SIZE_MAX>;
 
@@ -25,7 +25,7 @@ bool is_unavailable(int error) {
     return error == EOPNOTSUPP || error == EPERM || error == EACCES;
 }
 
-/// Copies one attribute. One that is not there (any more) counts as copied.
+/// Copies one attribute. A missing attribute counts as copied.
 bool copy_attribute(int from, int to, const char* name, AttributeValue& value) {
     const ssize_t size = ::fgetxattr(from, name, value.data(), value.size());
     if (size < 0) {
@@ -35,14 +35,14 @@ bool copy_attribute(int from, int to, const char* name, AttributeValue& value) {
            is_unavailable(errno);
 }
 
-/// A new file may have got a list from its folder that the source does not have.
+/// Removes the access control list that a new file may have inherited from its folder.
 bool remove_inherited_acl(int to) {
     return ::fgetxattr(to, acl_name, nullptr, 0) < 0 || ::fremovexattr(to, acl_name) == 0 ||
            errno == ENODATA || is_unavailable(errno);
 }
 
 bool copy_attributes(int from, int to, copyfile_flags_t flags) {
-    std::array<char, XATTR_LIST_MAX> names; // not zeroed, as the next: filled as far as used
+    std::array<char, XATTR_LIST_MAX> names; // not zeroed, like `value`
     AttributeValue value;
     const ssize_t size = ::flistxattr(from, names.data(), names.size());
     if (size < 0 && !is_unavailable(errno)) {
@@ -64,7 +64,7 @@ bool copy_attributes(int from, int to, copyfile_flags_t flags) {
     return has_acl ? copy_attribute(from, to, acl_name, value) : remove_inherited_acl(to);
 }
 
-/// Gives the file to its owner and group, or to its group alone, or leaves it, as permitted.
+/// Sets the owner and the group, or the group only, as far as permitted.
 bool copy_owner(int to, const struct stat& status, const struct stat& now) {
     if (now.st_uid == status.st_uid && now.st_gid == status.st_gid) {
         return true;

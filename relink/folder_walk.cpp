@@ -2,8 +2,11 @@
 // repeatedly removes the collected link that is smallest in byte order and reads the folders behind
 // it, which may add links. A folder is identified by device and inode and is read once. Therefore
 // cycles end, and each folder's path does not depend on the order in which the disk lists its
-// entries. No descriptor stays open while another folder is read, so depth needs no descriptors.
-// The status of files is not read: on common file systems a folder's entries contain their types.
+// entries.
+//
+// No descriptor stays open while another folder is read, so depth needs no descriptors. The status
+// of files is not read: on common file systems a folder's entries contain their types.
+//
 // Files and folders of Apple's library are skipped, by their path as walked and by their real path.
 // There are no links below the top folder of a tree, so the tree needs only one call of realpath.
 #include "folder_walk.h"

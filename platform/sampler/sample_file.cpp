@@ -1,14 +1,14 @@
-// Whether a file is a sample that could be played, or a sound bank.
+// Checks whether a file is a playable sample or a sound bank.
 //
-// The file is opened once, by the C library's `open` under the path as recorded, so that a library
-// which redirects that call sees every sample. What the first bytes do not decide libsndfile does,
-// for the containers that samplers use: some of its other parsers, and its decoders for MPEG audio
-// and for ALAC, print remarks, and the standard streams are not ours. It reads through us: behind a
-// tag that precedes the audio, and only so much of a file, since some parsers walk as far through a
-// file as the file tells them to.
+// The file is opened once, with the C library's `open` and the recorded path, so that a library
+// that redirects this call sees every sample. If the first bytes do not identify the format,
+// libsndfile decides, but only for the containers that samplers use: some of its other parsers, and
+// its decoders for MPEG audio and ALAC, print messages to the standard streams. libsndfile reads
+// through SampleReader, which skips tags before the audio and limits the number of bytes, because
+// some parsers follow any length stored in the file.
 //
-// A Sound Designer II file keeps its header in a resource fork, which is lost on the way to Linux
-// and would be lost again on the way into a show; without it the file is not audio.
+// A Sound Designer II file has its header in a resource fork, which copies to Linux and into a show
+// do not contain; without it the file is not audio.
 #include "sampler/sample_file.h"
 
 #include "base/descriptor.h"
@@ -29,20 +29,19 @@
 namespace lumo::platform {
 namespace {
 
-constexpr int most_tags = 16; ///< files have one, seldom two
+constexpr int most_tags = 16; ///< files have one, rarely two
 constexpr sf_count_t most_bytes = 32 << 20;
-constexpr sf_count_t cost_of_a_read = 256; ///< in bytes, so that tiny reads come to an end as well
+constexpr sf_count_t cost_of_a_read = 256; ///< in bytes; limits the number of small reads
 
-/// A file, or the part of it from `start` on, as libsndfile reads it: a few bytes at a time, most
-/// of them in the head.
+/// The file from `start` on, as libsndfile reads it: a few bytes at a time, mostly from the head.
 struct SampleReader {
     int fd;
     sf_count_t start;
     sf_count_t size;
     sf_count_t at = 0;
     sf_count_t allowance = most_bytes;
-    int error = 0;                           ///< errno of a read that failed
-    std::span<const std::uint8_t> head = {}; ///< the first bytes, as far as they are in memory
+    int error = 0;                           ///< errno of a failed read
+    std::span<const std::uint8_t> head = {}; ///< the first bytes, if they are in memory
 
     std::span<std::uint8_t> read(std::span<std::uint8_t> buffer) {
         const auto from = static_cast<std::size_t>(at);
@@ -110,7 +109,7 @@ bool is_audio_to_libsndfile(SampleReader& reader) {
     return file != nullptr;
 }
 
-/// Moves the reader's start behind the tags in front of the audio, and reads its head into
+/// Moves the reader's start after the tags that precede the audio, and reads its head into
 /// `buffer`; the head is empty when it cannot be read.
 void skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
     for (int tags = 0; tags <= most_tags; ++tags) {
@@ -139,7 +138,7 @@ bool is_of_kind(SampleKind kind, SampleReader& reader) {
 }
 
 OSStatus judge(int fd, off_t size, SampleKind kind) {
-    std::array<std::uint8_t, audio_head_size> buffer; // not zeroed: filled as far as used
+    std::array<std::uint8_t, audio_head_size> buffer; // not zeroed: partly used
     SampleReader reader{fd, 0, size};
     skip_tags(reader, buffer);
     if (is_of_kind(kind, reader)) {
@@ -170,12 +169,12 @@ OSStatus status_of_file_error(int error) {
 
 OSStatus open_sample(const std::string& path, SampleKind kind) {
     if (path.find('\0') != std::string::npos) {
-        return file_not_found; // no file has such a name; cut off it would be another's
+        return file_not_found; // the C library would open another file
     }
     const Descriptor fd(uninterrupted(
         [&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY); }));
     if (!fd) {
-        // Sockets, and devices that are not there, cannot be opened at all.
+        // Sockets and devices without hardware cannot be opened.
         return errno == ENXIO || errno == ENODEV ? not_an_audio_file : status_of_file_error(errno);
     }
     struct stat status {};

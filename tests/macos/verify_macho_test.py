@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Whether script/verify-macho sees what it is there for: the products for a Mac are linked again
-with one thing wrong, and exactly the property that tells of it has to fail.
+"""Tests script/verify-macho: the products for a Mac are linked again with one fault at a time, and
+exactly the property that detects it must fail.
 
 usage: verify_macho_test.py BUILD_FOLDER...      (of the presets macos-*, already built)
 """
@@ -23,7 +23,7 @@ install-name: '/usr/lib/libextra.dylib'
 
 
 class Build:
-    """A build folder, and the commands that it was built with."""
+    """A build folder and its build commands."""
 
     def __init__(self, folder):
         self.folder = folder
@@ -142,7 +142,8 @@ class VerifierTest(FolderTest):
                              ["calls of AudioToolbox"])
 
     def expect_of_tuples(self, properties, old, new):
-        """What fails with a library in whose interpose section `old` is `new`."""
+        """Replaces `old` by `new` in the source of the interpose section and checks which
+        properties fail."""
         like = "relink/interpose_macos.cpp"
         source = self.folder / "interpose.cpp"
         source.write_text(replaced(old, new)((PROJECT / like).read_text()))

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Proves that each tuple of the library's interpose section has a test that misses it: under
-macos-run, leaves out one after the other, and exactly the tests of that function have to fail.
+"""Checks that each tuple of the library's interpose section is needed: omits one tuple at a time
+under macos-run, and exactly the tests of that function must fail.
 
 usage: each_tuple.py RUNNER TEST_PROGRAM LIBRARY
 """
@@ -16,12 +16,12 @@ sys.dont_write_bytecode = True
 sys.path.insert(0, str(Path(__file__).resolve().parents[3] / "script"))
 import macho  # noqa: E402
 
-# Their calls arrive at open$NOCANCEL as well, so no test misses them.
+# Their calls reach open$NOCANCEL as well, so no test fails without them.
 SECOND_NET = {"fopen", "fopen_extended", "opendir"}
 
 
 def functions_of(library):
-    """The interposed functions, in the order of the tuples, by their tests' names."""
+    """The interposed functions, named as in their tests, in the order of the tuples."""
     image, = macho.images(Path(library).read_bytes())
     section, = [one for one in image.sections if one.name == "__interpose"]
     names = [image.binds[section.address + at + 8].name for at in range(0, section.size, 16)]
@@ -30,7 +30,7 @@ def functions_of(library):
 
 
 def failed_tests(runner, program, environment):
-    """The tests that fail, and how many there are."""
+    """The failed tests, and the number of all tests."""
     run = subprocess.run([runner, program, "--gtest_filter=-*ManyThreads*", "--gtest_color=no"],
                          text=True, capture_output=True, check=False, env=os.environ | environment)
     count = re.search(r"^\[==========\] (\d+) tests? .*ran\.", run.stdout, re.MULTILINE)
@@ -41,7 +41,7 @@ def failed_tests(runner, program, environment):
 
 
 def is_test_of(function, test):
-    """Whether a test is one of a function's own."""
+    """Whether this is a test of the function."""
     name = test.split("/")[-1]
     if "TheShimsOf." in name:
         return re.match(r"[A-Z][a-z]*", name.split(".")[1])[0].lower() == function

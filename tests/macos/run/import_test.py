@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
-"""The Mac's programs under macos-run do what those for Linux do, however the sampler looks for its
-samples and opens them, and what docs/macos.md says where the system refuses interposing.
+"""The Mac's programs under macos-run give the same results as those for Linux, with every function
+that the sampler may use to look for samples and to open them, and behave as docs/macos.md describes
+when the system refuses interposing.
 
 usage: import_test.py RUNNER MAC_TOOL LINUX_TOOL      (lumo-import-library is beside each)
 """
@@ -16,24 +17,25 @@ from pathlib import Path
 from lumo_testing import GLASS, FolderTest, contents, import_command, run
 
 EXAMPLES = ("Glass.aupreset", "Glass Chimes.exs")
-# How the sampler opens a sample, and how it looks for one before that.
+# The functions with which the sampler may open a sample, and look for one before that.
 OPENS = """open open$NOCANCEL openat openat$NOCANCEL open_dprotected_np openat_dprotected_np
     guarded_open_np guarded_open_dprotected_np fopen fopen$DARWIN_EXTSN""".split()
 LOOKS = """stat stat64 lstat lstat64 statfs fstatat access faccessat accessx_np getattrlist
     getattrlistat pathconf listxattr realpath realpath$DARWIN_EXTSN""".split()
-# What the library imports weakly, as an older system or another processor lacks it.
+# The library's weak imports: functions that an older system or another processor lacks.
 WEAK = """_stat64 _lstat64 _open_dprotected_np _openat_dprotected_np _guarded_open_np
     _guarded_open_dprotected_np""".split()
 
 
 class ImportTest(FolderTest):
     def place(self, name):
-        """A new folder with a copy of the example, whose samples are not where it says."""
+        """A new folder with a copy of the example, in which the recorded sample paths do not
+        exist."""
         shutil.copytree(GLASS, self.folder / name / "glass")
         return self.folder / name
 
     def run_tool(self, words, place, instruments, **settings):
-        """The lines of an import in that folder, without the time that each took."""
+        """The lines of an import in that folder, without their load times."""
         *emulator, tool = words
         command = import_command(tool, "Show.lumo", instruments, "Show.lumo/states")
         result = run([*emulator, *command], cwd=place, text=True, env=os.environ | settings)
@@ -47,7 +49,7 @@ class ImportTest(FolderTest):
         return self.run_tool([LINUX_TOOL], place, instruments)
 
     def check_same(self, instruments, prepare=lambda place: None, **settings):
-        """Imports with both tools; the lines, shows and states have to be the same."""
+        """Imports with both tools; lines, shows and states must be equal."""
         lines, shows = [], []
         for name in ("mac", "linux"):
             place = self.place(name)

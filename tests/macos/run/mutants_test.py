@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Whether the tests of the interposed functions notice mistakes in them: the Mac's library is built
-with one mistake at a time, and its tests, run by macos-run, have to fail.
+"""Checks that the tests of the interposed functions detect mistakes: the Mac's library is built
+with one mistake at a time, and its tests, run by macos-run, must fail.
 
 usage: mutants_test.py RUNNER BUILD_FOLDER       (of a preset macos-tests-*, already built)
 """
@@ -48,7 +48,7 @@ class Mutants(unittest.TestCase):
             subprocess.run(command, shell=True, cwd=BUILD, check=True)
 
     def failing(self, tests="*", **settings):
-        """What the tests say that fail with the library in the folder; empty when all pass."""
+        """The tests that fail with the library in the folder; empty when all pass."""
         command = [RUNNER, f"{BUILD}/bin/relink_shims_test", f"--gtest_filter={tests}",
                    "--gtest_color=no"]
         environment = os.environ | settings | {"DYLD_LIBRARY_PATH": str(self.folder)}
@@ -73,7 +73,7 @@ class Mutants(unittest.TestCase):
         self.change(SHIMS, "return stat(p, status);", "return lstat(p, status);")
         self.check_noticed()
 
-    # What open$NOCANCEL does differently cannot be seen; a system without open shows who calls it.
+    # open and open$NOCANCEL behave alike here; on a system without open, calling open fails.
     ONLY_OPEN_NOCANCEL = {"tests": "*TheShimOf.ReachesTheIndexedFile/open_nocancel",
                           "LUMO_MACOS_LACKS": ",_open,"}
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Small Mac programs under macos-run: what it does for C, C++ and each processor's conventions.
+"""Small Mac programs under macos-run: C, C++ and the calling conventions of each processor.
 
 usage: programs_test.py RUNNER ARCHITECTURE BUILD_ROOT LLVM
 """
@@ -23,7 +23,7 @@ PROGRAMS = Path(__file__).resolve().parent / "programs"
 
 class Programs(FolderTest):
     def compile(self, source, *options):
-        """Compiles a program; what is printed by the compiler fails the test."""
+        """Compiles a program; any message of the compiler fails the test."""
         target = ["-target", f"{ARCHITECTURE}-apple-macos13.0", "-isysroot", ROOT]
         words = [f"{LLVM}/bin/clang", *target, PROGRAMS / source, *options]
         if source.endswith(".cpp"):

@@ -1,13 +1,11 @@
 // Names are checked for every file of a disk, so the common case takes few instructions: an
-// extension is compared as one integer, and an ASCII name is folded without Unicode tables, eight
-// characters at a time.
+// extension is compared as one integer, and an ASCII name is folded without Unicode tables.
 #include "sample_names.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 namespace lumo::exs::relink {
 namespace {
@@ -30,45 +28,11 @@ constexpr std::array sample_extensions{
     packed("sf2"),  packed("dls"), // sound banks
 };
 
-using Chars = std::uint64_t; // eight bytes of a name
-
-constexpr Chars each(unsigned char c) {
-    return c * Chars{0x0101010101010101};
-}
-
-/// Converts eight ASCII characters to lower case: each sum sets the high bit of a byte that is at
-/// or above its bound, and that bit shifted right by two is 0x20, the distance between the cases.
-constexpr Chars in_lower_case(Chars chars) {
-    const Chars is_from_a = chars + each(0x80 - 'A');
-    const Chars is_behind_z = chars + each(0x7f - 'Z');
-    return chars + ((is_from_a & ~is_behind_z & each(0x80)) >> 2);
-}
-
-/// Stores `size` bytes of `name` from `at` on, at most eight, in `key` in lower case, and returns
-/// the original bytes.
-Chars fold(std::string_view name, std::size_t at, std::size_t size, std::string& key) {
-    Chars chars = 0;
-    std::memcpy(&chars, name.data() + at, size);
-    const Chars lower = in_lower_case(chars);
-    std::memcpy(key.data() + at, &lower, size);
-    return chars;
-}
-
 /// Stores `name` in `key` in lower case if it is ASCII; else returns false, with `key` undefined.
 bool make_ascii_key(std::string_view name, std::string& key) {
-    constexpr std::size_t step = sizeof(Chars);
     key.resize(name.size());
-    if (name.empty()) {
-        return true; // its data pointer may be null
-    }
-    Chars bits = 0;
-    for (std::size_t at = 0; at + step <= name.size(); at += step) {
-        bits |= fold(name, at, step, key);
-    }
-    // The remaining bytes: the last eight again, if the name has eight.
-    bits |= name.size() < step ? fold(name, 0, name.size(), key)
-                               : fold(name, name.size() - step, step, key);
-    return (bits & each(0x80)) == 0;
+    std::transform(name.begin(), name.end(), key.begin(), to_lower);
+    return std::all_of(name.begin(), name.end(), is_ascii);
 }
 
 } // namespace

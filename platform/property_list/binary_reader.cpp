@@ -70,7 +70,6 @@ public:
 
 private:
     bool read_children();
-    void share_known_leaves(OpenContainer& container);
     bool read_object(std::uint64_t object, bool as_key);
     void share_equal(std::uint64_t object);
     bool open_container(std::size_t object, std::size_t offset);
@@ -110,7 +109,6 @@ bool BinaryReader::read_children() {
     const std::size_t depth = open_.size();
     do {
         OpenContainer& top = open_.back();
-        share_known_leaves(top);
         if (top.next == top.children) {
             close_container();
             return true;
@@ -123,17 +121,6 @@ bool BinaryReader::read_children() {
     return true;
 }
 
-/// Fast path for the common case: children that are leaves and already created.
-void BinaryReader::share_known_leaves(OpenContainer& container) {
-    for (; container.next < container.children; ++container.next) {
-        const std::uint64_t object = ref(container, container.next);
-        if (object >= slots_.size() || slots_[object].height != 0) {
-            return;
-        }
-        hand_out(slots_[object]);
-    }
-}
-
 /// Adds an object to the open container, or opens it when it is a new container. False when the
 /// file is invalid.
 bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
@@ -141,6 +128,10 @@ bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
         return false;
     }
     Slot& slot = slots_[object];
+    if (slot.height == 0) {
+        hand_out(slot);
+        return true;
+    }
     if (slot.height != unmet) {
         return !as_key && hand_out_container(slot);
     }
@@ -237,7 +228,7 @@ bool BinaryReader::hand_out_container(const Slot& container) {
 
 /// Adds a reference to a finished object to the innermost open container, as its next child. If no
 /// container is open, the object is the root.
-inline void BinaryReader::hand_out(const Slot& slot) {
+void BinaryReader::hand_out(const Slot& slot) {
     Owned value = share_unshared(slot.object.get());
     if (!open_.empty() && open_.back().array) {
         open_.back().array->take(std::move(value));

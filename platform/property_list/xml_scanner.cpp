@@ -5,13 +5,14 @@
 // ones and numeric ones; line ends are not normalised, and control characters are allowed anywhere.
 #include "property_list/xml_scanner.h"
 
+#include "core_foundation/unicode.h"
 #include "property_list/utf8.h"
 
+#include <algorithm>
 #include <array>
-#include <bit>
 #include <charconv>
 #include <cstddef>
-#include <cstring>
+#include <cstdint>
 #include <system_error>
 
 namespace lumo::platform {
@@ -35,38 +36,6 @@ std::optional<Element> element_named(std::string_view name) {
 
 bool is_blank(char c) {
     return c == ' ' || c == '\n' || c == '\t' || c == '\r';
-}
-
-constexpr std::uint64_t in_each_byte(std::uint8_t byte) {
-    return 0x0101010101010101u * byte;
-}
-
-/// Sets the high bit of each zero byte of `word`; bytes above the first one found may be wrong.
-constexpr std::uint64_t zero_bytes(std::uint64_t word) {
-    return (word - in_each_byte(1)) & ~word & in_each_byte(0x80);
-}
-
-/// The first "<" or "&" from `at` on, or `end`. Sets `high` to non-zero when a byte before it is
-/// not ASCII.
-const char* find_markup(const char* at, const char* end, std::uint64_t& high) {
-    while (end - at >= 8) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, at, 8);
-        std::uint64_t found =
-            zero_bytes(word ^ in_each_byte('<')) | zero_bytes(word ^ in_each_byte('&'));
-        if (found != 0) {
-            const int bits = std::countr_zero(found) - 7; // of the bytes before the one found
-            high |= word & in_each_byte(0x80) & ((std::uint64_t{1} << bits) - 1);
-            return at + bits / 8;
-        }
-        high |= word & in_each_byte(0x80);
-        at += 8;
-    }
-    while (at != end && *at != '<' && *at != '&') {
-        high |= static_cast<std::uint8_t>(*at) & 0x80u;
-        ++at;
-    }
-    return at;
 }
 
 } // namespace
@@ -173,17 +142,22 @@ std::string_view XmlScanner::raw_text() {
     return text;
 }
 
-std::optional<Text> XmlScanner::text() {
+/// The text up to the next "<" or "&", or up to the end.
+std::string_view XmlScanner::plain_text() {
     const char* start = at_;
-    std::uint64_t high = 0;
-    at_ = find_markup(at_, end_, high);
+    at_ = std::find_if(at_, end_, [](char c) { return c == '<' || c == '&'; });
+    return {start, static_cast<std::size_t>(at_ - start)};
+}
+
+std::optional<Text> XmlScanner::text() {
+    const std::string_view plain = plain_text();
     if (at_ == end_) {
         return std::nullopt;
     }
     if (*at_ == '<' && !starts_with("<!")) {
-        return Text{{start, static_cast<std::size_t>(at_ - start)}, high == 0};
+        return Text{plain, is_ascii(plain)};
     }
-    scratch_.assign(start, at_);
+    scratch_ = plain;
     while (!at_end_tag()) {
         if (!append_piece()) {
             return std::nullopt;
@@ -197,10 +171,7 @@ bool XmlScanner::append_piece() {
     if (at_ == end_ || !(*at_ == '&' ? append_entity() : append_character_data())) {
         return false;
     }
-    const char* start = at_;
-    std::uint64_t high = 0;
-    at_ = find_markup(at_, end_, high);
-    scratch_.append(start, at_);
+    scratch_ += plain_text();
     return true;
 }
 

@@ -67,7 +67,7 @@ private:
     void skip_blanks();
     bool skip_past(std::string_view mark, std::size_t from);
     bool skip_doctype();
-    bool skip_plain();
+    std::string_view plain_text();
     bool append_piece();
     bool append_character_data();
     bool append_entity();

@@ -51,6 +51,13 @@ TEST(PresetFile, OfMoreThanAGigabyteIsEmpty) {
     EXPECT_EQ(read(folder / "preset"), "");
 }
 
+TEST(PresetFile, OfAGigabyteIsReadWhole) {
+    const TempFolder folder;
+    write_file(folder / "preset", "bplist00");
+    std::filesystem::resize_file(folder / "preset", std::uintmax_t{1} << 30);
+    EXPECT_EQ(lumo::exs::read_preset(folder / "preset").size(), std::size_t{1} << 30);
+}
+
 TEST(PresetFile, MayBeAPipe) {
     const TempFolder folder;
     const std::filesystem::path pipe = folder / "preset";

@@ -47,7 +47,7 @@ run_step() {
     rm -f "$log.time"
     if [ "$status" -eq 77 ]; then
         outcome=skipped
-        echo "== $1 was skipped: $(tail -n 1 "$log")"
+        echo "== $1 was skipped: $(tail -n 1 "$log" | sed 's/^.*skipped: //')"
         skipped+=("step $1")
     elif [ "$status" -ne 0 ]; then
         outcome=FAILED

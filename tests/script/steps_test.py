@@ -65,6 +65,8 @@ class Steps(FolderTest):
         status, output = self.run_steps(absent="echo there is no network; exit 77")
         self.assertEqual(status, 0, output)
         self.assertIn("== absent was skipped: there is no network\n", output)
+        status, output = self.run_steps(absent="echo script/x: skipped: no network; exit 77")
+        self.assertIn("== absent was skipped: no network\n", output)
         self.assertIn("== skipped: 1\n   step absent\n", output)
 
     @unittest.skipUnless(can_run([*WITHOUT_PROC, "true"]), "only root can unmount /proc")

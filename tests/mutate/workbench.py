@@ -13,8 +13,8 @@ import time
 from pathlib import Path
 
 # A test hangs when it exceeds HANG_FACTOR times its CPU time without a change, plus
-# HANG_CPU_SECONDS. CPU time does not depend on other load; HANG_SECONDS by the clock is for a test
-# that waits forever.
+# HANG_CPU_SECONDS. CPU time does not depend on other load. A test that waits forever uses none: it
+# hangs after HANG_SECONDS by the clock, plus twice the time that it takes without a change.
 HANG_FACTOR = 10
 HANG_CPU_SECONDS = 5
 HANG_SECONDS = 120
@@ -109,6 +109,8 @@ class Workbench:
                 continue
             if is_whole:
                 command = [command[0], "--gtest_fail_fast", "--gtest_brief=1"]
+            elif is_unittest(command[-1]):
+                command = [*command, "--failfast"]
             environment = dict(item.split("=", 1) for item in properties.get("ENVIRONMENT", []))
             targets = self._built_files([*command, *environment.values()])
             program = Program(name, command, environment, targets)
@@ -157,7 +159,7 @@ class Workbench:
     def _run(self, program, cpu_limit):
         """Runs the tests; returns why they failed ("" if they passed), CPU seconds and seconds by
         the clock."""
-        clock_limit = HANG_SECONDS + HANG_FACTOR * program.wall if cpu_limit else None
+        clock_limit = HANG_SECONDS + 2 * program.wall if cpu_limit else None
         with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as folder:
             os.chmod(folder, 0o755)  # some tests continue as another user
             environment = {**os.environ, **program.environment, "TMPDIR": folder, "HOME": folder}
@@ -176,6 +178,11 @@ class Workbench:
             after = resource.getrusage(resource.RUSAGE_CHILDREN)
         cpu = after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
         return failure, cpu, time.monotonic() - began
+
+
+def is_unittest(path):
+    """Whether this is a Python script that runs its tests with unittest."""
+    return path.endswith(".py") and "unittest.main()" in Path(path).read_text()
 
 
 def mounts_of_its_own():

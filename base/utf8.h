@@ -1,11 +1,17 @@
-// Decodes and validates UTF-8, one character at a time. CoreFoundation on macOS cannot be used to
-// validate: it accepts the single byte A9 as a character.
+// Decodes, validates and encodes UTF-8, one character at a time. CoreFoundation on macOS cannot be
+// used to validate: it accepts the single byte A9 as a character.
 #pragma once
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace lumo {
+
+/// Whether `c` is a Unicode scalar value: a code point other than a surrogate.
+constexpr bool is_unicode_scalar(char32_t c) noexcept {
+    return c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF);
+}
 
 /// One decoded character.
 struct Utf8Character {
@@ -32,9 +38,7 @@ inline Utf8Character first_utf8_character(std::string_view text) noexcept {
         }
         value = value << 6 | (byte(i) & 0x3FU);
     }
-    const bool is_valid =
-        value >= smallest && value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
-    return {is_valid ? size : 0, value};
+    return {value >= smallest && is_unicode_scalar(value) ? size : 0, value};
 }
 
 /// Whether all of `text` is valid UTF-8; true for empty text.
@@ -47,6 +51,27 @@ inline bool is_utf8(std::string_view text) noexcept {
         text.remove_prefix(size);
     }
     return true;
+}
+
+/// Writes the UTF-8 form of `c`, a Unicode scalar value, to `bytes`, which must have room for four.
+/// Returns the number of bytes.
+inline std::size_t encode_utf8(char32_t c, char* bytes) noexcept {
+    const std::size_t size = c < 0x80 ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
+    if (size == 1) {
+        bytes[0] = static_cast<char>(c);
+        return size;
+    }
+    for (std::size_t i = size - 1; i > 0; --i, c >>= 6) {
+        bytes[i] = static_cast<char>(0x80 | (c & 0x3F));
+    }
+    bytes[0] = static_cast<char>(0xF00U >> size | c);
+    return size;
+}
+
+/// Appends `c`, a Unicode scalar value, to `text`.
+inline void append_utf8(std::string& text, char32_t c) {
+    char bytes[4];
+    text.append(bytes, encode_utf8(c, bytes));
 }
 
 } // namespace lumo

@@ -42,7 +42,7 @@ std::string folder_of(std::string_view path) {
 
 /// A path for a hidden file beside `path`, with a random name; empty, with errno set, when the
 /// system provides no random numbers.
-std::string hidden_beside(std::string_view path) {
+std::string hidden_path(std::string_view path) {
     std::uint64_t number = 0;
     if (uninterrupted([&] { return getrandom(&number, sizeof number, 0); }) < 0) {
         return {};
@@ -58,12 +58,12 @@ bool lacks_nameless_files(int error) {
 }
 
 /// The file that becomes the copy. The destructor removes it unless it was published.
-class Unpublished {
+class PendingFile {
 public:
-    Unpublished() = default;
-    Unpublished(const Unpublished&) = delete;
-    Unpublished& operator=(const Unpublished&) = delete;
-    ~Unpublished() {
+    PendingFile() = default;
+    PendingFile(const PendingFile&) = delete;
+    PendingFile& operator=(const PendingFile&) = delete;
+    ~PendingFile() {
         if (!hidden_.empty()) {
             const int error = errno;
             ::unlink(hidden_.c_str());
@@ -90,7 +90,7 @@ public:
 
 private:
     bool create_hidden(const std::string& path) {
-        const std::string name = hidden_beside(path);
+        const std::string name = hidden_path(path);
         if (name.empty()) {
             return false;
         }
@@ -154,7 +154,7 @@ bool copy_regular(int from, const std::string& to, const struct stat& status,
                   copyfile_flags_t flags) {
     // The owner may read and write until the attributes are set, which is not permitted on a
     // read-only file.
-    Unpublished copy;
+    PendingFile copy;
     return copy.create(to, (status.st_mode & ACCESSPERMS) | private_mode) &&
            copy_data(from, copy.fd(), status, (flags & COPYFILE_CLONE) != 0) &&
            copy_metadata(from, copy.fd(), status, flags) && copy.publish(to);

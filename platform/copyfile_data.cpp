@@ -18,7 +18,7 @@ namespace lumo::platform {
 namespace {
 
 constexpr std::size_t buffer_size = std::size_t{128} * 1024;
-constexpr off_t largest_step = off_t{1} << 30; ///< of one copy_file_range, in bytes
+constexpr off_t max_step = off_t{1} << 30; ///< of one copy_file_range, in bytes
 constexpr off_t to_the_end = std::numeric_limits<off_t>::max();
 
 /// Copies from `at` up to `end` or the end of the file, as far as copy_file_range succeeds, and
@@ -28,7 +28,7 @@ void copy_in_kernel(int from, int to, off_t& at, off_t end) {
     ssize_t count = 1;
     while (count > 0 && at < end) {
         count = uninterrupted([&] {
-            const auto length = static_cast<std::size_t>(std::min(end - at, largest_step));
+            const auto length = static_cast<std::size_t>(std::min(end - at, max_step));
             return ::copy_file_range(from, &at, to, &out, length, 0);
         });
     }

@@ -37,7 +37,7 @@ bool is_for_this_unit(CFPropertyListRef list) {
 
 /// The maximum number of layers and zones together. A preset of a few kilobytes can refer to one
 /// zone a billion times; to visit them all would take too long.
-constexpr CFIndex most_zones = 1 << 22;
+constexpr CFIndex max_zones = 1 << 22;
 
 CFIndex count_zones(CFTypeRef layer) {
     const auto dictionary = value_as<CFDictionaryRef>(layer);
@@ -49,10 +49,10 @@ bool is_too_large(CFDictionaryRef instrument) {
     const auto layers = value_of<CFArrayRef>(instrument, "Layers");
     const CFIndex count = layers ? CFArrayGetCount(layers) : 0;
     CFIndex total = count;
-    for (CFIndex i = 0; i < count && total <= most_zones; ++i) {
+    for (CFIndex i = 0; i < count && total <= max_zones; ++i) {
         total += count_zones(CFArrayGetValueAtIndex(layers, i));
     }
-    return total > most_zones;
+    return total > max_zones;
 }
 
 // --- parameters ---------------------------------------------------------------------------------

@@ -23,7 +23,8 @@ UInt32 property_size(AudioUnitPropertyID property) {
     }
 }
 
-OSStatus look_up(AudioUnitPropertyID property, AudioUnitScope scope, AudioUnitElement element) {
+OSStatus check_property(AudioUnitPropertyID property, AudioUnitScope scope,
+                        AudioUnitElement element) {
     if (property_size(property) == 0) {
         return kAudioUnitErr_InvalidProperty;
     }
@@ -57,7 +58,7 @@ OSStatus set_property(AudioUnit unit, AudioUnitPropertyID property, AudioUnitSco
 
 /// Copies the reference to `data` and transfers ownership. A buffer that is too small gets the
 /// leading bytes only, and no ownership.
-void hand_over(Ref<CFMutableDictionaryRef> info, void* data, UInt32& size) {
+void copy_out(Ref<CFMutableDictionaryRef> info, void* data, UInt32& size) {
     const CFPropertyListRef list = info.get();
     if (size >= sizeof list) {
         size = sizeof list;
@@ -82,7 +83,7 @@ OSStatus AudioUnitUninitialize(AudioUnit unit) {
 OSStatus AudioUnitGetPropertyInfo(AudioUnit unit, AudioUnitPropertyID property,
                                   AudioUnitScope scope, AudioUnitElement element, UInt32* out_size,
                                   Boolean* out_writable) {
-    const OSStatus status = unit ? look_up(property, scope, element) : parameter_error;
+    const OSStatus status = unit ? check_property(property, scope, element) : parameter_error;
     if (out_size) {
         *out_size = status == 0 ? property_size(property) : 0;
     }
@@ -100,13 +101,14 @@ OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID property, Audi
     if (!data) {
         return AudioUnitGetPropertyInfo(unit, property, scope, element, size, nullptr);
     }
-    OSStatus status = unit && *size != 0 ? look_up(property, scope, element) : parameter_error;
+    OSStatus status =
+        unit && *size != 0 ? check_property(property, scope, element) : parameter_error;
     if (status == 0 && property != kAudioUnitProperty_ClassInfo) {
         status = kAudioUnitErr_InvalidProperty; // an instrument cannot be read back
     }
     if (status == 0) {
         status = guarded([&] {
-            hand_over(class_info(unit->state), data, *size);
+            copy_out(class_info(unit->state), data, *size);
             return 0;
         });
     }

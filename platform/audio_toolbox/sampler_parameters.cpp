@@ -3,6 +3,8 @@
 // floating-point numbers. The sampler has four parameters, all in the global scope.
 #include "audio_toolbox/sampler_parameters.h"
 
+#include "base/big_endian.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -26,8 +28,7 @@ constexpr std::array<std::pair<std::uint32_t, float SamplerParameters::*>, 4> fi
 }};
 
 std::uint32_t word(Bytes bytes, std::size_t at) {
-    return std::uint32_t{bytes[at]} << 24 | std::uint32_t{bytes[at + 1]} << 16 |
-           std::uint32_t{bytes[at + 2]} << 8 | bytes[at + 3];
+    return static_cast<std::uint32_t>(read_big_endian(&bytes[at], 4));
 }
 
 void set(SamplerParameters& parameters, std::uint32_t number, float value) {

@@ -38,6 +38,10 @@ char16_t from_mac_roman(unsigned char byte) noexcept {
     return mac_roman[byte - 0x80U];
 }
 
+char16_t from_windows_1252(unsigned char byte) noexcept {
+    return byte >= 0xA0 ? byte : windows_1252[byte - 0x80U];
+}
+
 template <class FromByte>
 Owned decode_single_bytes(std::string_view bytes, FromByte from_byte) {
     std::u16string units;
@@ -81,10 +85,6 @@ Owned decode_utf8(std::string_view bytes) {
 }
 
 } // namespace
-
-char16_t from_windows_1252(unsigned char byte) noexcept {
-    return byte < 0x80 || byte >= 0xA0 ? byte : windows_1252[byte - 0x80U];
-}
 
 Owned decode(std::string_view bytes, CFStringEncoding encoding, bool is_external) {
     if (bytes.empty()) {

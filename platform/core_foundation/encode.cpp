@@ -1,4 +1,5 @@
 // Encodes strings into bytes, one character at a time; ASCII strings in ASCII or UTF-8 are copied.
+#include "base/utf8.h"
 #include "core_foundation/encodings.h"
 
 #include <algorithm>
@@ -18,13 +19,9 @@ struct Character {
 
 /// The bytes of one character; the length is 0 when it cannot be encoded.
 struct Bytes {
-    std::array<std::uint8_t, 4> bytes;
+    std::array<char, 4> bytes;
     std::size_t length;
 };
-
-char16_t unit_at(const String& string, std::size_t index) noexcept {
-    return string.is_ascii() ? static_cast<char16_t>(string.ascii()[index]) : string.utf16()[index];
-}
 
 bool is_high_surrogate(char32_t unit) noexcept {
     return unit >= 0xD800 && unit <= 0xDBFF;
@@ -35,9 +32,9 @@ bool is_low_surrogate(char32_t unit) noexcept {
 
 /// The character at `index`; an unpaired surrogate is returned as it is.
 Character character_at(const String& string, std::size_t index, std::size_t last) noexcept {
-    const char32_t unit = unit_at(string, index);
+    const char32_t unit = string.unit(index);
     if (is_high_surrogate(unit) && index + 1 < last) {
-        const char32_t next = unit_at(string, index + 1);
+        const char32_t next = string.unit(index + 1);
         if (is_low_surrogate(next)) {
             return {0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00), 2};
         }
@@ -45,36 +42,22 @@ Character character_at(const String& string, std::size_t index, std::size_t last
     return {unit, 1};
 }
 
-/// A continuation byte with six bits of a character.
-std::uint8_t continuation(char32_t character, unsigned shift) noexcept {
-    return static_cast<std::uint8_t>(0x80 | ((character >> shift) & 0x3F));
-}
-
 Bytes utf8(char32_t c) noexcept {
-    const auto byte = [](char32_t value) { return static_cast<std::uint8_t>(value); };
-    if (c < 0x80) {
-        return {{byte(c)}, 1};
+    Bytes result{{}, 0};
+    if (is_unicode_scalar(c)) {
+        result.length = encode_utf8(c, result.bytes.data());
     }
-    if (c < 0x800) {
-        return {{byte(0xC0 | c >> 6), continuation(c, 0)}, 2};
-    }
-    if (is_high_surrogate(c) || is_low_surrogate(c)) {
-        return {{}, 0};
-    }
-    if (c < 0x10000) {
-        return {{byte(0xE0 | c >> 12), continuation(c, 6), continuation(c, 0)}, 3};
-    }
-    return {{byte(0xF0 | c >> 18), continuation(c, 12), continuation(c, 6), continuation(c, 0)}, 4};
+    return result;
 }
 
 Bytes utf16(char32_t unit, std::endian order) noexcept {
-    const auto high = static_cast<std::uint8_t>(unit >> 8);
-    const auto low = static_cast<std::uint8_t>(unit);
+    const auto high = static_cast<char>(unit >> 8);
+    const auto low = static_cast<char>(unit);
     return order == std::endian::big ? Bytes{{high, low}, 2} : Bytes{{low, high}, 2};
 }
 
 Bytes ascii(char32_t unit, std::uint8_t loss_byte) noexcept {
-    const auto byte = unit < 0x80 ? static_cast<std::uint8_t>(unit) : loss_byte;
+    const auto byte = static_cast<char>(unit < 0x80 ? unit : loss_byte);
     return {{byte}, unit < 0x80 || loss_byte != 0 ? 1U : 0U};
 }
 
@@ -145,7 +128,7 @@ Encoded encode(const String& string, std::size_t first, std::size_t last, CFStri
     std::size_t at = first;
     while (at < last) {
         const Character character =
-            is_utf8 ? character_at(string, at, last) : Character{unit_at(string, at), 1};
+            is_utf8 ? character_at(string, at, last) : Character{string.unit(at), 1};
         const Bytes bytes = bytes_of(character.value, encoding, loss_byte);
         if (bytes.length == 0 || !output.put(bytes.bytes.data(), bytes.length)) {
             break;

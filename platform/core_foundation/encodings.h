@@ -15,9 +15,6 @@ namespace lumo::platform {
 /// in the encoding; no bytes give an empty string in any encoding.
 Owned decode(std::string_view bytes, CFStringEncoding encoding, bool is_external);
 
-/// The character of a byte in windows-1252; 0 for the undefined bytes 81, 8D, 8F, 90 and 9D.
-char16_t from_windows_1252(unsigned char byte) noexcept;
-
 /// The number of units converted and of bytes produced.
 struct Encoded {
     std::size_t units; ///< UTF-16 units of the string.

@@ -16,7 +16,7 @@ using Pair = std::pair<const Object*, const Object*>;
 
 /// Frees an object without references, or, if it is a container, adds it to the list of containers
 /// to be emptied.
-void bury(const Object* dead, Container*& pending) noexcept {
+void free_or_queue(const Object* dead, Container*& pending) noexcept {
     auto* object = const_cast<Object*>(dead);
     if (is_container(object->kind)) {
         auto* container = static_cast<Container*>(object);
@@ -32,7 +32,7 @@ void bury(const Object* dead, Container*& pending) noexcept {
 void empty(Container& container, Container*& pending) noexcept {
     const auto drop_child = [&pending](const Object* child) {
         if (child != nullptr && drop(child)) {
-            bury(child, pending);
+            free_or_queue(child, pending);
         }
     };
     if (container.kind == Kind::array) {
@@ -114,7 +114,7 @@ bool equal_so_far(const Object* a, const Object* b, std::vector<Pair>& open) {
 
 void destroy(const Object* object) noexcept {
     Container* pending = nullptr;
-    bury(object, pending);
+    free_or_queue(object, pending);
     while (pending != nullptr) {
         Container* container = std::exchange(pending, pending->next_dead);
         empty(*container, pending);

@@ -1,18 +1,13 @@
 // URL syntax (RFC 3986), as far as file references need it.
 #include "core_foundation/percent.h"
 
+#include "base/characters.h"
+
 #include <algorithm>
 #include <cstddef>
 
 namespace lumo::platform {
 namespace {
-
-bool is_letter(char c) noexcept {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-bool is_digit(char c) noexcept {
-    return c >= '0' && c <= '9';
-}
 
 /// Whether the character may be part of a URL other than in a percent-encoding.
 bool is_plain(char c) noexcept {
@@ -24,11 +19,8 @@ std::optional<unsigned> hex_value(char c) noexcept {
     if (is_digit(c)) {
         return static_cast<unsigned>(c - '0');
     }
-    const char upper = static_cast<char>(c & ~0x20);
-    if (upper >= 'A' && upper <= 'F') {
-        return static_cast<unsigned>(upper - 'A' + 10);
-    }
-    return std::nullopt;
+    const char lower = to_lower(c);
+    return lower >= 'a' && lower <= 'f' ? std::optional<unsigned>(lower - 'a' + 10) : std::nullopt;
 }
 
 /// The byte of the percent-encoding at the start of `text`; nothing when it is incomplete.

@@ -72,14 +72,6 @@ Owned make_string_utf16(std::u16string_view units) {
     return Owned{string};
 }
 
-Owned make_string_utf16be(const std::uint8_t* bytes, std::size_t units) {
-    std::u16string swapped(units, u'\0');
-    for (std::size_t i = 0; i < units; ++i) {
-        swapped[i] = static_cast<char16_t>(bytes[2 * i] << 8 | bytes[2 * i + 1]);
-    }
-    return make_string_utf16(swapped);
-}
-
 bool equal_strings(const String& a, const String& b) noexcept {
     return a.detail == b.detail && !hashes_differ(a.hash_cache, b.hash_cache) &&
            a.bytes() == b.bytes();

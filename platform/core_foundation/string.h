@@ -28,6 +28,10 @@ struct String : Object {
         return {reinterpret_cast<const char16_t*>(this + 1), length};
     }
 
+    /// The unit at an index below `length`.
+    char16_t unit(std::size_t index) const noexcept {
+        return is_ascii() ? static_cast<char16_t>(ascii()[index]) : utf16()[index];
+    }
     /// The stored bytes of the characters.
     std::string_view bytes() const noexcept {
         return {reinterpret_cast<const char*>(this + 1),
@@ -49,8 +53,6 @@ Owned make_string_ascii(std::string_view ascii);
 Owned make_string_latin1(std::string_view latin1);
 /// A string from UTF-16 units in native byte order.
 Owned make_string_utf16(std::u16string_view units);
-/// A string from `units` UTF-16 units in big-endian order.
-Owned make_string_utf16be(const std::uint8_t* bytes, std::size_t units);
 
 /// Whether two strings have the same units.
 bool equal_strings(const String& a, const String& b) noexcept;

@@ -1,6 +1,7 @@
 // One function per marker. Odd objects are handled as in CoreFoundation.
 #include "property_list/binary_objects.h"
 
+#include "core_foundation/encodings.h"
 #include "core_foundation/objects.h"
 
 #include <bit>
@@ -106,7 +107,11 @@ Owned BinaryObjects::read_ascii(std::size_t offset) {
 /// An empty string is rejected, as in CoreFoundation, which allocates no storage for it.
 Owned BinaryObjects::read_utf16(std::size_t offset) {
     const auto text = extent(offset, 2);
-    return text && text->count > 0 ? make_string_utf16be(&bytes_[text->at], text->count) : nullptr;
+    if (!text || text->count == 0) {
+        return nullptr;
+    }
+    const auto* units = reinterpret_cast<const char*>(&bytes_[text->at]);
+    return decode({units, text->count * 2}, kCFStringEncodingUTF16BE, false);
 }
 
 std::optional<Extent> BinaryObjects::extent(std::size_t offset, std::size_t width) {

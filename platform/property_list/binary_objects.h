@@ -1,6 +1,7 @@
 // Reads the single objects of a binary property list.
 #pragma once
 
+#include "base/big_endian.h"
 #include "core_foundation/object.h"
 #include "property_list/binary_format.h"
 #include "property_list/binary_trailer.h"

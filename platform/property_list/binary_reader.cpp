@@ -27,13 +27,13 @@ constexpr std::size_t overlap_allowed = 65536;
 
 /// Heights: a leaf has 0, an empty container 1, any other container one more than its highest
 /// child. These two values mark an object that is not reached yet, and an open container.
-constexpr std::uint16_t unmet = std::numeric_limits<std::uint16_t>::max();
-constexpr std::uint16_t under_way = unmet - 1;
+constexpr std::uint16_t not_reached = std::numeric_limits<std::uint16_t>::max();
+constexpr std::uint16_t in_progress = not_reached - 1;
 
 /// An object of the file.
 struct Slot {
     Owned object; ///< Null until it is created.
-    std::uint16_t height = unmet;
+    std::uint16_t height = not_reached;
 };
 
 /// An open container. The finished children are in `array`, or else in the values from `first` on.
@@ -75,8 +75,8 @@ private:
     bool open_container(std::size_t object, std::size_t offset);
     void close_container();
     Owned made_of(OpenContainer& container);
-    bool hand_out_container(const Slot& container);
-    void hand_out(const Slot& slot);
+    bool add_container(const Slot& container);
+    void add_child(const Slot& slot);
 
     std::uint64_t ref(const OpenContainer& container, std::size_t child) const {
         return objects_.number(container.refs + container.ref_of(child) * trailer_.ref_width,
@@ -124,16 +124,16 @@ bool BinaryReader::read_children() {
 /// Adds an object to the open container, or opens it when it is a new container. False when the
 /// file is invalid.
 bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
-    if (object >= trailer_.count || slots_[object].height == under_way) {
+    if (object >= trailer_.count || slots_[object].height == in_progress) {
         return false;
     }
     Slot& slot = slots_[object];
     if (slot.height == 0) {
-        hand_out(slot);
+        add_child(slot);
         return true;
     }
-    if (slot.height != unmet) {
-        return !as_key && hand_out_container(slot);
+    if (slot.height != not_reached) {
+        return !as_key && add_container(slot);
     }
     const std::uint64_t offset =
         objects_.number(trailer_.table + object * trailer_.offset_width, trailer_.offset_width);
@@ -149,7 +149,7 @@ bool BinaryReader::read_object(std::uint64_t object, bool as_key) {
     }
     slot.height = 0;
     share_equal(object);
-    hand_out(slot);
+    add_child(slot);
     return true;
 }
 
@@ -175,10 +175,10 @@ bool BinaryReader::open_container(std::size_t object, std::size_t offset) {
     const Marker marker = objects_.marker(offset);
     const unsigned in_pairs = marker == Marker::dictionary ? 1 : 0;
     const auto refs = objects_.extent(offset, trailer_.ref_width << in_pairs);
-    if (!refs || open_.size() + (refs->count > 0 ? 1 : 0) > most_levels_in_binary) {
+    if (!refs || open_.size() + (refs->count > 0 ? 1 : 0) > max_levels_in_binary) {
         return false;
     }
-    slots_[object].height = under_way;
+    slots_[object].height = in_progress;
     const bool is_array = marker == Marker::array;
     open_.push_back({.object = object,
                      .marker = marker,
@@ -198,7 +198,7 @@ void BinaryReader::close_container() {
     slot.object = made_of(container);
     slot.height = static_cast<std::uint16_t>(container.height);
     values_.resize(container.first);
-    hand_out_container(slot);
+    add_container(slot);
 }
 
 Owned BinaryReader::made_of(OpenContainer& container) {
@@ -215,20 +215,20 @@ Owned BinaryReader::made_of(OpenContainer& container) {
 }
 
 /// Adds a finished container to the open one. False when the nesting would be too deep.
-bool BinaryReader::hand_out_container(const Slot& container) {
-    if (open_.size() + container.height > most_levels_in_binary + 1) {
+bool BinaryReader::add_container(const Slot& container) {
+    if (open_.size() + container.height > max_levels_in_binary + 1) {
         return false;
     }
     if (!open_.empty()) {
         open_.back().height = std::max<std::size_t>(open_.back().height, container.height + 1u);
     }
-    hand_out(container);
+    add_child(container);
     return true;
 }
 
 /// Adds a reference to a finished object to the innermost open container, as its next child. If no
 /// container is open, the object is the root.
-void BinaryReader::hand_out(const Slot& slot) {
+void BinaryReader::add_child(const Slot& slot) {
     Owned value = share_unshared(slot.object.get());
     if (!open_.empty() && open_.back().array) {
         open_.back().array->take(std::move(value));

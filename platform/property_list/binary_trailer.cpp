@@ -2,6 +2,7 @@
 // on every check.
 #include "property_list/binary_trailer.h"
 
+#include "base/big_endian.h"
 #include "property_list/binary_format.h"
 
 #include <cstring>

@@ -8,19 +8,6 @@
 
 namespace lumo::platform {
 
-/// The number in `width` big-endian bytes, which must be readable; only the last eight are
-/// significant.
-inline std::uint64_t read_big_endian(const std::uint8_t* bytes, std::size_t width) {
-    if (width == 2) { // by far the most common width of references
-        return static_cast<std::uint64_t>(bytes[0] << 8 | bytes[1]);
-    }
-    std::uint64_t value = 0;
-    for (std::size_t i = 0; i < width; ++i) {
-        value = value << 8 | bytes[i];
-    }
-    return value;
-}
-
 /// The fields of the trailer, checked against the file.
 struct BinaryTrailer {
     std::size_t offset_width; ///< Width of an offset in the table in bytes, at least 1.

@@ -15,10 +15,6 @@
 namespace lumo::platform {
 namespace {
 
-char16_t utf16_unit(const String& string, std::size_t at) {
-    return string.is_ascii() ? static_cast<char16_t>(string.ascii()[at]) : string.utf16()[at];
-}
-
 /// Compares by UTF-16 units.
 bool precedes(const String& a, const String& b) {
     if (a.is_ascii() && b.is_ascii()) {
@@ -26,8 +22,8 @@ bool precedes(const String& a, const String& b) {
     }
     const std::size_t shared = std::min(a.length, b.length);
     for (std::size_t i = 0; i < shared; ++i) {
-        if (utf16_unit(a, i) != utf16_unit(b, i)) {
-            return utf16_unit(a, i) < utf16_unit(b, i);
+        if (a.unit(i) != b.unit(i)) {
+            return a.unit(i) < b.unit(i);
         }
     }
     return a.length < b.length;

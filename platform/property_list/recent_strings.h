@@ -18,7 +18,7 @@ class RecentStrings {
 public:
     /// The string of `ascii`, from the cache or new.
     Owned get(std::string_view ascii) {
-        if (ascii.size() > longest) {
+        if (ascii.size() > max_size) {
             return make_string_ascii(ascii);
         }
         Owned& slot = slots_[slot_of(ascii)];
@@ -29,7 +29,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t longest = 64;
+    static constexpr std::size_t max_size = 64;
     static constexpr unsigned slot_bits = 10;
 
     /// A hash of the length and the first and last bytes, in which keys differ.

@@ -12,7 +12,6 @@
 #include "core_foundation/objects.h"
 #include "property_list/limits.h"
 #include "property_list/recent_strings.h"
-#include "property_list/utf8.h"
 #include "property_list/xml_encoding.h"
 #include "property_list/xml_scanner.h"
 #include "property_list/xml_values.h"
@@ -120,7 +119,7 @@ bool XmlReader::takes(Element element) const {
 }
 
 bool XmlReader::open(Element element) {
-    if (element != Element::plist && ++depth_ > most_containers_in_xml) {
+    if (element != Element::plist && ++depth_ > max_containers_in_xml) {
         return false;
     }
     if (element == Element::plist && !open_.empty() && open_.back().element == Element::plist) {

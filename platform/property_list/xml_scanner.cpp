@@ -5,8 +5,8 @@
 // ones and numeric ones; line ends are not normalised, and control characters are allowed anywhere.
 #include "property_list/xml_scanner.h"
 
+#include "base/utf8.h"
 #include "core_foundation/unicode.h"
-#include "property_list/utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -207,10 +207,10 @@ bool XmlScanner::append_entity() {
 
 /// Appends the character of a numeric entity; `digits` follow "&#". Without any digit it is U+0000.
 bool XmlScanner::append_numeric_entity(std::string_view digits) {
-    constexpr std::size_t most_digits = 8;
+    constexpr std::size_t max_digits = 8;
     const int base = digits.starts_with('x') ? 16 : 10;
     digits.remove_prefix(base == 16 ? 1 : 0);
-    const std::size_t count = digits.substr(0, most_digits + 1).find(';');
+    const std::size_t count = digits.substr(0, max_digits + 1).find(';');
     if (count == std::string_view::npos) {
         return false;
     }

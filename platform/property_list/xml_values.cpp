@@ -3,6 +3,7 @@
 // skipped), and a state must be read identically on both systems.
 #include "property_list/xml_values.h"
 
+#include "base/characters.h"
 #include "base/utf8.h"
 #include "property_list/decimal.h"
 
@@ -59,14 +60,10 @@ bool equal_ignoring_case(std::string_view text, std::string_view lower) {
     return text.size() == lower.size() && strncasecmp(text.data(), lower.data(), lower.size()) == 0;
 }
 
-bool is_decimal_digit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 /// Removes the digits at the start of `text` and returns their number.
 std::size_t skip_digits(std::string_view& text) {
     std::size_t count = 0;
-    while (count < text.size() && is_decimal_digit(text[count])) {
+    while (count < text.size() && is_digit(text[count])) {
         ++count;
     }
     text.remove_prefix(count);
@@ -118,7 +115,7 @@ std::int64_t days_since_2001(std::int64_t year, unsigned month, unsigned day) {
 
 /// The two digits at `at`, or nothing.
 std::optional<unsigned> two_digits(std::string_view text, std::size_t at) {
-    if (!is_decimal_digit(text[at]) || !is_decimal_digit(text[at + 1])) {
+    if (!is_digit(text[at]) || !is_digit(text[at + 1])) {
         return std::nullopt;
     }
     return static_cast<unsigned>((text[at] - '0') * 10 + (text[at + 1] - '0'));

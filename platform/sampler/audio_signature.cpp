@@ -6,6 +6,8 @@
 // follow.
 #include "sampler/audio_signature.h"
 
+#include "base/big_endian.h"
+
 #include <array>
 #include <cstring>
 #include <string_view>
@@ -18,11 +20,6 @@ using Bytes = std::span<const std::uint8_t>;
 bool has_text_at(Bytes head, std::size_t at, std::string_view text) {
     return head.size() >= at + text.size() &&
            std::memcmp(head.data() + at, text.data(), text.size()) == 0;
-}
-
-std::uint32_t big_endian(Bytes four) {
-    return std::uint32_t{four[0]} << 24 | std::uint32_t{four[1]} << 16 |
-           std::uint32_t{four[2]} << 8 | four[3];
 }
 
 /// The fields of a frame header: 11 one bits, then version, layer, protection, bit rate, sampling
@@ -45,6 +42,10 @@ struct MpegHeader {
         return ((bits ^ other.bits) & sync_version_layer_sampling) == 0;
     }
 };
+
+MpegHeader mpeg_header(Bytes bytes) {
+    return {static_cast<std::uint32_t>(read_big_endian(bytes.data(), 4))};
+}
 
 /// Bit rates in kbit/s.
 using Rates = std::array<std::uint16_t, 15>;
@@ -85,12 +86,12 @@ bool is_mpeg_audio(Bytes head) {
     if (head.size() < 4) {
         return false;
     }
-    const MpegHeader first{big_endian(head)};
+    const MpegHeader first = mpeg_header(head);
     if (!first.is_valid()) {
         return false;
     }
     return is_followed(head, frame_length(first), 4,
-                       [&](Bytes next) { return first.is_of_one_stream_with({big_endian(next)}); });
+                       [&](Bytes next) { return first.is_of_one_stream_with(mpeg_header(next)); });
 }
 
 bool is_adts_header(Bytes bytes) {

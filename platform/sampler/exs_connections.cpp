@@ -17,7 +17,7 @@ namespace {
 
 /// Converts -1000..1000 to the sampler's units; the factors are in the sampler's own order, which
 /// determines rounding.
-float of_thousand(int amount, float full) {
+float per_mille(int amount, float full) {
     return static_cast<float>(amount) * 0.001F * full;
 }
 
@@ -33,8 +33,8 @@ ExsConnection ranged(std::uint32_t source, std::uint32_t destination, float low,
 }
 
 /// Changes the gain by `scale` dB (0 or less) where the source is lowest.
-ExsConnection damping(std::uint32_t source, float scale,
-                      ExsConnection::Transform transform = ExsConnection::concave) {
+ExsConnection attenuation(std::uint32_t source, float scale,
+                          ExsConnection::Transform transform = ExsConnection::concave) {
     ExsConnection connection = scaled(source, code::gain, scale);
     connection.transform = transform;
     connection.inverse = true;
@@ -45,11 +45,11 @@ std::vector<ExsConnection> fixed_connections(const ExsParameters& parameters) {
     const int velocity = parameters.value(ExsParameter::level_by_velocity);
     return {
         scaled(code::key, code::pitch, 12800),
-        damping(code::velocity, static_cast<float>(velocity)),
-        damping(code::volume_controller, -96),
-        damping(code::expression_controller, -96),
+        attenuation(code::velocity, static_cast<float>(velocity)),
+        attenuation(code::volume_controller, -96),
+        attenuation(code::expression_controller, -96),
         ranged(code::pan_controller, code::pan, -0.508F, 0.508F),
-        damping(code::envelope_1, -96, ExsConnection::linear),
+        attenuation(code::envelope_1, -96, ExsConnection::linear),
     };
 }
 
@@ -86,7 +86,7 @@ std::optional<ExsConnection> cutoff_by_key(const ExsParameters& parameters) {
     if (amount == 0) {
         return std::nullopt;
     }
-    return scaled(code::key, code::cutoff, of_thousand(amount, 12000));
+    return scaled(code::key, code::cutoff, per_mille(amount, 12000));
 }
 
 /// The LFO's code; nothing when the LFO is not running, since the state then does not contain it.
@@ -136,11 +136,11 @@ std::optional<Destination> destination_of(int destination) {
     case 6:
         return Destination{code::pitch, pitch_amount};
     case 8:
-        return Destination{code::cutoff, [](int amount) { return of_thousand(amount, 12000); }};
+        return Destination{code::cutoff, [](int amount) { return per_mille(amount, 12000); }};
     case 9:
-        return Destination{code::resonance, [](int amount) { return of_thousand(amount, 40); }};
+        return Destination{code::resonance, [](int amount) { return per_mille(amount, 40); }};
     case 16:
-        return Destination{code::layer_lfo_rate, [](int amount) { return of_thousand(amount, 2); }};
+        return Destination{code::layer_lfo_rate, [](int amount) { return per_mille(amount, 2); }};
     default:
         return std::nullopt;
     }

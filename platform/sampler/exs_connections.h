@@ -40,7 +40,7 @@ constexpr std::uint32_t in_layer(std::uint32_t number, std::uint32_t layer) {
     return number < of_layer ? number : number + (layer << 8);
 }
 /// The maximum number of layers: the codes have bits 8 to 19 for the index.
-inline constexpr std::size_t most_layers = 4096;
+inline constexpr std::size_t max_layers = 4096;
 } // namespace code
 
 /// A connection from `source`, scaled by `control`, to `destination`; the amounts are in the

@@ -9,12 +9,12 @@
 namespace lumo::platform {
 namespace {
 
-/// Maps 0..127 to 0..`longest` seconds by a fourth power. The power is rounded to single precision
+/// Maps 0..127 to 0..`max` seconds by a fourth power. The power is rounded to single precision
 /// once, since the square of a float is exact in a double.
-float seconds(int value, float longest) {
+float seconds(int value, float max) {
     const double part = static_cast<float>(value) / 127.0F;
     const double square = part * part;
-    return longest * static_cast<float>(square * square);
+    return max * static_cast<float>(square * square);
 }
 
 float seconds_of(std::int64_t milliseconds) {
@@ -25,16 +25,16 @@ float level(int value) {
     return static_cast<float>(value) / 127.0F;
 }
 
-constexpr float longest_attack = 10;
-constexpr float longest_amp_stage = 40;
-constexpr float longest_stage = 10;
+constexpr float max_attack = 10;
+constexpr float max_amp_stage = 40;
+constexpr float max_stage = 10;
 
 ExsEnvelope amp_envelope(const ExsParameters& parameters) {
     return {
-        .attack = seconds(parameters.value(ExsParameter::amp_attack), longest_attack),
-        .decay = seconds(parameters.value(ExsParameter::amp_decay), longest_amp_stage),
+        .attack = seconds(parameters.value(ExsParameter::amp_attack), max_attack),
+        .decay = seconds(parameters.value(ExsParameter::amp_decay), max_amp_stage),
         .sustain = level(parameters.value(ExsParameter::amp_sustain)),
-        .release = seconds(parameters.value(ExsParameter::amp_release), longest_amp_stage),
+        .release = seconds(parameters.value(ExsParameter::amp_release), max_amp_stage),
     };
 }
 
@@ -42,11 +42,10 @@ ExsEnvelope amp_envelope(const ExsParameters& parameters) {
 /// remaining change, above or below the sustain level.
 ExsEnvelope second_envelope(const ExsParameters& parameters) {
     const float sustain = level(parameters.value(ExsParameter::envelope_2_sustain));
-    const float decay = seconds(parameters.value(ExsParameter::envelope_2_decay), longest_stage);
-    const float release =
-        seconds(parameters.value(ExsParameter::envelope_2_release), longest_stage);
+    const float decay = seconds(parameters.value(ExsParameter::envelope_2_decay), max_stage);
+    const float release = seconds(parameters.value(ExsParameter::envelope_2_release), max_stage);
     return {
-        .attack = seconds(parameters.value(ExsParameter::envelope_2_attack), longest_attack),
+        .attack = seconds(parameters.value(ExsParameter::envelope_2_attack), max_attack),
         .decay = sustain < 1 ? decay / (1 - sustain) : 0,
         .sustain = sustain,
         .release = sustain > 0 ? release / sustain : release,
@@ -82,8 +81,8 @@ float exs_resonance(const ExsParameters& parameters) {
 }
 
 std::optional<float> exs_lfo_rate(int parameter) {
-    constexpr int still = 34;
-    if (parameter == still) {
+    constexpr int off = 34;
+    if (parameter == off) {
         return std::nullopt;
     }
     const double rate = 4.8 * std::exp2((parameter - 98) / 12.0);

@@ -21,7 +21,7 @@
 namespace lumo::platform {
 namespace {
 
-constexpr off_t largest_file = off_t{1} << 30;
+constexpr off_t max_file_size = off_t{1} << 30;
 
 /// Reads until `bytes` is full or the file ends, and shrinks `bytes` to the number read. False,
 /// with errno set, on a failure.
@@ -49,7 +49,7 @@ OSStatus read_file(const std::string& path, std::vector<std::uint8_t>& bytes) {
     if (!fd || ::fstat(fd.get(), &info) != 0) {
         return status_of_file_error(errno);
     }
-    if (!S_ISREG(info.st_mode) || info.st_size > largest_file) {
+    if (!S_ISREG(info.st_mode) || info.st_size > max_file_size) {
         return kAudioUnitErr_InvalidFile;
     }
     bytes.resize(static_cast<std::size_t>(info.st_size));

@@ -16,9 +16,9 @@ namespace {
 
 struct Range {
     ExsParameter parameter;
-    std::int16_t standard;
-    std::int16_t lowest;
-    std::int16_t highest;
+    std::int16_t default_value;
+    std::int16_t min;
+    std::int16_t max;
 };
 
 constexpr std::array ranges{
@@ -66,20 +66,20 @@ constexpr SlotIds slot_ids(int slot) {
 
 /// The defaults of the first two slots: envelope 2 modulates the cutoff (with amount 0), LFO 1 the
 /// pitch, scaled by the modulation wheel.
-constexpr std::array<std::array<std::int16_t, 5>, 2> standard_slots{
+constexpr std::array<std::array<std::int16_t, 5>, 2> default_slots{
     {{8, -14, -1, 0, 0}, {6, -12, 1, 0, 343}}};
 
 } // namespace
 
 ExsParameters::ExsParameters() {
     for (const Range& range : ranges) {
-        values_[static_cast<std::size_t>(range.parameter)] = range.standard;
+        values_[static_cast<std::size_t>(range.parameter)] = range.default_value;
     }
     for (int slot = 0; slot < slot_count; ++slot) {
         const std::size_t first = slot_ids(slot).first;
         values_[first + 2] = -1;
-        if (static_cast<std::size_t>(slot) < standard_slots.size()) {
-            std::ranges::copy(standard_slots[static_cast<std::size_t>(slot)],
+        if (static_cast<std::size_t>(slot) < default_slots.size()) {
+            std::ranges::copy(default_slots[static_cast<std::size_t>(slot)],
                               values_.begin() + static_cast<std::ptrdiff_t>(first));
         }
     }
@@ -90,7 +90,7 @@ void ExsParameters::set(std::uint16_t id, std::int16_t value) {
         return;
     }
     const auto* range = std::ranges::find(ranges, ExsParameter{id}, &Range::parameter);
-    values_[id] = range == ranges.end() ? value : std::clamp(value, range->lowest, range->highest);
+    values_[id] = range == ranges.end() ? value : std::clamp(value, range->min, range->max);
 }
 
 ExsModulation ExsParameters::modulation(int slot) const {

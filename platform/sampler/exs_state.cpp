@@ -65,7 +65,7 @@ StateValue layers_state(const StateKeys& keys, const ExsSoundState& sound,
 Ref<CFDictionaryRef> exs_instrument_state(const ExsInstrument& instrument,
                                           const std::vector<ExsLayer>& layers,
                                           const std::string& file_name) {
-    if (layers.size() > code::most_layers) {
+    if (layers.size() > code::max_layers) {
         return {};
     }
     const ExsParameters& parameters = instrument.parameters;
@@ -79,7 +79,7 @@ Ref<CFDictionaryRef> exs_instrument_state(const ExsInstrument& instrument,
     if (const int volume = parameters.value(ExsParameter::output_volume); volume != 0) {
         state.real(keys.gain, static_cast<float>(volume));
     }
-    return retain(static_cast<CFDictionaryRef>(state.make().get()));
+    return state.make();
 }
 
 } // namespace lumo::platform

@@ -29,8 +29,8 @@ bool is_ascii(std::string_view text) {
 
 /// The number of bytes at the end that are the start of an incomplete UTF-8 character.
 std::size_t unfinished_character(std::span<const std::uint8_t> bytes) {
-    constexpr std::size_t longest = 3;
-    for (std::size_t count = 1; count <= std::min(longest, bytes.size()); ++count) {
+    constexpr std::size_t max_count = 3;
+    for (std::size_t count = 1; count <= std::min(max_count, bytes.size()); ++count) {
         if (bytes[bytes.size() - count] >= 0xC0) {
             return count;
         }

@@ -29,8 +29,8 @@
 namespace lumo::platform {
 namespace {
 
-constexpr int most_tags = 16; ///< files have one, rarely two
-constexpr sf_count_t most_bytes = 32 << 20;
+constexpr int max_tags = 16; ///< files have one, rarely two
+constexpr sf_count_t max_bytes = 32 << 20;
 constexpr sf_count_t cost_of_a_read = 256; ///< in bytes; limits the number of small reads
 
 /// The file from `start` on, as libsndfile reads it: a few bytes at a time, mostly from the head.
@@ -39,7 +39,7 @@ struct SampleReader {
     sf_count_t start;
     sf_count_t size;
     sf_count_t at = 0;
-    sf_count_t allowance = most_bytes;
+    sf_count_t allowance = max_bytes;
     int error = 0;                           ///< errno of a failed read
     std::span<const std::uint8_t> head = {}; ///< the first bytes, if they are in memory
 
@@ -112,7 +112,7 @@ bool is_audio_to_libsndfile(SampleReader& reader) {
 /// Moves the reader's start after the tags that precede the audio, and reads its head into
 /// `buffer`; the head is empty when it cannot be read.
 void skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
-    for (int tags = 0; tags <= most_tags; ++tags) {
+    for (int tags = 0; tags <= max_tags; ++tags) {
         const auto head = reader.read_file(buffer);
         const auto tag = static_cast<sf_count_t>(id3_tag_size(head));
         reader.at = 0;
@@ -137,7 +137,7 @@ bool is_of_kind(SampleKind kind, SampleReader& reader) {
            (head == AudioHead::container && is_audio_to_libsndfile(reader));
 }
 
-OSStatus judge(int fd, off_t size, SampleKind kind) {
+OSStatus check_file(int fd, off_t size, SampleKind kind) {
     std::array<std::uint8_t, audio_head_size> buffer; // not zeroed: partly used
     SampleReader reader{fd, 0, size};
     skip_tags(reader, buffer);
@@ -181,7 +181,7 @@ OSStatus open_sample(const std::string& path, SampleKind kind) {
     if (::fstat(fd.get(), &status) != 0) {
         return status_of_file_error(errno);
     }
-    return S_ISREG(status.st_mode) ? judge(fd.get(), status.st_size, kind) : not_an_audio_file;
+    return S_ISREG(status.st_mode) ? check_file(fd.get(), status.st_size, kind) : not_an_audio_file;
 }
 
 OSStatus open_samples(std::span<const SampleReference> samples) {

@@ -43,9 +43,9 @@ StateDictionary& StateDictionary::set(const StateValue& key, StateValue value) {
     return *this;
 }
 
-StateValue StateDictionary::make() const {
-    std::array<CFTypeRef, most> keys = keys_;
-    std::array<CFTypeRef, most> values{};
+Ref<CFDictionaryRef> StateDictionary::make() const {
+    std::array<CFTypeRef, max_entries> keys = keys_;
+    std::array<CFTypeRef, max_entries> values{};
     for (std::size_t i = 0; i < count_; ++i) {
         values[i] = values_[i].get();
     }

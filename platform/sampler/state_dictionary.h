@@ -80,12 +80,14 @@ struct StateKeys {
     StateValue zones = state_text("Zones");
 };
 
-/// Collects up to `most` entries with different keys, then creates a dictionary of exactly these.
+/// Collects up to `max_entries` entries with different keys, then creates a dictionary of exactly
+/// these.
 class StateDictionary {
 public:
-    static constexpr std::size_t most = 24;
+    static constexpr std::size_t max_entries = 24;
 
-    /// Adds an entry. The key is borrowed until `make`. Throws std::out_of_range beyond `most`.
+    /// Adds an entry. The key is borrowed until `make`. Throws std::out_of_range beyond
+    /// `max_entries`.
     StateDictionary& set(const StateValue& key, StateValue value);
     StateDictionary& integer(const StateValue& key, std::int64_t value) {
         return set(key, state_integer(value));
@@ -100,11 +102,11 @@ public:
         return set(key, state_text(value));
     }
     /// Creates a dictionary of the entries so far.
-    StateValue make() const;
+    Ref<CFDictionaryRef> make() const;
 
 private:
-    std::array<CFTypeRef, most> keys_{};
-    std::array<StateValue, most> values_;
+    std::array<CFTypeRef, max_entries> keys_{};
+    std::array<StateValue, max_entries> values_;
     std::size_t count_ = 0;
 };
 

@@ -17,7 +17,7 @@ run_built() {
     local program=$root/build/$preset/bin/$name
     local log=$root/build/${me#*/}.log stamp=$root/build/${me#*/}.stamp
     if ! is_built; then
-        mkdir -p "$root/build" || die "no build folder can be made in $root"
+        mkdir -p "$root/build" || die "the build folder in $root could not be created"
         build_if_needed 9>"${stamp%.stamp}.lock"
     fi
     exec "$program" "$@"
@@ -48,6 +48,6 @@ build_if_needed() (
     say "building $name, which takes a minute or two (log: $log)"
     # The shell may run the trap with the output of `build` still in the log.
     exec 8>&2
-    trap '[ $? -eq 0 ] || { tail -n 20 "$log" >&2; say "could not be built; the whole log: $log"; } 2>&8' EXIT
+    trap '[ $? -eq 0 ] || { tail -n 20 "$log" >&2; say "the build failed; the whole log: $log"; } 2>&8' EXIT
     build >"$log" 2>&1
 )

@@ -9,7 +9,7 @@ import subprocess
 import sys
 
 
-def tell(report):
+def show(report):
     """Prints one sentence about one instrument, and the samples that were not found."""
     if report["ok"]:
         shape = report["shape"]
@@ -32,7 +32,7 @@ def main():
                           errors="replace") as process:
         for line in process.stdout:  # each line arrives before the next import begins
             report = json.loads(line)
-            tell(report)
+            show(report)
             lines += 1
             failed += not report["ok"]
     if process.returncode != 0 or lines != len(instruments):

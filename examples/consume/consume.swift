@@ -29,7 +29,7 @@ struct Report: Decodable {
     let shape: Shape
 }
 
-func tell(_ report: Report) {
+func show(_ report: Report) {
     if report.ok {
         print("\(report.name): \(report.samples) samples, \(report.shape.zones) zones, "
             + "\(report.copiedBytes) bytes copied, state \(report.stateFile)")
@@ -64,7 +64,7 @@ while case let chunk = output.fileHandleForReading.availableData, !chunk.isEmpty
         let line = String(decoding: pending[pending.startIndex..<end], as: UTF8.self)
         pending.removeSubrange(pending.startIndex...end)
         let report = try JSONDecoder().decode(Report.self, from: Data(line.utf8))
-        tell(report)
+        show(report)
         lines += 1
         failed += report.ok ? 0 : 1
     }

@@ -48,7 +48,7 @@ Ref<CFMutableDictionaryRef> without_samples(CFPropertyListRef preset) {
 
 TEST(RealPresets, ReadBackAsTheyWereSaved) {
     if (!fs::exists(corpus)) {
-        GTEST_SKIP() << "the corpus is not here";
+        GTEST_SKIP() << "the corpus does not exist";
     }
     int compared = 0;
     for (const auto& entry : fs::recursive_directory_iterator(corpus)) {
@@ -78,7 +78,7 @@ bool load(const fs::path& path, platform::SamplerState& state) {
 
 TEST(RealInstruments, HaveStatesThatAreTheSameAfterBeingWrittenAndLoadedAgain) {
     if (!fs::exists(corpus)) {
-        GTEST_SKIP() << "the corpus is not here";
+        GTEST_SKIP() << "the corpus does not exist";
     }
     int compared = 0;
     for (const auto& entry : fs::recursive_directory_iterator(corpus)) {

@@ -92,7 +92,7 @@ json file_names(const json& paths) {
     return names;
 }
 
-TEST_F(CorpusPresets, ComeOutAsTheirManifestTells) {
+TEST_F(CorpusPresets, HaveTheResultsInTheManifest) {
     for (std::size_t i = 0; i < show->reports.size(); ++i) {
         const json& expected = show->expected[i];
         const json& report = show->reports[i];

@@ -140,7 +140,7 @@ TEST_F(ImportLoading, SaysWhichStatusTheLoadHad) {
     EXPECT_EQ(import_preset().error, "AUSampler couldn't load it (OSStatus 1954115647)");
 }
 
-TEST_F(ImportLoading, TellsTheTimeOfALoadThatFailed) {
+TEST_F(ImportLoading, ReportsTheTimeOfALoadThatFailed) {
     audio_toolbox().load = [](int) { return -1; };
     EXPECT_GT(import_preset().load_ms, 0.0);
 }

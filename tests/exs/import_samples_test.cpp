@@ -138,7 +138,7 @@ TEST_F(ImportSamples, ThatMovedAreTakenFromTheIndex) {
 
 TEST_F(ImportSamples, WhosePlaceCannotBeSeenAreTakenFromTheIndex) {
     sample("new/Drums/kick.wav", "kick");
-    fs::create_symlink("round", folder / "round"); // no user gets through it
+    fs::create_symlink("round", folder / "round"); // fails for every user
     SampleIndex index;
     index.add_root((folder / "new").string());
     options.index = &index;
@@ -268,7 +268,7 @@ TEST_F(ImportSamples, ThatVanishAfterTheyWereFoundEndTheImport) {
 }
 
 TEST_F(ImportSamples, AnotherImportPlacesInTheSameFolderAreLeftAlone) {
-    // The folder is new to this import, so that the copy is what meets the other's file.
+    // The folder is new to this import, so only the copy detects the other's file.
     copier().before = [&](int copy, const std::string& to) {
         if (copy == 1) {
             write_file(to, "another kick");

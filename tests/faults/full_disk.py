@@ -62,5 +62,5 @@ class FullDisk(FolderTest):
 
 if __name__ == "__main__":
     if not shutil.which("mount"):
-        raise SystemExit("mount is not here")
+        raise SystemExit("mount is not installed")
     unittest.main(verbosity=2)

@@ -101,7 +101,7 @@ class AsAFile(PageTest):
         self.assertEqual(set(os.listdir(self.folder)), before)
         self.assertIn('"b"', (self.folder / "page.html").read_text())
 
-    def test_that_cannot_be_made_is_told_before_anything_is_imported(self):
+    def test_that_cannot_be_written_is_reported_before_anything_is_imported(self):
         self.use_stand_in()
         self.make("a.exs")
         (self.folder / "folder").mkdir()

@@ -27,7 +27,7 @@ class ManualPage(unittest.TestCase):
             done = run(words)
             self.assertEqual((done.returncode, done.stderr), (0, b""), done.stdout)
 
-    def test_tells_of_every_option_and_of_no_other(self):
+    def test_describes_every_option_and_no_other(self):
         shown = subprocess.run(["man", "-l", PAGE], capture_output=True, text=True, check=True,
                                env={**os.environ, "MANWIDTH": "300", "LC_ALL": "C.UTF-8"}).stdout
         self.assertEqual(set(re.findall(r"--[a-z][a-z-]*", re.sub(r".\x08", "", shown))), OPTIONS)

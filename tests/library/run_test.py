@@ -46,7 +46,7 @@ class Finding(LibraryTest):
         self.expect(done, 0)
         self.assertEqual(done.stdout, b"no instrument found\n")
 
-    def test_tells_of_arguments_that_cannot_be_read_before_anything_is_imported(self):
+    def test_reports_unreadable_arguments_before_anything_is_imported(self):
         self.use_stand_in()
         self.make("a.exs")
         done = self.run_library("lib", "gone", "lib/b.exs", "--search", "nowhere")
@@ -68,7 +68,7 @@ lumo-import-library: nowhere: No such file or directory
         self.assertEqual(self.calls(), [])
 
     @unittest.skipUnless(os.geteuid() == 0, "only root can become another account")
-    def test_tells_of_folders_that_are_closed(self):
+    def test_reports_folders_that_cannot_be_opened(self):
         self.make("a.exs", "closed/b.exs")
         (self.library / "closed").chmod(0)
         for path in (self.folder, self.library):
@@ -229,7 +229,7 @@ class Endings(LibraryTest):
         self.assertIn("3 instruments: 2 imported, 1 failed\n2 samples, 3.0 kB copied, ",
                       self.summary(done))
 
-    def test_of_the_tool_are_told_and_the_rest_goes_on(self):
+    def test_of_the_tool_are_reported_and_the_run_continues(self):
         for act, reason in (("signal 6", f"signal 6 ({signal.strsignal(6)})"),
                             ("status 0", "status 0"), ("status 1", "status 1"),
                             ("torn", "status 0")):
@@ -248,7 +248,7 @@ class Endings(LibraryTest):
                 self.assertEqual(reports[1]["error"], f"the tool ended at it: {reason}")
                 os.remove(self.folder / "lines")
 
-    def test_of_the_real_tool_are_told_too(self):
+    def test_of_the_real_tool_are_reported_too(self):
         long = "x" * 250  # too long for a name with ".aupreset" at its end
         self.make_kit("a")
         shutil.copy(self.library / "a/a.aupreset", self.library / f"{long}.exs")

@@ -187,9 +187,9 @@ TEST(Causes, HaveTheRemediesOfTheReportLinesPage) {
         const std::string error =
             row[0].starts_with("(no line") ? "the tool ended at it: signal 6" : example(row[0]);
         // A link to another page is of no use in a terminal.
-        const std::string told = row[2].substr(0, row[2].find("; ["));
+        const std::string text = row[2].substr(0, row[2].find("; ["));
         const std::string remedy =
-            told.starts_with("as for ") ? "add the folder that has them with `--search`" : told;
+            text.starts_with("as for ") ? "add the folder that has them with `--search`" : text;
         const Cause cause = cause_of(error);
         EXPECT_EQ(cause.remedy, remedy) << error;
         EXPECT_TRUE(error.starts_with(cause.text.substr(0, cause.text.find(" (")))) << error;

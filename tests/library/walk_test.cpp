@@ -127,7 +127,7 @@ TEST_F(InstrumentWalk, SaysWhatItCouldNotRead) {
     }
 }
 
-TEST_F(InstrumentWalk, CountsAsItGoesAndEndsWhenItIsTold) {
+TEST_F(InstrumentWalk, ReportsItsProgressAndEndsOnRequest) {
     make({"lib/a/1.exs", "lib/b/2.exs", "lib/c/3.exs"});
     std::vector<std::pair<std::size_t, std::size_t>> counts;
     find_instruments({"lib"}, [&](std::size_t instruments, std::size_t folders) {
@@ -137,7 +137,7 @@ TEST_F(InstrumentWalk, CountsAsItGoesAndEndsWhenItIsTold) {
     EXPECT_EQ(counts, (std::vector<std::pair<std::size_t, std::size_t>>{{0, 0}, {1, 1}, {2, 2}}));
 }
 
-TEST_F(InstrumentWalk, TellsWhatIsWrongWithAnArgument) {
+TEST_F(InstrumentWalk, ReportsWhatIsWrongWithAnArgument) {
     make({"a.exs"});
     EXPECT_EQ(fault_of_argument("a.exs"), "");
     EXPECT_EQ(fault_of_argument("."), "");

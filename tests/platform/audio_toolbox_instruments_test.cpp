@@ -115,7 +115,7 @@ TEST_F(ExsInstruments, NeedPermissionToBeRead) {
               0);
 }
 
-TEST_F(ExsInstruments, OfMoreLayersThanAStateCanTellApartAreNotSupported) {
+TEST_F(ExsInstruments, OfMoreLayersThanAStateCanNumberAreNotSupported) {
     ExsBuilder builder;
     for (int i = 0; i <= 4096; ++i) {
         builder.group({}).zone({.group = i});

@@ -157,7 +157,7 @@ TEST_F(AudioUnitProperties, EachGetGivesADictionaryOfItsOwnThatCanBeChanged) {
 
 // --- property info ------------------------------------------------------------------------------
 
-TEST_F(AudioUnitProperties, InfoTellsSizeAndThatClassInfoCanBeSet) {
+TEST_F(AudioUnitProperties, InfoHasTheSizeAndThatClassInfoCanBeSet) {
     UInt32 size = 0;
     Boolean writable = false;
     EXPECT_EQ(AudioUnitGetPropertyInfo(unit, class_info, global, 0, &size, &writable), 0);

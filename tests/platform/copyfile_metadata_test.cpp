@@ -208,7 +208,7 @@ TEST_F(CopyFileMetadata, DoesWithoutMetadataWhereTheVolumeHasNone) {
     EXPECT_EQ(read_file(to), "bytes");
 }
 
-TEST_F(CopyFileMetadata, TellsOfAnAttributeThatWasLost) {
+TEST_F(CopyFileMetadata, ReportsAnAttributeThatWasLost) {
     if (!set_attribute(from, "user.comment", "a kick")) {
         GTEST_SKIP() << "no extended attributes in the temporary folder";
     }
@@ -216,7 +216,7 @@ TEST_F(CopyFileMetadata, TellsOfAnAttributeThatWasLost) {
     EXPECT_FALSE(fs::exists(to));
 }
 
-TEST_F(CopyFileMetadata, TellsOfAModeOrTimesThatWereLost) {
+TEST_F(CopyFileMetadata, ReportsAModeOrTimesThatWereLost) {
     chmod(from.c_str(), 0444);
     for (const int call : {SYS_fchmod, SYS_utimensat}) {
         EXPECT_EQ(in_child([&] { return refuse({{call, EIO}}) ? copy() : 255; }), EIO) << call;

@@ -221,7 +221,7 @@ TEST(Sets, HoldEqualValuesOnce) {
     EXPECT_EQ(dictionary(set).count, 2U);
 }
 
-TEST(Sets, TellContainersApartByTheirAddresses) {
+TEST(Sets, DistinguishContainersByTheirAddresses) {
     std::vector<Owned> items;
     items.push_back(make_array({}));
     items.push_back(share(items[0].get()));

@@ -335,7 +335,7 @@ TEST(ExsReader, LoopIsOnByItsOwnBitAlone) {
     EXPECT_TRUE(instrument->zones.at(1).loop_on);
 }
 
-TEST(ExsReader, MutedZoneIsTold) {
+TEST(ExsReader, MutedZoneIsRead) {
     const auto instrument = read(ExsBuilder().zone({.options = 16}).bytes());
     ASSERT_TRUE(instrument);
     EXPECT_TRUE(instrument->zones.at(0).muted);

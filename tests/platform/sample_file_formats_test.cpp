@@ -138,7 +138,7 @@ TEST_F(SampleFile, IsFoundThroughLinks) {
     EXPECT_EQ(open_sample(folder / "link.wav"), 0);
 }
 
-TEST_F(SampleFile, IsToldByItsBytesAndNotByItsName) {
+TEST_F(SampleFile, IsRecognisedByItsBytesAndNotByItsName) {
     write_audio(folder / "kick.txt", SF_FORMAT_WAV | SF_FORMAT_PCM_16);
     EXPECT_EQ(open_sample(folder / "kick.txt"), 0);
     EXPECT_EQ(open_bytes("Dear diary,"), not_audio);

@@ -16,14 +16,14 @@ class Consumer(GlassTest):
         return run([sys.executable, CONSUME, tool, self.show, self.states, self.glass,
                     *instruments])
 
-    def test_tells_of_what_was_imported(self):
+    def test_prints_what_was_imported(self):
         done = self.consume(self.glass / "Glass.aupreset")
         self.assertEqual(done.returncode, 0, done.stderr)
         self.assertEqual(done.stdout.decode(),
                          "Glass: 3 samples, 3 zones, 75102 bytes copied, "
                          f"state {self.states}/Glass.aupreset\n")
 
-    def test_tells_of_what_was_not_found(self):
+    def test_prints_what_was_not_found(self):
         gone = preset_with_samples(self.folder / "Gone.aupreset", ["/gone/a.wav", "/gone/b.wav"])
         done = self.consume(gone, self.glass / "Glass.aupreset")
         self.assertEqual(done.returncode, 1, done.stderr)
@@ -32,7 +32,7 @@ class Consumer(GlassTest):
                                      "  not found: /gone/a.wav", "  not found: /gone/b.wav"])
         self.assertTrue(lines[3].startswith("Glass: 3 samples"), lines)
 
-    def test_stands_names_that_are_not_utf8(self):
+    def test_prints_names_that_are_not_utf8(self):
         done = self.consume(os.fsdecode(b"\xff.txt"))
         self.assertEqual(done.returncode, 1, done.stderr)
         self.assertIn("not an EXS instrument", done.stdout.decode())

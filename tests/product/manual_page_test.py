@@ -30,17 +30,17 @@ class ManualPage(unittest.TestCase):
         done = run(["mandoc", "-T", "lint", "-W", "warning", PAGE])
         self.assertEqual((done.returncode, done.stdout, done.stderr), (0, b"", b""))
 
-    def test_tells_of_every_option_and_of_no_other(self):
+    def test_describes_every_option_and_no_other(self):
         usage = run([TOOL]).stderr.decode()
         self.assertEqual(set(re.findall(r"--[a-z]+", shown())),
                          set(re.findall(r"--[a-z]+", usage)))
 
-    def test_tells_of_every_key_in_order(self):
+    def test_lists_every_key_in_order(self):
         schema = json.loads((PROJECT / "docs/report-line.schema.json").read_text(encoding="utf-8"))
         output = " ".join(shown().split("OUTPUT")[1].split("FILES")[0].split())
         self.assertIn(", ".join(schema["required"][:-1]) + " and shape,", output)
 
-    def test_tells_the_version_of_the_project(self):
+    def test_has_the_version_of_the_project(self):
         project = (PROJECT / "CMakeLists.txt").read_text(encoding="utf-8")
         version = re.search(r"VERSION ([0-9.]+) LANGUAGES", project).group(1)
         self.assertIn(f"lumo-exs-import {version}", shown())

@@ -31,7 +31,7 @@ std::map<std::string, std::pair<std::string, fs::file_time_type>> contents(const
     return files;
 }
 
-TEST_F(Imports, TellEverythingAboutAnInstrument) {
+TEST_F(Imports, ReportEverythingAboutAnInstrument) {
     const std::string kick = make_sound("sounds/Kit/kick.wav", 10);
     const std::string snare = make_sound("sounds/Kit/snare.wav", 20);
     const std::string preset = make_preset("in/My Kit.aupreset", {kick, snare});

@@ -53,7 +53,7 @@ TEST_F(Output, OfAnInstrumentIsThereBeforeTheNextOneIsRead) {
     EXPECT_EQ(tool.wait(), 0);
 }
 
-TEST_F(Output, ThatNobodyReadsEndsTheRunByItsSignal) {
+TEST_F(Output, WithoutAReaderEndsTheRunBySigpipe) {
     Pipe out;
     out.close_reading_end(); // before the tool can write its first line
     const std::string kick = make_sound("Kit/kick.wav");

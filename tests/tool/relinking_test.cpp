@@ -68,7 +68,7 @@ TEST_F(Relinking, FindsSamplesBesideAnInstrumentNamedWithoutAFolder) {
     EXPECT_TRUE(fs::exists(folder / "P.lumo/samples/kick.wav"));
 }
 
-TEST_F(Relinking, TellsASampleOnceThatSeveralReferencesName) {
+TEST_F(Relinking, ListsASampleOnceThatSeveralReferencesName) {
     make_sound("in/kick.wav");
     const json report = import(make_preset("in/Kit.aupreset", {"/old/kick.wav", "/old/kick.wav"}));
     EXPECT_EQ(report["relinked"], json::array({redirection("/old/kick.wav", "in/kick.wav")}));

@@ -40,7 +40,7 @@ std::string value_after(const Report& report, const std::string& key, const std:
     return line.substr(begin, line.find(",\"" + next + "\":") - begin);
 }
 
-TEST(ReportLine, OfAnImportTellsEverything) {
+TEST(ReportLine, OfAnImportHasAllValues) {
     EXPECT_EQ(report_line(full_report()),
               R"({"name":"Strings","source":"in/Strings.exs","ok":true,"error":"",)"
               R"("relinked":[{"from":"/old/C3.wav","to":"/new/C3.wav"}],"unresolved":[],)"
@@ -78,7 +78,7 @@ TEST(ReportLine, SeparatesRedirectionsByCommas) {
               R"([{"from":"/a","to":"/b"},{"from":"/c","to":"/d"}])");
 }
 
-TEST(ReportLine, TellsEachLayer) {
+TEST(ReportLine, ListsEachLayer) {
     Report report;
     Shape::Layer layer;
     layer.name = "Soft \"pp\"";

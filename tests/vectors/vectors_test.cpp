@@ -16,7 +16,7 @@ TEST(Vectors, TextIsUtf8) {
     EXPECT_EQ(bytes_of(R"({"text":"a\n\u00e9"})"), "a\n\xC3\xA9");
 }
 
-TEST(Vectors, MayStandBetweenTheUsualTags) {
+TEST(Vectors, MayOmitTheOuterTags) {
     const std::string bytes = bytes_of(R"({"in_plist":"<true/>"})");
     EXPECT_TRUE(bytes.starts_with("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE"));
     EXPECT_TRUE(bytes.ends_with("<plist version=\"1.0\">\n<true/>\n</plist>\n"));
@@ -37,7 +37,7 @@ TEST(Vectors, RulesRepeatAndCount) {
     EXPECT_EQ(bytes_of(R"({"rule":[{"from":8,"step":3,"width":1,"times":3}]})"), "\x08\x0B\x0E");
 }
 
-TEST(Vectors, ThatAreNotThereAreNoSilentSuccess) {
+TEST(Vectors, WithoutAFileThrow) {
     EXPECT_THROW(read_vectors("none.json"), std::runtime_error);
 }
 

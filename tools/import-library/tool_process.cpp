@@ -94,9 +94,9 @@ void LineReader::read_lines(const std::function<void(std::string_view line)>& ta
 }
 
 std::size_t room_for_arguments() {
-    const long told = sysconf(_SC_ARG_MAX);
+    const long limit = sysconf(_SC_ARG_MAX);
     std::size_t room =
-        told > 0 ? std::min(static_cast<std::size_t>(told), usual_limit) : usual_limit;
+        limit > 0 ? std::min(static_cast<std::size_t>(limit), usual_limit) : usual_limit;
     std::size_t taken = spare_room;
     for (char** entry = environ; *entry; ++entry) {
         taken += size_as_argument(*entry);

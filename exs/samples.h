@@ -27,8 +27,8 @@ using SampleFiles = std::map<std::string, SampleFile>;
 std::optional<SampleFiles> find_samples(const References& references, const SampleIndex* index,
                                         Report& report);
 
-/// Places every sample in the package's "samples" folder, in a folder with the name of its own, and
-/// counts the copied bytes in `report`. An existing file with the same name and size is used
+/// Places every sample in the package's "samples" folder, in a folder named like its current one,
+/// and counts the copied bytes in `report`. An existing file with the same name and size is used
 /// instead of a copy; if the size differs, the sample gets a number. Returns the samples' new
 /// paths, relative to the package. Throws std::filesystem::filesystem_error.
 References place_samples(const SampleFiles& samples, const std::string& package, Report& report);

@@ -1,6 +1,6 @@
 // Uses std::from_chars where the C++ library has it for double, since it is fast; libc++ 19 lacks
-// it, and it does not tell infinity from zero for a decimal out of range. There strtod_l is used.
-// Both round to nearest, ties to even.
+// it, and it does not distinguish infinity from zero for a decimal out of range. There strtod_l is
+// used. Both round to nearest, ties to even.
 #include "property_list/decimal.h"
 
 #include <locale.h>

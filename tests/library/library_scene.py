@@ -14,14 +14,14 @@ from lumo_testing import (HANG_SECONDS, FolderTest, built_program, import_comman
 
 TOOL = built_program("LUMO_TOOL")
 LIBRARY = built_program("LUMO_LIBRARY")
-# What runs these programs where they are built for another system.
+# The program that runs these programs if they were built for another system.
 EMULATOR = list(filter(None, [os.environ.get("LUMO_EMULATOR")]))
 
 # The fake tool, written beside a copy of the program. plan.json has an action for each instrument,
 # by its name without extension; the words of each call are appended to calls.jsonl.
 STAND_IN = '''#!%(python)s
 import json, os, pathlib, signal, subprocess, sys, time
-signal.signal(signal.SIGINT, signal.SIG_DFL)  # ends in silence, as the tool does
+signal.signal(signal.SIGINT, signal.SIG_DFL)  # ends without a message, like the tool
 here = pathlib.Path(__file__).parent
 plan = json.loads((here / "plan.json").read_text())
 (here / "pid").write_text(str(os.getpid()))

@@ -68,7 +68,7 @@ def failures(folder):
     another = {"Instrument": {"Layers": one}, **CLASS_INFO, "subtype": 0}
     scope = {"Instrument": {"Layers": one}, **CLASS_INFO, "data": struct.pack(">3I", 99, 0, 0)}
     many = layer(0, "", [(60, 60, 1, 127)])
-    many["Zones"] *= 2100  # one zone, and below one layer, which the file holds once each
+    many["Zones"] *= 2100  # the file contains the zone and the layer only once
 
     def closed(path):
         write_exs(path, [good])

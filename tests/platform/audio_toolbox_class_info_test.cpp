@@ -1,4 +1,4 @@
-// Class info: what is accepted, what is refused, and what is read back.
+// Class info: accepted and refused values, and the values read back.
 #include "sampler_host.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The objects behind CoreFoundation's types, as the property list readers make them.
+// The objects of CoreFoundation's types, created as by the property list readers.
 #include "core_foundation/objects.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Runs part of a test in a process of its own, so that changes to the process (limits, user,
-// refused system calls, mounts) end with it.
+// Runs part of a test in a child process, so that changes to the process (limits, user, refused
+// system calls, mounts) end with it.
 #pragma once
 
 #include <functional>

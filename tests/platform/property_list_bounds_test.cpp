@@ -41,7 +41,7 @@ BinaryList overlapping_arrays(std::size_t count) {
     return list;
 }
 
-/// `levels` arrays, each of which holds the next one twice.
+/// `levels` arrays, each of which contains the next one twice.
 BinaryList doubling(std::size_t levels) {
     BinaryList list;
     for (std::size_t i = 1; i <= levels; ++i) {
@@ -72,8 +72,8 @@ TEST(PropertyListBounds, SharingIsNotWrittenOut) {
 }
 
 TEST(PropertyListBounds, SharedPartsCountForTheDepthToo) {
-    // Each array holds all deeper ones, the deepest first, so that each has already been read when
-    // it is referred to again.
+    // Each array contains all deeper ones, the deepest first, so that each has already been read
+    // when it is referred to again.
     BinaryList list;
     for (std::size_t i = 0; i < 200; ++i) {
         std::string array = "\xAF\x10" + big_endian(199 - i, 1);

@@ -174,7 +174,7 @@ TEST_F(Redirect, LeavesTheFirstErrorWhenTheSessionsFileIsAbsentByThen) {
 }
 
 TEST_F(Redirect, GivesAFailureOfTheSecondCallThatLeavesErrnoAlone) {
-    errno = 0; // pathconf fails so where there is no limit
+    errno = 0; // as pathconf without a limit
     const int result = redirect("/old/kick.wav", [&](const char* p) {
         if (!is_there(p)) {
             errno = ENOENT;

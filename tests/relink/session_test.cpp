@@ -1,4 +1,4 @@
-// What a session records and returns, observed through the C library and the standard library.
+// The records and answers of a session, observed through the C library and the standard library.
 #include "support/temp_folder.h"
 #include <lumo/relink.h>
 

@@ -1,4 +1,4 @@
-// What the tests of the shims share on all systems. Each system's source lists its shims.
+// Shared by the tests of the shims on all systems. Each system's source lists its shims.
 #pragma once
 
 #undef _FORTIFY_SOURCE // it would replace the functions that the tests name by others

@@ -205,7 +205,8 @@ TEST(Walk, FindsItsWayWherePathsAreAboutAsLongAsTheSystemTakes) {
     const TempFolder folder;
     const std::size_t top = folder.path().string().size() + 1;
     for (std::size_t length = PATH_MAX - 3; length <= PATH_MAX + 3; ++length) {
-        // Folders with names of 100 bytes, then one up to whose slash the path has `length` bytes.
+        // Folders with names of 100 bytes, then one that makes the path `length` bytes long,
+        // including the slash.
         const std::size_t count = (length - top) / 101 - 1;
         const std::string last(length - top - count * 101 - 1, 'l');
         const TempFolder tree;

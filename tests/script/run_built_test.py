@@ -1,15 +1,14 @@
 #!/usr/bin/env python3
-"""script/import and script/import-library, with a script/setup and a cmake that only say what they
-are asked for: when a program is built, and how it is run."""
+"""script/import and script/import-library, tested with a script/setup and a cmake that only log
+their arguments: when a program is built, and how it is run."""
 
 import os
 import shutil
-import subprocess
-import tempfile
 import unittest
-from pathlib import Path
 
-SCRIPTS = Path(__file__).resolve().parents[2] / "script"
+from lumo_testing import PROJECT, FolderTest, run
+
+SCRIPTS = PROJECT / "script"
 SETUP = """#!/bin/sh
 echo "setup $*" >>"$LOG"
 echo on standard output
@@ -29,11 +28,9 @@ PROGRAMS = {"import": ("lumo-exs-import", "tool", "build"),
             "import-library": ("lumo-import-library", "release", "library")}
 
 
-class RunBuilt(unittest.TestCase):
+class RunBuilt(FolderTest):
     def setUp(self):
-        temporary = tempfile.TemporaryDirectory()
-        self.addCleanup(temporary.cleanup)
-        self.folder = Path(temporary.name).resolve()
+        super().setUp()
         self.project = self.folder / "project"
         for name in ("base", "cmake", "exs", "library", "packaging", "platform", "relink",
                      "tools/exs-import", "tools/import-library", "bin"):
@@ -48,13 +45,12 @@ class RunBuilt(unittest.TestCase):
             (self.project / path).chmod(0o755)
 
     def run_script(self, script, *words, fail=""):
-        """Runs a script in another folder; what it did, and what it asked for."""
+        """Runs a script in another folder; returns its result and the logged calls."""
         log = self.folder / "log"
         log.write_text("")
-        done = subprocess.run([self.project / "script" / script, *words], cwd=self.folder,
-                              capture_output=True, text=True, check=False,
-                              env={"PATH": f"{self.project}/bin:{os.environ['PATH']}",
-                                   "LOG": str(log), "FAIL": fail})
+        done = run([self.project / "script" / script, *words], cwd=self.folder, text=True,
+                   env={"PATH": f"{self.project}/bin:{os.environ['PATH']}", "LOG": str(log),
+                        "FAIL": fail})
         return done, log.read_text().splitlines()
 
     def test_builds_what_is_missing_and_runs_it_where_it_is_called(self):
@@ -78,7 +74,7 @@ class RunBuilt(unittest.TestCase):
             self.run_script(script)
         stamp = (self.project / "build/import-library.stamp").stat().st_mtime
         os.utime(self.project / "tools/import-library/page.js", (stamp + 10, stamp + 10))
-        self.assertEqual(self.run_script("import")[1], [])  # which needs nothing of the other
+        self.assertEqual(self.run_script("import")[1], [])  # not built again
         self.assertEqual(len(self.run_script("import-library")[1]), 3)
 
     def test_says_why_it_could_not_be_built(self):
@@ -88,7 +84,7 @@ class RunBuilt(unittest.TestCase):
             self.assertIn(f"building {program}", done.stderr)
             self.assertIn("it went wrong\n", done.stderr)
             self.assertTrue(done.stderr.endswith(
-                f"could not be built; the whole log: {self.project}/build/{script}.log\n"))
+                f"the build failed; the whole log: {self.project}/build/{script}.log\n"))
 
 
 if __name__ == "__main__":

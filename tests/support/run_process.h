@@ -7,7 +7,7 @@
 
 namespace lumo::test {
 
-/// How a program ended and what it wrote.
+/// The exit status and the output of a program.
 struct ProcessResult {
     int status = -1; ///< exit status, or minus the number of the signal that ended it
     std::string out; ///< standard output

@@ -122,7 +122,7 @@ void StatusLine::write_all(const std::string& bytes) const {
     while (!rest.empty()) {
         const ssize_t written = write(descriptor_, rest.data(), rest.size());
         if (written < 0 && errno != EINTR) {
-            return; // there is nothing to say it to
+            return; // nowhere to report the error
         }
         rest.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
     }

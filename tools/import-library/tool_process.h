@@ -23,8 +23,8 @@ public:
 
     /// The descriptor, borrowed; -1 when the pipe has ended.
     int descriptor() const { return descriptor_.get(); }
-    /// Reads what is there, once, and calls `take` with each line that is whole, without its end.
-    /// What comes after the last line end is kept for the next time.
+    /// Makes one read and calls `take` with each complete line, without its line end. An incomplete
+    /// line is kept for the next call.
     void read_lines(const std::function<void(std::string_view line)>& take);
     /// What came after the last line end.
     const std::string& rest() const { return lines_.rest(); }

@@ -50,7 +50,7 @@ private:
             ToolProcess tool(words);
             read(tool, end);
             const std::string reason = tool.wait();
-            // Ctrl-C goes to both processes; the tool may be gone before this one has seen it.
+            // Both processes receive Ctrl-C; the tool may end before this process has handled it.
             is_stopped_ = !listener_.may_go_on() || is_stopped_;
             return is_stopped_ || next_ == end || go_on_after(reason);
         } catch (const std::system_error& error) {

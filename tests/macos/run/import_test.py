@@ -100,7 +100,7 @@ class Library(ImportTest):
     """lumo-import-library, which starts the tool beside it."""
 
     def run_library(self, words, place):
-        """What a run in that folder wrote, without times."""
+        """The output and files of a run in that folder, without times."""
         *emulator, program = words
         arguments = ["--page", "page.html", "--lines", "lines", "glass", "broken"]
         command = import_command(program, "Show.lumo", arguments, "Show.lumo/states", ["glass"])

@@ -20,7 +20,7 @@ SHIMS, REDIRECT = "interpose_macos.cpp", "redirect.h"
 
 class Mutants(unittest.TestCase):
     def setUp(self):
-        # The same folder in each run, so that a compiler cache knows the compilations again.
+        # The same folder in each run, so that a compiler cache is effective.
         self.folder = Path(BUILD) / "mutants" / self.id().split(".")[-1]
         self.folder.mkdir(parents=True, exist_ok=True)
         for name in (SHIMS, REDIRECT):

@@ -1,5 +1,5 @@
-// A C program for a Mac, on signals, the ends of processes, and terminals, whose numbers and
-// structures differ between the systems. Prints what it finds, for programs_test.py.
+// A C program for a Mac. It tests signals, exit statuses and terminals, which have different
+// numbers and structures on the two systems, and prints the results for programs_test.py.
 #include <locale.h>
 #include <mach-o/dyld.h>
 #include <signal.h>
@@ -19,7 +19,7 @@ static void remember(int number) {
     caught = number;
 }
 
-// A child that ends by the signal: what its parent is told.
+// Prints the status of a child that a signal ends.
 static void end_by(int number) {
     const pid_t child = fork();
     if (child == 0) {
@@ -31,7 +31,7 @@ static void end_by(int number) {
     printf("child: %d, by signal %d\n", ended == child, WIFSIGNALED(status) ? WTERMSIG(status) : 0);
 }
 
-// A child that stops and goes on, and one that ends by itself.
+// Prints the statuses of a child that stops and continues, and of one that exits.
 static void stop_and_go_on(void) {
     const pid_t child = fork();
     if (child == 0) {

@@ -1,4 +1,4 @@
-// Signals: their numbers, what a program does about them, and their texts.
+// Signals: numbers, handlers and texts.
 #include "system/flags.h"
 #include "system/system.h"
 
@@ -15,16 +15,16 @@ namespace {
 
 constexpr int count = 32; // one more than the highest number of a Mac
 
-// The numbers that differ. This system's, the Mac's.
+// The numbers that differ: this system's, the Mac's.
 constexpr int differing[][2] = {{SIGBUS, 10},  {SIGUSR1, 30}, {SIGUSR2, 31}, {SIGCHLD, 20},
                                 {SIGCONT, 19}, {SIGSTOP, 17}, {SIGTSTP, 18}, {SIGURG, 16},
                                 {SIGIO, 23},   {SIGSYS, 12}};
-// Those that are the same.
+// The numbers that are equal.
 constexpr int common[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGILL,   SIGTRAP,  SIGABRT, SIGFPE,
                           SIGKILL, SIGSEGV, SIGPIPE, SIGALRM,  SIGTERM,  SIGTTIN, SIGTTOU,
                           SIGXCPU, SIGXFSZ, SIGPROF, SIGWINCH, SIGVTALRM};
 
-/// The number in column `to` of the table for one in column `from`.
+/// Translates a number from column `from` of the table to column `to`.
 int translate_number(int number, int from, int to) {
     for (const auto& pair : differing) {
         if (pair[from] == number) {
@@ -85,7 +85,8 @@ struct sigaction action_here(const MacAction& mac) {
     return here;
 }
 
-/// What was in force, whose handler for signal `number` was `handler` if it was a function.
+/// The Mac's structure for a previous action `here`; `handler` is the program's function if it had
+/// one.
 MacAction mac_action(const struct sigaction& here, Handler* handler) {
     MacAction mac{here.sa_handler == call_handler ? handler : here.sa_handler, 0, 0};
     for (const FlagPair& pair : action_flags) {

@@ -3,7 +3,8 @@
 #include "base/ref.h"
 #include "coverage.h"
 #include "paired_time.h"
-#include "state_text.h"
+#include "support/plist_io.h"
+#include "support/preset_text.h"
 #include <lumo/exs.h>
 
 #include <plist/plist.h>
@@ -18,6 +19,7 @@
 namespace {
 
 using namespace lumo::exs;
+using namespace lumo::test;
 using lumo::adopt;
 using lumo::Ref;
 
@@ -70,19 +72,6 @@ void compare_counting(std::size_t count, const char* goal, int rounds) {
         [&] { lumo::bench::keep(count_bit_by_bit(layers)); });
 }
 
-Ref<CFPropertyListRef> read_list(const std::string& bytes) {
-    const auto data =
-        adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                           static_cast<CFIndex>(bytes.size())));
-    return adopt(
-        CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(), 0, nullptr, nullptr));
-}
-
-Ref<CFDataRef> binary_form(const Ref<CFPropertyListRef>& list) {
-    return adopt(CFPropertyListCreateData(kCFAllocatorDefault, list.get(),
-                                          kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
-}
-
 void compare_describing(const char* form, int zones, const Ref<CFPropertyListRef>& state,
                         const Ref<CFDataRef>& binary, int rounds) {
     const auto* bytes = reinterpret_cast<const char*>(CFDataGetBytePtr(binary.get()));
@@ -100,10 +89,9 @@ void compare_describing(const char* form, int zones, const Ref<CFPropertyListRef
 }
 
 void compare_describing(int zones, int rounds) {
-    const Ref<CFPropertyListRef> from_xml = read_list(lumo::bench::state_text(zones));
-    const Ref<CFDataRef> binary = binary_form(from_xml);
-    const auto from_binary =
-        adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, binary.get(), 0, nullptr, nullptr));
+    const Ref<CFPropertyListRef> from_xml = list_of(large_state_text(zones));
+    const Ref<CFDataRef> binary = binary_form(from_xml.get());
+    const Ref<CFPropertyListRef> from_binary = list_of(binary.get());
     compare_describing("XML", zones, from_xml, binary, rounds);
     compare_describing("binary", zones, from_binary, binary, rounds);
 }

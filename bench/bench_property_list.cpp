@@ -1,9 +1,9 @@
 // Reading and writing a large state: XML compared with expat, which only tokenises it, and the
 // binary form compared with libplist. The measured time includes releasing the objects on both
 // sides.
-#include "base/ref.h"
 #include "paired_time.h"
-#include "state_text.h"
+#include "support/plist_io.h"
+#include "support/preset_text.h"
 
 #include <expat.h>
 #include <plist/plist.h>
@@ -18,23 +18,9 @@
 
 namespace {
 
-using lumo::adopt;
 using lumo::Ref;
-
-Ref<CFDataRef> data_of(const std::string& bytes) {
-    return adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
-                              static_cast<CFIndex>(bytes.size())));
-}
-
-Ref<CFPropertyListRef> read_list(const Ref<CFDataRef>& data) {
-    return adopt(CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable,
-                                              nullptr, nullptr));
-}
-
-Ref<CFDataRef> write_list(const Ref<CFPropertyListRef>& list) {
-    return adopt(CFPropertyListCreateData(nullptr, list.get(), kCFPropertyListBinaryFormat_v1_0, 0,
-                                          nullptr));
-}
+using lumo::test::binary_form;
+using lumo::test::list_of;
 
 void tokenise(const std::string& text) {
     XML_Parser parser = XML_ParserCreate(nullptr);
@@ -71,26 +57,26 @@ void compare_size(const char* name, std::size_t ours, std::size_t reference) {
 int main(int count, char** arguments) {
     const bool small = count > 1 && std::string(arguments[1]) == "--small";
     const int rounds = small ? 3 : 15;
-    const std::string text = lumo::bench::state_text(small ? 100 : 2000);
-    const auto xml = data_of(text);
-    const auto from_xml = read_list(xml);
-    const auto binary = write_list(from_xml);
-    const auto from_binary = read_list(binary);
+    const std::string text = lumo::test::large_state_text(small ? 100 : 2000);
+    const auto xml = lumo::test::data_of(text);
+    const auto from_xml = list_of(xml.get());
+    const auto binary = binary_form(from_xml.get());
+    const auto from_binary = list_of(binary.get());
     const auto with_libplist = read_with_libplist(binary);
     std::printf("# a state of %zu bytes in XML\n", text.size());
 
     lumo::bench::compare(
-        "read an XML state, against expat tokenising it", "1.0", rounds, [&] { read_list(xml); },
-        [&] { tokenise(text); });
+        "read an XML state, against expat tokenising it", "1.0", rounds,
+        [&] { list_of(xml.get()); }, [&] { tokenise(text); });
     lumo::bench::compare(
-        "read a binary state, against libplist", "0.3", rounds, [&] { read_list(binary); },
+        "read a binary state, against libplist", "0.3", rounds, [&] { list_of(binary.get()); },
         [&] { read_with_libplist(binary); });
     lumo::bench::compare(
         "write a state read from XML, against libplist", "0.3", rounds,
-        [&] { write_list(from_xml); }, [&] { write_with_libplist(with_libplist); });
+        [&] { binary_form(from_xml.get()); }, [&] { write_with_libplist(with_libplist); });
     lumo::bench::compare(
         "write a state read from binary, against libplist", "0.3", rounds,
-        [&] { write_list(from_binary); }, [&] { write_with_libplist(with_libplist); });
+        [&] { binary_form(from_binary.get()); }, [&] { write_with_libplist(with_libplist); });
     compare_size("bytes of the binary state, against libplist",
                  static_cast<std::size_t>(CFDataGetLength(binary.get())),
                  write_with_libplist(with_libplist));

@@ -37,7 +37,7 @@ void look_at_top(CFTypeRef root) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (const auto list = read_list(data, size)) {
+    if (const auto list = list_of(text_of(data, size))) {
         look_at_top(list.get());
     }
     return 0;

@@ -2,33 +2,20 @@
 // so must the bytes when it is written again.
 #include "plist_input.h"
 
-#include <cstring>
-
-namespace {
-
-bool same_bytes(CFDataRef a, CFDataRef b) {
-    const CFIndex size = CFDataGetLength(a);
-    return size == CFDataGetLength(b) && std::memcmp(CFDataGetBytePtr(a), CFDataGetBytePtr(b),
-                                                     static_cast<std::size_t>(size)) == 0;
-}
-
-} // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     CFPropertyListFormat format{};
-    const auto list = read_list(data, size, &format);
+    const auto list = list_of(text_of(data, size), &format);
     if (!list) {
         return 0;
     }
-    const auto written = write_list(list.get());
+    const auto written = binary_form(list.get());
     if (!written) {
         return 0;
     }
-    const auto again = read_list(CFDataGetBytePtr(written.get()),
-                                 static_cast<std::size_t>(CFDataGetLength(written.get())));
+    const auto again = list_of(written.get());
     require(static_cast<bool>(again));
     require(format != kCFPropertyListXMLFormat_v1_0 || CFEqual(list.get(), again.get()));
-    const auto rewritten = write_list(again.get());
-    require(rewritten && same_bytes(written.get(), rewritten.get()));
+    const auto rewritten = binary_form(again.get());
+    require(rewritten && bytes_of(written.get()) == bytes_of(rewritten.get()));
     return 0;
 }

@@ -8,9 +8,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return -1; // covered by fuzz_plist_binary
     }
     CFPropertyListFormat format{};
-    if (const auto list = read_list(data, size, &format)) {
+    if (const auto list = list_of(text_of(data, size), &format)) {
         require(format == kCFPropertyListXMLFormat_v1_0);
-        require(static_cast<bool>(write_list(list.get())));
+        require(static_cast<bool>(binary_form(list.get())));
     }
     return 0;
 }

@@ -1,24 +1,20 @@
 // Shared by the fuzz targets of property lists.
 #pragma once
 
-#include "base/ref.h"
+#include "tests/support/plist_io.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <string_view>
 
-/// The property list in these bytes; null when there is none.
-inline lumo::Ref<CFPropertyListRef> read_list(const std::uint8_t* bytes, std::size_t size,
-                                              CFPropertyListFormat* format = nullptr) {
-    const auto data = lumo::adopt(CFDataCreate(nullptr, bytes, static_cast<CFIndex>(size)));
-    return lumo::adopt(CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable,
-                                                    format, nullptr));
-}
+using lumo::test::binary_form;
+using lumo::test::bytes_of;
+using lumo::test::list_of;
 
-/// The binary form of a property list; null when it cannot be written.
-inline lumo::Ref<CFDataRef> write_list(CFPropertyListRef list) {
-    return lumo::adopt(
-        CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+/// An input as text.
+inline std::string_view text_of(const std::uint8_t* bytes, std::size_t size) {
+    return {reinterpret_cast<const char*>(bytes), size};
 }
 
 /// Stops the fuzzer when `holds` is false.

@@ -1,8 +1,8 @@
 // Compares the states of real instruments that the tool imported with those that the real sampler
 // saved after loading them.
-#include "base/ref.h"
 #include "corpus/corpus_folder.h"
 #include "support/import_run.h"
+#include "support/plist_io.h"
 #include "support/state_paths.h"
 #include "support/temp_folder.h"
 
@@ -32,12 +32,7 @@ StatePaths comparable(const StatePaths& state) {
 
 /// The state in a file. Empty, and the test fails, when the file is not a property list.
 StatePaths state_in(const std::filesystem::path& path) {
-    const std::string bytes = read_file(path);
-    const auto data =
-        adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                           static_cast<CFIndex>(bytes.size())));
-    const auto list = adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, data.get(), kCFPropertyListImmutable, nullptr, nullptr));
+    const auto list = list_in(path);
     if (!list) {
         ADD_FAILURE() << path;
         return {};

@@ -17,16 +17,6 @@ namespace fs = std::filesystem;
 namespace lumo::test {
 namespace {
 
-/// The property list in a file; null when there is none.
-Ref<CFPropertyListRef> read_preset(const fs::path& path) {
-    const std::string bytes = read_file(path);
-    const auto data =
-        adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                           static_cast<CFIndex>(bytes.size())));
-    return adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
-                                              kCFPropertyListImmutable, nullptr, nullptr));
-}
-
 /// The state without its samples, whose paths are valid on other machines only, and without an
 /// entry that hosts add.
 Ref<CFMutableDictionaryRef> without_samples(CFPropertyListRef preset) {
@@ -55,7 +45,7 @@ TEST(RealPresets, ReadBackAsTheyWereSaved) {
         if (entry.path().extension() != ".aupreset") {
             continue;
         }
-        if (const auto preset = read_preset(entry.path())) {
+        if (const auto preset = list_in(entry.path())) {
             const auto state = without_samples(preset.get());
             const Sampler sampler;
             EXPECT_EQ(sampler.set(state.get()), 0) << entry.path();
@@ -71,8 +61,7 @@ bool load(const fs::path& path, platform::SamplerState& state) {
     if (path.extension() == ".exs") {
         return platform::load_exs(path, state.loaded) == 0;
     }
-    const auto preset =
-        path.extension() == ".aupreset" ? read_preset(path) : Ref<CFPropertyListRef>();
+    const auto preset = path.extension() == ".aupreset" ? list_in(path) : Ref<CFPropertyListRef>();
     return preset && platform::read_class_info(preset.get(), state) == 0;
 }
 

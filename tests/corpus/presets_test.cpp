@@ -66,12 +66,6 @@ protected:
 
 CorpusPresets::Show* CorpusPresets::show = nullptr;
 
-Value read_list(const fs::path& path) {
-    const Value bytes = data(read_file(path));
-    return adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, static_cast<CFDataRef>(bytes.get()), 0, nullptr, nullptr));
-}
-
 json totals(const json& shape) {
     int looped_zones = 0;
     for (const json& layer : shape["layers"]) {
@@ -120,11 +114,11 @@ TEST_F(CorpusPresets, GiveStatesWhoseReferencesLieInTheShow) {
         }
         const std::string path = report["stateFile"];
         EXPECT_EQ(read_file(path).substr(0, 8), "bplist00");
-        const Value state = read_list(path);
+        const Value state = list_in(path);
         ASSERT_TRUE(state) << path;
         EXPECT_TRUE(
             CFEqual(entry(state, "Instrument").get(),
-                    entry(read_list(report["source"].get<std::string>()), "Instrument").get()))
+                    entry(list_in(report["source"].get<std::string>()), "Instrument").get()))
             << path;
     }
 }

@@ -23,12 +23,6 @@ protected:
     }
 };
 
-Value read_list(const fs::path& path) {
-    const Value bytes = data(read_file(path));
-    return adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, static_cast<CFDataRef>(bytes.get()), 0, nullptr, nullptr));
-}
-
 TEST_F(ImportState, RefersIntoTheShowAndIsOtherwiseTheSamplers) {
     write_file(folder / "Kit/kick.wav", "kick");
     audio_toolbox().state =
@@ -42,7 +36,7 @@ TEST_F(ImportState, RefersIntoTheShowAndIsOtherwiseTheSamplers) {
                     {"gain", real(-1.5)},
                     {"file-references", dictionary({{"Sample:1", text("samples/Kit/kick.wav")}})}});
     EXPECT_EQ(report.state_file, state_path("Kit.aupreset"));
-    EXPECT_TRUE(CFEqual(read_list(report.state_file).get(), expected.get()));
+    EXPECT_TRUE(CFEqual(list_in(report.state_file).get(), expected.get()));
 }
 
 TEST_F(ImportState, IsCheckedWithReferencesThroughThePackage) {

@@ -22,8 +22,7 @@ Value boolean(bool value) {
 }
 
 Value data(const std::string& bytes) {
-    return adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(bytes.data()),
-                              static_cast<CFIndex>(bytes.size())));
+    return data_of(bytes);
 }
 
 Value array(const std::vector<Value>& values) {

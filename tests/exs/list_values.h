@@ -1,7 +1,7 @@
 // Property lists as expressions: dictionary({{"Layers", array({...})}, {"gain", real(0)}}).
 #pragma once
 
-#include "base/ref.h"
+#include "support/plist_io.h"
 
 #include <string>
 #include <utility>

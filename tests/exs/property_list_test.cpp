@@ -55,9 +55,7 @@ TEST(WritePlist, WritesWhatReadsBackEqual) {
                                    {"b", text("\xc3\xa9")},
                                    {"c", data("bytes")}});
     ASSERT_TRUE(write_plist(list.get(), folder / "state"));
-    const Value bytes = data(read_file(folder / "state"));
-    const Value read = adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, static_cast<CFDataRef>(bytes.get()), 0, nullptr, nullptr));
+    const Value read = list_in(folder / "state");
     ASSERT_TRUE(read);
     EXPECT_TRUE(CFEqual(read.get(), list.get()));
 }

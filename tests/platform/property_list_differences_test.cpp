@@ -38,7 +38,7 @@ TEST(PropertyListDifferences, OpenStepTextIsRefused) {
 }
 
 TEST(PropertyListDifferences, MutableListsAreNotOffered) {
-    const auto data = adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>("<true/>"), 7));
+    const auto data = data_of("<true/>");
     EXPECT_EQ(CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListMutableContainers,
                                            nullptr, nullptr),
               nullptr);

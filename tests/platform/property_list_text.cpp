@@ -42,11 +42,6 @@ std::string quoted(const Json& units) {
     return text + '"';
 }
 
-std::string bytes_of(CFDataRef data) {
-    const auto* bytes = reinterpret_cast<const char*>(CFDataGetBytePtr(data));
-    return {bytes, static_cast<std::size_t>(CFDataGetLength(data))};
-}
-
 /// A whole number is identified by its binary form, since numbers of 128 bits have no public
 /// accessor.
 std::string integer_text(CFNumberRef number) {
@@ -158,13 +153,6 @@ std::string dictionary_text(const Json& entries) {
     return sorted(std::move(parts), "{", "}");
 }
 
-Ref<CFPropertyListRef> read(std::string_view bytes, CFPropertyListFormat* format) {
-    const auto data = adopt(CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(bytes.data()),
-                                         static_cast<CFIndex>(bytes.size())));
-    return adopt(CFPropertyListCreateWithData(nullptr, data.get(), kCFPropertyListImmutable, format,
-                                              nullptr));
-}
-
 } // namespace
 
 std::string described(CFTypeRef list) {
@@ -179,7 +167,7 @@ std::string described(CFTypeRef list) {
         return CFBooleanGetValue(cast<CFBooleanRef>(list)) ? "true" : "false";
     }
     if (type == CFDataGetTypeID()) {
-        return "<" + to_hex(bytes_of(cast<CFDataRef>(list))) + ">";
+        return "<" + to_hex(std::string(bytes_of(cast<CFDataRef>(list)))) + ">";
     }
     if (type == CFDateGetTypeID()) {
         return "date " + real_text(CFDateGetAbsoluteTime(cast<CFDateRef>(list)));
@@ -225,13 +213,13 @@ std::string described(const Json& record) {
 }
 
 std::string read_and_describe(std::string_view bytes) {
-    const auto list = read(bytes, nullptr);
+    const auto list = list_of(bytes);
     return list ? described(list.get()) : refused;
 }
 
 std::string read_with_format(std::string_view bytes) {
     CFPropertyListFormat format{};
-    const auto list = read(bytes, &format);
+    const auto list = list_of(bytes, &format);
     if (!list) {
         return refused;
     }
@@ -242,15 +230,14 @@ std::string read_with_format(std::string_view bytes) {
 }
 
 Ref<CFPropertyListRef> read_list(std::string_view bytes) {
-    auto list = read(bytes, nullptr);
+    auto list = list_of(bytes);
     EXPECT_TRUE(list);
     return list;
 }
 
 std::string written(CFPropertyListRef list) {
-    const auto data = adopt(
-        CFPropertyListCreateData(nullptr, list, kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
-    return data ? bytes_of(data.get()) : not_written;
+    const auto data = binary_form(list);
+    return data ? std::string(bytes_of(data.get())) : not_written;
 }
 
 Ref<CFTypeRef> array_of(const std::vector<const void*>& items) {

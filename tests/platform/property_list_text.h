@@ -3,6 +3,7 @@
 
 #include "base/cf_values.h"
 #include "platform/core_foundation_vectors.h"
+#include "support/plist_io.h"
 
 #include <string>
 #include <string_view>

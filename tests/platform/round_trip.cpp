@@ -1,16 +1,15 @@
 #include "platform/round_trip.h"
 
+#include "support/plist_io.h"
+
 #include <gtest/gtest.h>
 
 namespace lumo::test {
 namespace {
 
 Ref<CFPropertyListRef> written_and_read(CFPropertyListRef list) {
-    const auto data = adopt(CFPropertyListCreateData(kCFAllocatorDefault, list,
-                                                     kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
-    return data ? adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
-                                                     kCFPropertyListImmutable, nullptr, nullptr))
-                : Ref<CFPropertyListRef>();
+    const auto data = binary_form(list);
+    return data ? list_of(data.get()) : Ref<CFPropertyListRef>();
 }
 
 } // namespace

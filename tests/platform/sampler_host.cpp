@@ -40,11 +40,7 @@ Ref<CFDictionaryRef> Sampler::state() const {
 
 Ref<CFPropertyListRef> parse(std::string_view xml) {
     const std::string all = "<plist version=\"1.0\">" + std::string(xml) + "</plist>";
-    const auto data =
-        adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(all.data()),
-                           static_cast<CFIndex>(all.size())));
-    auto list = adopt(CFPropertyListCreateWithData(kCFAllocatorDefault, data.get(),
-                                                   kCFPropertyListImmutable, nullptr, nullptr));
+    auto list = list_of(all);
     EXPECT_TRUE(list) << all;
     return list;
 }

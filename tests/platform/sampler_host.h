@@ -2,6 +2,8 @@
 #pragma once
 
 #include "base/cf_values.h"
+#include "support/plist_io.h"
+#include "support/preset_text.h"
 
 #include <AudioToolbox/AudioToolbox.h>
 #include <CoreFoundation/CoreFoundation.h>
@@ -40,12 +42,6 @@ private:
 
 /// The property list written as this XML element.
 Ref<CFPropertyListRef> parse(std::string_view xml);
-
-/// Entries that every class info for the sampler has, as XML.
-constexpr std::string_view sampler_numbers = "<key>manufacturer</key><integer>1634758764</integer>"
-                                             "<key>subtype</key><integer>1935764848</integer>"
-                                             "<key>type</key><integer>1635085685</integer>"
-                                             "<key>version</key><integer>0</integer>";
 
 /// A class info with these entries (XML) in addition to `sampler_numbers`.
 Ref<CFPropertyListRef> class_info_with(std::string_view entries);

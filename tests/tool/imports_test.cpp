@@ -14,12 +14,6 @@ using nlohmann::json;
 
 class Imports : public ToolTest {};
 
-Value read_list(const fs::path& path) {
-    const Value bytes = data(read_file(path));
-    return adopt(CFPropertyListCreateWithData(
-        kCFAllocatorDefault, static_cast<CFDataRef>(bytes.get()), 0, nullptr, nullptr));
-}
-
 /// The contents and modification times of all files in a folder.
 std::map<std::string, std::pair<std::string, fs::file_time_type>> contents(const fs::path& folder) {
     std::map<std::string, std::pair<std::string, fs::file_time_type>> files;
@@ -64,11 +58,11 @@ TEST_F(Imports, WriteABinaryStateWithReferencesIntoTheShow) {
     const std::string preset = make_preset("Kit.aupreset", {kick});
     import(preset);
     EXPECT_EQ(read_file(states / "Kit.aupreset").substr(0, 8), "bplist00");
-    const Value state = read_list(states / "Kit.aupreset");
+    const Value state = list_in(states / "Kit.aupreset");
     EXPECT_TRUE(CFEqual(entry(state, "file-references").get(),
                         dictionary({{"Sample:268435456", text("samples/Kit/kick.wav")}}).get()));
     EXPECT_TRUE(
-        CFEqual(entry(state, "Instrument").get(), entry(read_list(preset), "Instrument").get()));
+        CFEqual(entry(state, "Instrument").get(), entry(list_in(preset), "Instrument").get()));
 }
 
 TEST_F(Imports, GoOnAfterAnInstrumentThatFails) {
@@ -153,7 +147,7 @@ TEST_F(Imports, TakeRelativePaths) {
 }
 
 TEST_F(Imports, OfAPresetInBinaryFormWork) {
-    const Value list = read_list(make_preset("xml.aupreset", {make_sound("Kit/kick.wav")}));
+    const Value list = list_in(make_preset("xml.aupreset", {make_sound("Kit/kick.wav")}));
     const Value bytes = adopt(CFPropertyListCreateData(
         kCFAllocatorDefault, list.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
     const auto* data = static_cast<CFDataRef>(bytes.get());

@@ -41,11 +41,6 @@ TEST_F(SoundBanks, ArePlacedInTheShowLikeSamples) {
 TEST_F(SoundBanks, KeepTheInstrumentsListAndTheirKey) {
     write_file(folder / "Banks/gm.sf2", bank_bytes);
     const std::string preset = make_bank_preset((folder / "Banks/gm.sf2").string());
-    const auto list_in = [](const fs::path& path) {
-        const Value bytes = data(read_file(path));
-        return adopt(CFPropertyListCreateWithData(
-            kCFAllocatorDefault, static_cast<CFDataRef>(bytes.get()), 0, nullptr, nullptr));
-    };
     ASSERT_EQ(import(preset)["ok"], true);
     const Value state = list_in(states / "GM.aupreset");
     EXPECT_TRUE(CFEqual(entry(state, "file-references").get(),

@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -39,6 +41,26 @@ inline Utf8Character first_utf8_character(std::string_view text) noexcept {
         value = value << 6 | (byte(i) & 0x3FU);
     }
     return {value >= smallest && is_unicode_scalar(value) ? size : 0, value};
+}
+
+/// Whether every byte of `text` is below 0x80. Works on words, since it succeeds for nearly all
+/// text.
+inline bool is_ascii(std::string_view text) noexcept {
+    constexpr std::uint64_t high_bits = 0x8080808080808080;
+    const char* at = text.data();
+    std::size_t left = text.size();
+    std::uint64_t word = 0;
+    for (; left >= sizeof word; at += sizeof word, left -= sizeof word) {
+        std::memcpy(&word, at, sizeof word);
+        if ((word & high_bits) != 0) {
+            return false;
+        }
+    }
+    word = 0;
+    if (left != 0) {
+        std::memcpy(&word, at, left);
+    }
+    return (word & high_bits) == 0;
 }
 
 /// Whether all of `text` is valid UTF-8; true for empty text.

@@ -2,8 +2,9 @@
 // a sample ("Sample:" and a number as written by the sampler, any text in presets made by hand).
 #include "audio_toolbox/file_references.h"
 
-#include "audio_toolbox/property_text.h"
 #include "base/cf_values.h"
+
+#include <strings.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -13,6 +14,25 @@
 
 namespace lumo::platform {
 namespace {
+
+bool is_file_url(const std::string& text) {
+    constexpr const char scheme[] = "file://";
+    return strncasecmp(text.c_str(), scheme, sizeof scheme - 1) == 0;
+}
+
+/// The path of a file reference. For a file URL, which some hosts write, its path, percent-decoded
+/// and without the host; else, or when the URL has no valid path, the reference itself.
+Ref<CFStringRef> posix_path(CFStringRef reference) {
+    if (is_file_url(to_string(reference))) {
+        if (const auto url =
+                adopt(CFURLCreateWithString(kCFAllocatorDefault, reference, nullptr))) {
+            if (auto path = adopt(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle))) {
+                return path;
+            }
+        }
+    }
+    return retain(reference);
+}
 
 /// The key of a reference, used for sorting, and its path.
 using Reference = std::pair<std::string, std::string>;

@@ -1,7 +1,6 @@
 // Decodes bytes into strings. UTF-8 and ISO 8859-1 are decoded into the string's storage directly,
 // the other encodings through UTF-16 units.
 #include "core_foundation/encodings.h"
-#include "core_foundation/unicode.h"
 
 #include <array>
 #include <bit>

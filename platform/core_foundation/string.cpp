@@ -1,12 +1,13 @@
 // Creates string objects from the encodings that property lists use.
 #include "core_foundation/string.h"
 
+#include "base/utf8.h"
 #include "core_foundation/hashing.h"
-#include "core_foundation/unicode.h"
 
 #include <algorithm>
 #include <limits>
 #include <new>
+#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -27,6 +28,34 @@ char* bytes_of(String* string) noexcept {
 }
 char16_t* units_of(String* string) noexcept {
     return reinterpret_cast<char16_t*>(string + 1);
+}
+
+/// The number of UTF-16 units of the text; nothing when it is not valid UTF-8.
+std::optional<std::size_t> utf16_length(std::string_view utf8) noexcept {
+    std::size_t units = 0;
+    while (!utf8.empty()) {
+        const Utf8Character next = first_utf8_character(utf8);
+        if (next.size == 0) {
+            return std::nullopt;
+        }
+        units += next.value < 0x10000 ? 1 : 2;
+        utf8.remove_prefix(next.size);
+    }
+    return units;
+}
+
+/// Converts valid UTF-8 text to UTF-16; `units` must have room for utf16_length(utf8) units.
+void write_utf16(std::string_view utf8, char16_t* units) noexcept {
+    while (!utf8.empty()) {
+        const Utf8Character next = first_utf8_character(utf8);
+        if (next.value < 0x10000) {
+            *units++ = static_cast<char16_t>(next.value);
+        } else {
+            *units++ = static_cast<char16_t>(0xD7C0 + (next.value >> 10));
+            *units++ = static_cast<char16_t>(0xDC00 | (next.value & 0x3FF));
+        }
+        utf8.remove_prefix(next.size);
+    }
 }
 
 } // namespace

@@ -7,7 +7,6 @@
 #include "core_foundation/objects.h"
 #include "property_list/binary_objects.h"
 #include "property_list/hash_index.h"
-#include "property_list/limits.h"
 
 #include <algorithm>
 #include <limits>
@@ -18,6 +17,9 @@
 
 namespace lumo::platform {
 namespace {
+
+/// The maximum number of levels below the root, including leaves, as in CoreFoundation.
+constexpr std::size_t max_levels = 512;
 
 /// Objects may overlap in the file. Their total size may exceed the file's size by at most this
 /// many bytes, and their number the offset of the table by as much. This keeps a small file from
@@ -175,7 +177,7 @@ bool BinaryReader::open_container(std::size_t object, std::size_t offset) {
     const Marker marker = objects_.marker(offset);
     const unsigned in_pairs = marker == Marker::dictionary ? 1 : 0;
     const auto refs = objects_.extent(offset, trailer_.ref_width << in_pairs);
-    if (!refs || open_.size() + (refs->count > 0 ? 1 : 0) > max_levels_in_binary) {
+    if (!refs || open_.size() + (refs->count > 0 ? 1 : 0) > max_levels) {
         return false;
     }
     slots_[object].height = in_progress;
@@ -216,7 +218,7 @@ Owned BinaryReader::made_of(OpenContainer& container) {
 
 /// Adds a finished container to the open one. False when the nesting would be too deep.
 bool BinaryReader::add_container(const Slot& container) {
-    if (open_.size() + container.height > max_levels_in_binary + 1) {
+    if (open_.size() + container.height > max_levels + 1) {
         return false;
     }
     if (!open_.empty()) {

@@ -10,7 +10,6 @@
 
 #include "base/utf8.h"
 #include "core_foundation/objects.h"
-#include "property_list/limits.h"
 #include "property_list/recent_strings.h"
 #include "property_list/xml_encoding.h"
 #include "property_list/xml_scanner.h"
@@ -26,6 +25,10 @@
 
 namespace lumo::platform {
 namespace {
+
+/// The maximum number of nested arrays and dictionaries, including the outermost, as in
+/// CoreFoundation, which counts differently in the binary format.
+constexpr std::size_t max_containers = 512;
 
 /// An open element. The values from `first` on belong to it.
 struct Open {
@@ -119,7 +122,7 @@ bool XmlReader::takes(Element element) const {
 }
 
 bool XmlReader::open(Element element) {
-    if (element != Element::plist && ++depth_ > max_containers_in_xml) {
+    if (element != Element::plist && ++depth_ > max_containers) {
         return false;
     }
     if (element == Element::plist && !open_.empty() && open_.back().element == Element::plist) {

@@ -6,7 +6,6 @@
 #include "property_list/xml_scanner.h"
 
 #include "base/utf8.h"
-#include "core_foundation/unicode.h"
 
 #include <algorithm>
 #include <array>

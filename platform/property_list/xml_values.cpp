@@ -5,8 +5,9 @@
 
 #include "base/characters.h"
 #include "base/utf8.h"
-#include "property_list/decimal.h"
 
+#include <locale.h>
+#include <stdlib.h>
 #include <strings.h>
 
 #include <algorithm>
@@ -14,7 +15,9 @@
 #include <charconv>
 #include <cstddef>
 #include <limits>
+#include <string>
 #include <system_error>
+#include <version>
 
 namespace lumo::platform {
 namespace {
@@ -94,6 +97,21 @@ bool is_decimal(std::string_view text) {
         }
     }
     return text.empty();
+}
+
+/// The double nearest to such text; infinity or zero when out of range. Uses std::from_chars where
+/// the C++ library has it for double, since it is fast; libc++ 19 lacks it, and for a decimal out
+/// of range it does not distinguish infinity from zero. There strtod_l is used. Both round to
+/// nearest, ties to even, and do not depend on the locale.
+double nearest_double(std::string_view decimal) {
+#ifdef __cpp_lib_to_chars
+    double value = 0;
+    if (std::from_chars(decimal.data(), decimal.data() + decimal.size(), value).ec == std::errc{}) {
+        return value;
+    }
+#endif
+    static const locale_t no_locale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(std::string(decimal).c_str(), nullptr, no_locale);
 }
 
 /// Days from 2001-01-01 to the first of March of `year`, in the proleptic Gregorian calendar.

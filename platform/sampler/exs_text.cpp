@@ -15,16 +15,10 @@
 namespace lumo::platform {
 namespace {
 
-using String = Ref<CFStringRef>;
-
-String from_mac_roman(std::span<const std::uint8_t> bytes) {
+Ref<CFStringRef> from_mac_roman(std::span<const std::uint8_t> bytes) {
     return adopt(CFStringCreateWithBytes(kCFAllocatorDefault, bytes.data(),
                                          static_cast<CFIndex>(bytes.size()),
                                          kCFStringEncodingMacRoman, false));
-}
-
-bool is_ascii(std::string_view text) {
-    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 /// The number of bytes at the end that are the start of an incomplete UTF-8 character.
@@ -62,8 +56,7 @@ std::string exs_text(std::span<const std::uint8_t> bytes) {
     if (!is_ascii(rest) && is_utf8(rest)) {
         return rest;
     }
-    const String roman = from_mac_roman(bytes);
-    return to_string(roman.get());
+    return to_string(from_mac_roman(bytes).get());
 }
 
 std::string exs_path(std::string_view directory, std::string_view name) {

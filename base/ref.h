@@ -47,13 +47,13 @@ private:
     T object_ = nullptr;
 };
 
-/// Takes ownership of the reference that a Create or Copy function returned; null gives nothing.
+/// Takes ownership of the reference that a Create or Copy function returned; empty for null.
 template <class T>
 Ref<T> adopt(T created) {
     return Ref<T>(created);
 }
 
-/// Retains an object that a Get function returned; null gives nothing.
+/// Retains an object that a Get function returned; empty for null.
 template <class T>
 Ref<T> retain(T borrowed) {
     if (borrowed) {

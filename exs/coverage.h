@@ -1,4 +1,4 @@
-// Which keys and velocities the zones of a layer cover, and how many layers overlap.
+// The keys and velocities that the zones of a layer cover, and the number of layers that overlap.
 #pragma once
 
 #include <array>

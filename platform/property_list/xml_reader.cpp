@@ -1,6 +1,6 @@
 // Reads a property list in XML in one pass. Finished values are pushed on a stack; an open
-// container stores where its own values begin and removes them when it ends. So nesting takes no
-// call stack.
+// container stores where its own values begin and removes them when it ends. Therefore nesting
+// takes no call stack.
 //
 //     <plist> one value </plist>             optional, may nest
 //     <dict> <key>text</key> value ... </dict>   the later of two equal keys wins

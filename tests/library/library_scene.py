@@ -19,7 +19,7 @@ EMULATOR = list(filter(None, [os.environ.get("LUMO_EMULATOR")]))
 
 # The fake tool, written beside a copy of the program. plan.json has an action for each instrument,
 # by its name without extension; the words of each call are appended to calls.jsonl.
-STAND_IN = '''#!%(python)s
+FAKE_TOOL = '''#!%(python)s
 import json, os, pathlib, signal, subprocess, sys, time
 signal.signal(signal.SIGINT, signal.SIG_DFL)  # ends without a message, like the tool
 here = pathlib.Path(__file__).parent
@@ -99,7 +99,7 @@ class LibraryTest(FolderTest):
         self.library = self.folder / "lib"
         self.program = LIBRARY
 
-    def use_stand_in(self, **plan):
+    def use_fake_tool(self, **plan):
         """Makes the program start a fake tool that follows `plan`."""
         here = self.folder / "programs"
         here.mkdir(exist_ok=True)
@@ -107,7 +107,7 @@ class LibraryTest(FolderTest):
         if not self.program.exists():
             shutil.copy(LIBRARY, self.program)
         tool = here / TOOL.name
-        tool.write_text(STAND_IN % {"python": sys.executable})
+        tool.write_text(FAKE_TOOL % {"python": sys.executable})
         tool.chmod(0o755)
         self.plan(**plan)
         return here

@@ -102,7 +102,7 @@ class AsAFile(PageTest):
         self.assertIn('"b"', (self.folder / "page.html").read_text())
 
     def test_that_cannot_be_written_is_reported_before_anything_is_imported(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         self.make("a.exs")
         (self.folder / "folder").mkdir()
         for path, reason in (("none/page.html", b"No such file or directory"),

@@ -22,7 +22,7 @@ SANITIZED = bool(os.environ.get("LUMO_SANITIZE"))
 
 class Finding(LibraryTest):
     def test_says_how_many_and_a_dry_run_stops_there(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         self.make("a/1.exs", "a/2.AUPRESET", "b/3.Exs", "b/no.txt")
         done = self.run_library("--dry-run", "lib")
         self.expect(done, 0)
@@ -33,7 +33,7 @@ class Finding(LibraryTest):
         self.assertTrue(done.stdout.startswith(b"3 instruments in 2 folders\n\n3 instruments: 3"))
 
     def test_says_how_many_before_it_starts(self):
-        self.use_stand_in(**{"1": "wait"})
+        self.use_fake_tool(**{"1": "wait"})
         self.make("1.exs")
         with subprocess.Popen(self.words("lib"), cwd=self.folder,
                               stdout=subprocess.PIPE) as process:
@@ -47,7 +47,7 @@ class Finding(LibraryTest):
         self.assertEqual(done.stdout, b"no instrument found\n")
 
     def test_reports_unreadable_arguments_before_anything_is_imported(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         self.make("a.exs")
         done = self.run_library("lib", "gone", "lib/b.exs", "--search", "nowhere")
         self.expect(done, 1)
@@ -96,7 +96,7 @@ class Calls(LibraryTest):
         return call[i:], call[1:i]
 
     def test_have_the_instruments_in_order_and_all_folders(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         self.make("b/2.exs", "a/1.exs", "a.exs")
         (self.folder / "kit").mkdir()
         (self.folder / "kit/x.exs").touch()
@@ -109,7 +109,7 @@ class Calls(LibraryTest):
              "--search", "more"]))
 
     def test_hand_names_that_begin_with_a_dash_over_as_paths(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         (self.folder / "--lib").mkdir()
         (self.folder / "--lib/-a.exs").touch()
         (self.folder / "-b.exs").touch()
@@ -118,7 +118,7 @@ class Calls(LibraryTest):
         self.assertEqual(self.instruments(call)[0], ["./--lib/-a.exs", "./-b.exs"])
 
     def test_are_cut_to_what_the_system_takes(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         names = [f"{i:05} {'long name ' * 4}.exs" for i in range(20000)]
         self.make(*names)
         limit = 512 << 10  # bytes of stack; the system allows a quarter of it for arguments
@@ -135,13 +135,13 @@ class Calls(LibraryTest):
         self.assertIn(b"20,000 instruments: 20,000 imported, 0 failed", done.stdout)
 
     def test_are_as_few_as_the_system_takes(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         self.make(*[f"{i:05}.exs" for i in range(20000)])
         self.expect(self.run_library("lib"), 0)
         self.assertEqual(len(self.calls()), 1)
 
     def test_of_parts_have_the_same_folders_as_the_call_for_all(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         self.make(*[f"{i}/{i}.exs" for i in range(10)])
         for part in (1, 2, 3):
             self.expect(self.run_library("--shard", f"{part}/3", "lib"), 0)
@@ -151,7 +151,7 @@ class Calls(LibraryTest):
         self.assertEqual({tuple(part[1]) for part in parts}, {tuple(whole[1])})
 
     def test_of_more_parts_than_instruments_have_one_or_none(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         self.make("a.exs", "b.exs", "c.exs")
         last = 2 ** 32 - 1
         for part in (1, last // 2, last):
@@ -159,7 +159,7 @@ class Calls(LibraryTest):
         self.assertEqual([self.instruments(call)[0] for call in self.calls()], [["lib/c.exs"]])
 
     def test_leave_out_what_was_imported_but_count_it_among_the_parts(self):
-        self.use_stand_in(**{"2": "fail no"})
+        self.use_fake_tool(**{"2": "fail no"})
         self.make(*[f"{i}.exs" for i in range(10)])
         self.expect(self.run_library("--lines", "lines", "--shard", "1/2", "lib"), 2)
         self.plan()
@@ -193,7 +193,7 @@ class Lines(LibraryTest):
         self.assertEqual(without_time(ours), [b"kept", *without_time(tool)])
 
     def test_leave_out_sources_byte_for_byte(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         names = [os.fsdecode(name) for name in (
             b"caf\xe9.exs", b"caf\xc3\xa9.exs", b"e\xcc\x81.exs", b"\xc3\xa9.exs",
             b"\xf4\x8f\x9f\xa9.exs")]
@@ -209,7 +209,7 @@ class Lines(LibraryTest):
     def test_that_cannot_be_written_end_the_run(self):
         if not os.path.exists("/dev/full"):
             self.skipTest("there is no /dev/full")
-        self.use_stand_in(**{"2": "wait"})
+        self.use_fake_tool(**{"2": "wait"})
         self.make("1.exs", "2.exs", "3.exs")
         done = self.run_library("--lines", "/dev/full", "lib")
         self.expect(done, 3)
@@ -222,7 +222,7 @@ class Endings(LibraryTest):
         return done.stdout.decode().split("\n\n")[1]
 
     def test_of_imports_that_failed_give_2(self):
-        self.use_stand_in(b="fail its state couldn't be written")
+        self.use_fake_tool(b="fail its state couldn't be written")
         self.make("a.exs", "b.exs", "c.exs")
         done = self.run_library("lib")
         self.expect(done, 2)
@@ -234,7 +234,7 @@ class Endings(LibraryTest):
                             ("status 0", "status 0"), ("status 1", "status 1"),
                             ("torn", "status 0")):
             with self.subTest(act):
-                self.use_stand_in(b=act)
+                self.use_fake_tool(b=act)
                 self.make("a.exs", "b.exs", "c.exs")
                 done = self.run_library("--lines", "lines", "lib")
                 self.expect(done, 2)
@@ -262,7 +262,7 @@ class Endings(LibraryTest):
         self.assertEqual(len(self.reports("lines")), 4)
 
     def test_three_times_in_a_row_without_a_line_give_3(self):
-        self.use_stand_in(b="signal 9", c="signal 9", d="signal 9")
+        self.use_fake_tool(b="signal 9", c="signal 9", d="signal 9")
         self.make("a.exs", "b.exs", "c.exs", "d.exs", "e.exs")
         done = self.run_library("lib")
         self.expect(done, 3)
@@ -272,14 +272,14 @@ class Endings(LibraryTest):
         self.assertIn("1 not imported: the run ended before", self.summary(done))
 
     def test_with_lines_between_them_do_not(self):
-        self.use_stand_in(a="signal 9", b="signal 9", d="signal 9", e="signal 9", g="status 1")
+        self.use_fake_tool(a="signal 9", b="signal 9", d="signal 9", e="signal 9", g="status 1")
         self.make(*[f"{name}.exs" for name in "abcdefg"])
         done = self.run_library("lib")
         self.expect(done, 2)
         self.assertIn("7 instruments: 2 imported, 5 failed", self.summary(done))
 
     def test_without_a_tool_give_3(self):
-        here = self.use_stand_in()
+        here = self.use_fake_tool()
         (here / TOOL.name).unlink()
         self.make("a.exs")
         done = self.run_library("lib")
@@ -287,14 +287,14 @@ class Endings(LibraryTest):
         self.assertIn(b"lumo-exs-import: cannot be started: No such file or directory", done.stderr)
 
     def test_of_a_line_that_is_none_are_a_failure(self):
-        self.use_stand_in(b="print nonsense")
+        self.use_fake_tool(b="print nonsense")
         self.make("a.exs", "b.exs", "c.exs")
         done = self.run_library("lib")
         self.expect(done, 2)
         self.assertIn(b"        1 the tool gave no report line for it\n", done.stdout)
 
     def test_pass_on_the_tools_last_words(self):
-        self.use_stand_in(b="last words no \x1b[2Jend")
+        self.use_fake_tool(b="last words no \x1b[2Jend")
         self.make("a.exs", "b.exs")
         done = self.run_library("lib")
         self.expect(done, 2)
@@ -304,7 +304,7 @@ class Endings(LibraryTest):
 
     @unittest.skipUnless(can_run([*WITHOUT_PROC, "true"]), "only root can unmount /proc")
     def test_where_the_system_does_not_say_where_the_program_lies_give_3(self):
-        self.use_stand_in()
+        self.use_fake_tool()
         self.make("a.exs")
         shutil.copy(self.folder / "programs" / TOOL.name, self.folder)  # not to be started
         done = self.run_library(words=[*WITHOUT_PROC, *self.words("lib")])
@@ -315,7 +315,7 @@ class Endings(LibraryTest):
         self.assertFalse((self.folder / "calls.jsonl").exists())
 
     def interrupt(self, send, number, status):
-        here = self.use_stand_in(c="wait")
+        here = self.use_fake_tool(c="wait")
         self.make("a.exs", "b.exs", "c.exs", "d.exs")
         process = subprocess.Popen(self.words("--lines", "lines", "--page", "page.html", "lib"),
                                    cwd=self.folder,
@@ -344,7 +344,7 @@ class Endings(LibraryTest):
         self.interrupt(os.kill, signal.SIGINT, 130)
 
     def test_by_ctrl_c_are_no_failure_of_the_tool_that_it_ends_first(self):
-        self.use_stand_in(b="silent, then Ctrl-C")
+        self.use_fake_tool(b="silent, then Ctrl-C")
         self.make("a.exs", "b.exs", "c.exs")
         done = self.run_library("lib")
         self.assertEqual((done.returncode, done.stderr), (130, b""))
@@ -389,8 +389,8 @@ class GoingOn(LibraryTest):
         been printed. At every second place the previous line is then truncated, as by a full
         disk."""
         at_hand = f"kit{place:02}"
-        self.use_stand_in(**{"*": "real", at_hand: "real, then kill",
-                             "tool": [*EMULATOR, str(TOOL)]})
+        self.use_fake_tool(**{"*": "real", at_hand: "real, then kill",
+                              "tool": [*EMULATOR, str(TOOL)]})
         self.expect(self.run_library("--lines", "lines", "--continue", "lines", "lib"),
                     -signal.SIGKILL)
         lines = self.folder / "lines"
@@ -427,7 +427,7 @@ class SummingUp(LibraryTest):
         return self.run_library(words=[*EMULATOR, str(LIBRARY), "--from", *files])
 
     def test_takes_the_lines_of_several_runs(self):
-        self.use_stand_in(**{"2": "fail a sample wasn't found: x.wav"})
+        self.use_fake_tool(**{"2": "fail a sample wasn't found: x.wav"})
         self.make(*[f"{i}.exs" for i in range(4)])
         for part in (1, 2):
             self.run_library("--shard", f"{part}/2", "--lines", f"lines{part}", "lib")
@@ -449,7 +449,7 @@ What to do next:
         self.expect(done, 0)
 
     def test_counts_what_came_last_of_an_instrument(self):
-        self.use_stand_in(a="fail no")
+        self.use_fake_tool(a="fail no")
         self.make("a.exs")
         self.expect(self.run_library("--lines", "lines", "lib"), 2)
         self.expect(self.from_files("lines"), 2)

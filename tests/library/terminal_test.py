@@ -17,7 +17,7 @@ class StatusLine(LibraryTest):
     def start(self, width=80, errors=None, environment=None, **plan):
         """Starts the program with a tool that imports one instrument for each byte that `steps`
         gets; its standard error is a terminal."""
-        here = self.use_stand_in(**plan)
+        here = self.use_fake_tool(**plan)
         os.mkfifo(here / "steps")
         self.terminal = Terminal(width)
         settings = {"TERM": "xterm", "LC_ALL": "C.UTF-8", "PATH": os.environ["PATH"],

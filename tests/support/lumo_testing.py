@@ -136,8 +136,7 @@ def write_exs(path, samples, zones=None, groups=0, frames=0):
 
 
 def import_command(tool, show, instruments, states=None, search=()):
-    """The tool's command line. By default the states are written to the folder states in the show.
-    """
+    """The tool's command line. The default folder for the states is "states" in the show."""
     searches = [word for folder in search for word in ("--search", folder)]
     return [tool, "--package", show, "--states", states or show / "states", *searches, *instruments]
 

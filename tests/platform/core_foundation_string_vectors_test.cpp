@@ -66,6 +66,22 @@ TEST(StringVectors, MaximumSizesAgreeWithCoreFoundation) {
     EXPECT_EQ(table.differing(), 0U);
 }
 
+/// Compares each row of the vectors whose encoding is offered.
+void compare_rows(const std::string& vectors, const std::string& function,
+                  void (*compare)(ConformanceTable&, const Json&)) {
+    ConformanceTable table;
+    for (const Json& row : read_vectors(vectors + ".json")) {
+        if (can_write(row["encoding"])) {
+            compare(table, row);
+        } else {
+            table.not_offered(function, row["encoding"]);
+        }
+    }
+    table.print(vectors);
+    EXPECT_GT(table.equal(), 0U);
+    EXPECT_EQ(table.differing(), 0U);
+}
+
 void compare_c_string(ConformanceTable& table, const Json& row) {
     const std::string name = "CFStringGetCString";
     const auto string = string_of_units(row["utf16"]);
@@ -89,18 +105,7 @@ void compare_c_string(ConformanceTable& table, const Json& row) {
 }
 
 TEST(StringVectors, CStringsAgreeWithCoreFoundation) {
-    const Json vectors = read_vectors("string-getcstring.json");
-    ConformanceTable table;
-    for (const Json& row : vectors) {
-        if (can_write(row["encoding"])) {
-            compare_c_string(table, row);
-        } else {
-            table.not_offered("CFStringGetCString", row["encoding"]);
-        }
-    }
-    table.print("string-getcstring");
-    EXPECT_GT(table.equal(), 0U);
-    EXPECT_EQ(table.differing(), 0U);
+    compare_rows("string-getcstring", "CFStringGetCString", compare_c_string);
 }
 
 void compare_bytes(ConformanceTable& table, const Json& row) {
@@ -130,18 +135,7 @@ void compare_bytes(ConformanceTable& table, const Json& row) {
 }
 
 TEST(StringVectors, BytesAgreeWithCoreFoundation) {
-    const Json vectors = read_vectors("string-getbytes.json");
-    ConformanceTable table;
-    for (const Json& row : vectors) {
-        if (can_write(row["encoding"])) {
-            compare_bytes(table, row);
-        } else {
-            table.not_offered("CFStringGetBytes", row["encoding"]);
-        }
-    }
-    table.print("string-getbytes");
-    EXPECT_GT(table.equal(), 0U);
-    EXPECT_EQ(table.differing(), 0U);
+    compare_rows("string-getbytes", "CFStringGetBytes", compare_bytes);
 }
 
 Ref<CFMutableDictionaryRef> make_dictionary() {

@@ -300,8 +300,8 @@ std::uint64_t bytes_read() {
 
 /// Opens the file in a child process. Fails when that takes 96 MiB more memory or reads 40 MiB.
 testing::AssertionResult opens_within_bounds(const fs::path& path) {
-    constexpr long most_kilobytes = 96 << 10;
-    constexpr std::uint64_t most_read = 40 << 20;
+    constexpr long max_kilobytes = 96 << 10;
+    constexpr std::uint64_t max_read = 40 << 20;
     const int result = in_child([&] {
         rusage before{};
         getrusage(RUSAGE_SELF, &before);
@@ -309,8 +309,8 @@ testing::AssertionResult opens_within_bounds(const fs::path& path) {
         open_sample(path);
         rusage after{};
         getrusage(RUSAGE_SELF, &after);
-        const bool is_small = after.ru_maxrss - before.ru_maxrss < most_kilobytes;
-        const bool is_short = bytes_read() - read_before < most_read;
+        const bool is_small = after.ru_maxrss - before.ru_maxrss < max_kilobytes;
+        const bool is_short = bytes_read() - read_before < max_read;
         return (is_small ? 0 : 1) + (is_short ? 0 : 2);
     });
     return result == 0 ? testing::AssertionSuccess()

@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::chrono::milliseconds between_drawings(100);
 constexpr std::size_t usual_width = 80;
-constexpr std::size_t least_name = 6; // columns; a shorter part of a name is not shown
+constexpr std::size_t min_name_columns = 6; // columns; a shorter part of a name is not shown
 
 constexpr const char* erase_below = "\x1b[J"; // from the cursor to the end of the screen
 constexpr const char* red = "\x1b[31m";
@@ -74,7 +74,7 @@ std::string progress_text(const ProgressState& state, std::size_t width, bool ha
         line += (separator > 0 ? ", " : "") + part.drawn;
         used += separator + part.plain.size();
     }
-    if (!state.at_hand.empty() && used + 2 + least_name <= room) {
+    if (!state.at_hand.empty() && used + 2 + min_name_columns <= room) {
         line += ": " + cut_to(shown(state.at_hand), room - used - 2);
     }
     return line;

@@ -36,7 +36,7 @@ constexpr int some_failed = 2;
 constexpr int could_not_finish = 3;
 constexpr int ended_by_signal = 128; // plus the signal's number
 
-constexpr std::size_t most_names_told = 10;
+constexpr std::size_t max_names_listed = 10;
 
 void say(const std::string& text) {
     fputs(text.c_str(), stdout);
@@ -172,7 +172,7 @@ private:
 
     void say_how_many() {
         for (std::size_t i = 0; i < found_.unreadable.size(); ++i) {
-            if (i == most_names_told) {
+            if (i == max_names_listed) {
                 complain("and " + with_thousands(found_.unreadable.size() - i) + " more");
                 break;
             }

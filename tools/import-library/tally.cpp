@@ -33,11 +33,11 @@ std::map<std::string_view, std::uint64_t> grouped(const std::set<std::string>& p
 
 /// The largest number of names in the folder of a path.
 std::size_t deepest(const std::set<std::string>& paths) {
-    std::ptrdiff_t most = 1;
+    std::ptrdiff_t max_count = 1;
     for (const std::string& path : paths) {
-        most = std::max(most, std::count(path.begin(), path.end(), '/'));
+        max_count = std::max(max_count, std::count(path.begin(), path.end(), '/'));
     }
-    return static_cast<std::size_t>(most);
+    return static_cast<std::size_t>(max_count);
 }
 
 } // namespace

@@ -11,7 +11,7 @@
 namespace lumo::library {
 namespace {
 
-constexpr int most_deaths_in_a_row = 3;
+constexpr int max_deaths_in_a_row = 3;
 
 class Run {
 public:
@@ -87,7 +87,7 @@ private:
         listener_.ended_at(next_, reason);
         ++next_;
         ++deaths_in_a_row_;
-        return deaths_in_a_row_ < most_deaths_in_a_row;
+        return deaths_in_a_row_ < max_deaths_in_a_row;
     }
 
     const std::vector<std::string>& command_;

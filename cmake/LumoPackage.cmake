@@ -30,6 +30,8 @@ checks that it loads from there. It plays no sound. lumo-import-library
 imports whole folders of instruments and summarises the failures.")
   # Adds dependencies on the packages that provide the libraries of the files.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  # Loaded when a sample needs it, and thus not among them.
+  set(CPACK_DEBIAN_PACKAGE_DEPENDS "libsndfile1")
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
 endif()
 include(CPack)

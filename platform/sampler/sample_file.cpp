@@ -13,9 +13,9 @@
 
 #include "base/descriptor.h"
 #include "sampler/audio_signature.h"
+#include "sampler/sound_file_library.h"
 
 #include <fcntl.h>
-#include <sndfile.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -99,12 +99,12 @@ sf_count_t reader_tell(void* user_data) {
     return reader_of(user_data).at;
 }
 
-bool is_audio_to_libsndfile(SampleReader& reader) {
+bool is_audio_to(const SoundFileLibrary& library, SampleReader& reader) {
     SF_VIRTUAL_IO io{reader_size, reader_seek, reader_read, nullptr, reader_tell};
     SF_INFO info{};
-    SNDFILE* file = sf_open_virtual(&io, SFM_READ, &info, &reader);
+    SNDFILE* file = library.open_virtual(&io, SFM_READ, &info, &reader);
     if (file) {
-        sf_close(file);
+        library.close(file);
     }
     return file != nullptr;
 }
@@ -128,23 +128,26 @@ void skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
     }
 }
 
-bool is_of_kind(SampleKind kind, SampleReader& reader) {
+/// 0 when the file is of this kind, else the reason why it cannot be played.
+OSStatus status_as(SampleKind kind, SampleReader& reader) {
     const AudioHead head = audio_head(reader.head);
-    if (kind == SampleKind::bank) {
-        return head == AudioHead::bank;
+    if (kind == SampleKind::audio && head == AudioHead::container) {
+        const SoundFileLibrary* library = sound_file_library();
+        if (!library) {
+            return failed_initialization;
+        }
+        return is_audio_to(*library, reader) ? 0 : not_an_audio_file;
     }
-    return head == AudioHead::audio ||
-           (head == AudioHead::container && is_audio_to_libsndfile(reader));
+    const AudioHead wanted = kind == SampleKind::bank ? AudioHead::bank : AudioHead::audio;
+    return head == wanted ? 0 : not_an_audio_file;
 }
 
 OSStatus check_file(int fd, off_t size, SampleKind kind) {
     std::array<std::uint8_t, audio_head_size> buffer; // not zeroed: partly used
     SampleReader reader{fd, 0, size};
     skip_tags(reader, buffer);
-    if (is_of_kind(kind, reader)) {
-        return 0;
-    }
-    return reader.error != 0 ? status_of_file_error(reader.error) : not_an_audio_file;
+    const OSStatus status = status_as(kind, reader);
+    return status != 0 && reader.error != 0 ? status_of_file_error(reader.error) : status;
 }
 
 } // namespace

@@ -15,6 +15,9 @@ constexpr OSStatus too_many_open_files = -42;
 constexpr OSStatus file_io_failed = -36;
 constexpr OSStatus not_an_audio_file = 0x7479703F; ///< 'typ?'
 
+/// kAudioUnitErr_FailedInitialization of AUComponent.h: libsndfile is not installed.
+constexpr OSStatus failed_initialization = -10875;
+
 /// The status for a file that could not be opened or read with errno `error`.
 OSStatus status_of_file_error(int error);
 

@@ -198,7 +198,7 @@ TEST(Causes, HaveTheRemediesOfTheReportLinesPage) {
 
 TEST(Causes, OfTheSamplersStatusesAreThoseOfTheReportLinesPage) {
     const auto rows = table_rows("| OSStatus | on loading |");
-    ASSERT_EQ(rows.size(), 10U);
+    ASSERT_EQ(rows.size(), 11U);
     for (const auto& row : rows) {
         const std::string error = "AUSampler couldn't load it (OSStatus " + row[0] + ")";
         const Cause cause = cause_of(error);

@@ -1,0 +1,19 @@
+// libsndfile, loaded when a sample needs it. It brings the decoders of seven other libraries along,
+// which would be a third of the start of every run.
+#pragma once
+
+#include <sndfile.h>
+
+namespace lumo::platform {
+
+/// The functions of libsndfile that are used.
+struct SoundFileLibrary {
+    decltype(&sf_open_virtual) open_virtual;
+    decltype(&sf_close) close;
+};
+
+/// The library, which stays loaded; null when it is not installed. The first failure is reported on
+/// standard error with the dynamic linker's reason.
+const SoundFileLibrary* sound_file_library();
+
+} // namespace lumo::platform

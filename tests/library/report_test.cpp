@@ -5,6 +5,9 @@
 #include "support/temp_folder.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
 
 namespace {
 
@@ -143,6 +146,14 @@ TEST_F(LinesFileTest, AppendsBehindATornLineAndNotToIt) {
     ASSERT_EQ(file.append(other), "");
     EXPECT_EQ(read_file(path), good + "{\"name\":\"to\n" + other + '\n');
     EXPECT_EQ(sources(), (std::vector<std::string>{"a.exs", "b.exs"}));
+}
+
+TEST_F(LinesFileTest, HasAllPermissionsThatTheMaskAllows) {
+    const mode_t mask = umask(0);
+    LinesFile file;
+    EXPECT_EQ(file.open(path), "");
+    umask(mask);
+    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms{0666});
 }
 
 TEST_F(LinesFileTest, SaysWhyItCannotBeWritten) {

@@ -51,6 +51,10 @@ class Draw:
         return drawn
 
 
+OUTCOMES = ("noticed", "survived", "compiled to the same programs", "did not compile")
+NOTICED, SURVIVED, SAME, NOT_COMPILED = OUTCOMES
+
+
 class Trial:
     """Makes changes and counts the outcomes."""
 
@@ -60,28 +64,30 @@ class Trial:
         self._noticed_by = collections.Counter()  # (folder of the source, program)
 
     def judge(self, name, change):
-        """The program that detects the change; "" if none does, None if the change does not
-        compile."""
+        """The outcome of a change, and what noticed it."""
         path = self._bench.tree / name
         source = path.read_text()
         try:
             path.write_text(change.apply(source))
-            verdict = self._verdict(name)
+            outcome, noticed_by = self._verdict(name)
         finally:
             path.write_text(source)
-        self.counts["did not compile" if verdict is None else
-                    "noticed" if verdict else "survived"] += 1
-        return verdict
+        self.counts[outcome] += 1
+        return outcome, noticed_by
 
     def _verdict(self, name):
+        outcome = SAME
         for program in self._nearest_first(name):
             if not self._bench.is_built(program):
-                return None
+                return NOT_COMPILED, ""
+            if not self._bench.differs(program):
+                continue
+            outcome = SURVIVED
             failure = self._bench.failure_of(program)
             if failure:
                 self._noticed_by[Path(name).parent, program.name] += 1
-                return f"{program.name} {failure}"
-        return ""
+                return NOTICED, f": {program.name} {failure}"
+        return outcome, ""
 
     def _nearest_first(self, name):
         """The programs built from this source, in the order in which they are run: by the number of
@@ -115,15 +121,13 @@ def run(project, shares, count, seed, out=sys.stdout, progress=sys.stderr):
                                           Draw(bench.tree, sources, shares, seed)):
             source = (bench.tree / name).read_text()
             place = f"{name}:{change.line(source)}: {change.describe(source)}"
-            verdict = trial.judge(name, change)
-            say(f"[{number}/{count}] {place} | " +
-                ("does not compile" if verdict is None else verdict or "SURVIVED"))
-            if verdict == "":
+            outcome, noticed_by = trial.judge(name, change)
+            say(f"[{number}/{count}] {place} | {outcome}{noticed_by}")
+            if outcome == SURVIVED:
                 print(f"survived: {place}", file=out, flush=True)
     except KeyboardInterrupt:
         say("stopped")
-    print(", ".join(f"{trial.counts[what]} {what}"
-                    for what in ("noticed", "survived", "did not compile")), file=out)
+    print(", ".join(f"{trial.counts[outcome]} {outcome}" for outcome in OUTCOMES), file=out)
     return trial.counts
 
 

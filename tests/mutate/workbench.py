@@ -2,6 +2,7 @@
 their sources."""
 
 import dataclasses
+import hashlib
 import json
 import os
 import resource
@@ -37,6 +38,8 @@ class Program:
     environment: dict
     targets: list           # paths in the build folder that must be built for it
     sources: set = dataclasses.field(default_factory=set)  # the sources of the targets
+    files: list = dataclasses.field(default_factory=list)  # the targets and their libraries
+    digest: bytes = b""     # of the files, without a change
     cpu: float = 0.0        # seconds without a change
     wall: float = 0.0
 
@@ -81,6 +84,7 @@ class Workbench:
                          if any(Path(source).is_relative_to(folder)
                                 for source in program.sources for folder in folders)]
         for number, program in enumerate(self.programs, 1):
+            program.digest = self._digest(program)
             say(f"running the tests without a change: {number} of {len(self.programs)}, "
                 f"{program.name}")
             failure, program.cpu, program.wall = self._run(program, None)
@@ -115,7 +119,9 @@ class Workbench:
             targets = self._built_files([*command, *environment.values()])
             program = Program(name, command, environment, targets)
             for target in targets:
-                program.sources |= self._sources_of(target, objects)
+                inputs = [target, *self._ninja("-t", "inputs", target).split("\n")]
+                program.sources |= set().union(*(objects.get(path, set()) for path in inputs))
+                program.files += [target, *(path for path in inputs if ".so" in path)]
             programs[name] = program
         return list(programs.values())
 
@@ -138,10 +144,6 @@ class Workbench:
                 sources = objects.setdefault(line.split(": #deps")[0], set())
         return objects
 
-    def _sources_of(self, target, objects):
-        inputs = self._ninja("-t", "inputs", target).split("\n")
-        return set().union(*(objects.get(path, set()) for path in [target, *inputs]))
-
     def _ninja(self, *words):
         return self._must(["ninja", "-C", self.build_folder, *words])
 
@@ -151,6 +153,16 @@ class Workbench:
                                *(program.targets or ["all"])], stdin=subprocess.DEVNULL,
                               stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=False)
         return done.returncode == 0
+
+    def _digest(self, program):
+        digest = hashlib.sha256()
+        for path in program.files:
+            digest.update((self.build_folder / path).read_bytes())
+        return digest.digest()
+
+    def differs(self, program):
+        """Whether the built program differs from the one without a change."""
+        return self._digest(program) != program.digest
 
     def failure_of(self, program):
         """Why the program's tests failed; "" if they passed."""

@@ -286,6 +286,16 @@ class Endings(LibraryTest):
         self.expect(done, 3)
         self.assertIn(b"lumo-exs-import: cannot be started: No such file or directory", done.stderr)
 
+    def test_with_more_roots_than_a_command_line_takes_give_3(self):
+        self.use_fake_tool()
+        names = [f"{i}/a.exs" for i in range(9000)]
+        self.make(*names)
+        # Of 256 KiB, the instruments' paths take 200, and a --search of each one's folder 300.
+        done = self.run_library(words=["sh", "-c", "ulimit -s 1024; exec \"$@\"", "sh",
+                                       *self.words(*[f"lib/{name}" for name in names])])
+        self.expect(done, 3)
+        self.assertIn(b"lumo-exs-import: cannot be started: Argument list too long", done.stderr)
+
     def test_of_a_line_that_is_none_are_a_failure(self):
         self.use_fake_tool(b="print nonsense")
         self.make("a.exs", "b.exs", "c.exs")

@@ -66,6 +66,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(NameKey, OfAsciiIsTheNameInLowerCase) {
     EXPECT_EQ(key_of("Snare #3 [Dry]_@.AIFF"), "snare #3 [dry]_@.aiff");
+    EXPECT_EQ(key_of("@ABCDEFGHIJKLMNOPQRSTUVWXYZ["), "@abcdefghijklmnopqrstuvwxyz[");
 }
 
 TEST(NameKey, IsComposed) {

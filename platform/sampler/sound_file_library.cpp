@@ -4,7 +4,6 @@
 
 #include <dlfcn.h>
 
-#include <cstdio>
 #include <optional>
 
 namespace lumo::platform {
@@ -25,7 +24,6 @@ std::optional<SoundFileLibrary> load() {
         find_function(library, "sf_close", functions.close)) {
         return functions;
     }
-    std::fprintf(stderr, "WAVE, AIFF, AU, FLAC and Ogg files cannot be read: %s\n", dlerror());
     return std::nullopt;
 }
 

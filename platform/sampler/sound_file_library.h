@@ -12,8 +12,7 @@ struct SoundFileLibrary {
     decltype(&sf_close) close;
 };
 
-/// The library, which stays loaded; null when it is not installed. The first failure is reported on
-/// standard error with the dynamic linker's reason.
+/// The library, which stays loaded; null when it is not installed.
 const SoundFileLibrary* sound_file_library();
 
 } // namespace lumo::platform

@@ -18,11 +18,11 @@ protected:
     }
 };
 
-TEST_F(WithoutLibsndfile, AWaveFileFailsWithItsOwnStatusAndTheReasonIsShown) {
+TEST_F(WithoutLibsndfile, AWaveFileFailsWithAStatusOfItsOwn) {
     const ProcessResult result = run(make_preset("x.aupreset", {make_sound("Kit/kick.wav")}));
     EXPECT_NE(result.out.find("AUSampler couldn't load it (OSStatus -10875)"), std::string::npos)
         << result.out;
-    EXPECT_NE(result.err.find("libsndfile.so.1"), std::string::npos) << result.err;
+    EXPECT_EQ(result.err, "");
 }
 
 TEST_F(WithoutLibsndfile, InstrumentsThatDoNotNeedItAreImported) {

@@ -74,7 +74,8 @@ constexpr std::array known_statuses{
     KnownStatus{"-10871",
                 "the instrument file is damaged, is not a regular file, or is larger than 1 GiB",
                 "restore it from a backup, or save it again"},
-    KnownStatus{"-10875", "Linux: libsndfile is not installed, which reads WAV and AIFF",
+    KnownStatus{"-10875",
+                "Linux: libsndfile, which reads WAV and AIFF, is not installed or cannot be loaded",
                 "install it (Debian: libsndfile1)"},
     KnownStatus{"1954115647",
                 "a sample is not an audio file, or has a format that cannot be read; or a sound "

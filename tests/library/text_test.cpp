@@ -87,6 +87,8 @@ TEST(Text, BytesAndTimesHaveFittingUnits) {
     EXPECT_EQ(bytes_text(1), "1 byte");
     EXPECT_EQ(bytes_text(999), "999 bytes");
     EXPECT_EQ(bytes_text(1000), "1.0 kB");
+    EXPECT_EQ(bytes_text(999949), "999.9 kB");
+    EXPECT_EQ(bytes_text(999950), "1.0 MB");
     EXPECT_EQ(bytes_text(999999), "1.0 MB");
     EXPECT_EQ(bytes_text(1234567890), "1.2 GB");
     EXPECT_EQ(bytes_text(2500000000000000), "2500.0 TB");

@@ -13,10 +13,10 @@ namespace {
 std::size_t limit_at_once = no_limit;
 std::size_t left_in_all = no_limit;
 std::size_t given = 0;
-std::size_t largest_room = 0;
+std::size_t max_room = 0;
 
 ssize_t limited_read(int file, void* bytes, std::size_t size) {
-    largest_room = std::max(largest_room, given + size);
+    max_room = std::max(max_room, given + size);
     const std::size_t allowed = std::min({size, limit_at_once, left_in_all});
     const ssize_t count = syscall(SYS_read, file, bytes, allowed);
     if (count > 0) {
@@ -32,7 +32,7 @@ LimitedReads::LimitedReads(std::size_t at_once, std::size_t in_all) {
     limit_at_once = at_once;
     left_in_all = in_all;
     given = 0;
-    largest_room = 0;
+    max_room = 0;
 }
 
 LimitedReads::~LimitedReads() {
@@ -41,7 +41,7 @@ LimitedReads::~LimitedReads() {
 }
 
 std::size_t LimitedReads::room() const {
-    return largest_room;
+    return max_room;
 }
 
 } // namespace lumo::test

@@ -21,7 +21,7 @@ extern char** environ; // not every system declares it
 namespace lumo::library {
 namespace {
 
-constexpr int longest_wait_ms = 100;
+constexpr int max_wait_ms = 100;
 constexpr std::size_t spare_room = 4096;                  // POSIX recommends 2048
 constexpr std::size_t usual_limit = std::size_t{2} << 20; // for systems that report no limit
 
@@ -144,7 +144,7 @@ void ToolProcess::read_output(const std::function<void(std::string_view line)>& 
                               const std::function<void(std::string_view line)>& take_err) {
     std::array<pollfd, 2> pipes = {pollfd{out_.descriptor(), POLLIN, 0},
                                    pollfd{err_.descriptor(), POLLIN, 0}};
-    if (poll(pipes.data(), pipes.size(), longest_wait_ms) <= 0) {
+    if (poll(pipes.data(), pipes.size(), max_wait_ms) <= 0) {
         return;
     }
     if (pipes[0].revents != 0) {

@@ -100,7 +100,7 @@ int mac_statfs(const char* path, MacStatfs* into) {
 struct MacStatvfs {
     unsigned long block_size, fragment_size;
     std::uint32_t blocks, free, available, files, free_files, available_files;
-    unsigned long id, flags, longest_name;
+    unsigned long id, flags, max_name;
 };
 
 int mac_statvfs(const char* path, MacStatvfs* into) {

@@ -148,6 +148,14 @@ TEST_F(LinesFileTest, AppendsBehindATornLineAndNotToIt) {
     EXPECT_EQ(sources(), (std::vector<std::string>{"a.exs", "b.exs"}));
 }
 
+TEST_F(LinesFileTest, AppendsBehindATornLineOfOneByte) {
+    write_file(path, "{");
+    LinesFile file;
+    ASSERT_EQ(file.open(path), "");
+    ASSERT_EQ(file.append(other), "");
+    EXPECT_EQ(read_file(path), "{\n" + other + '\n');
+}
+
 TEST_F(LinesFileTest, HasAllPermissionsThatTheMaskAllows) {
     const mode_t mask = umask(0);
     LinesFile file;

@@ -35,7 +35,9 @@ bool reads_after(FILE* (*reopen)(const char*, const char*, FILE*), const char* p
     FILE* const stream = fopen("/dev/null", "r");
     FILE* const reopened = reopen(path, "r", stream);
     if (!reopened) {
+        const int error = errno;
         fclose(stream); // already closed; in glibc this call frees its memory
+        errno = error;
     }
     return reads(reopened);
 }

@@ -20,7 +20,6 @@ namespace {
 
 using namespace lumo::exs;
 using namespace lumo::test;
-using lumo::adopt;
 using lumo::Ref;
 
 /// Layers as in velocity-split instruments: a zone for every few keys.

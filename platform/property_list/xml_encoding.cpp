@@ -33,7 +33,7 @@ std::optional<std::string_view> converted(CFStringEncoding encoding, std::string
         return std::nullopt;
     }
     const auto& units = as<String>(string.get());
-    storage.resize(units.length * 3); // no unit takes more in UTF-8
+    storage.resize(std::size_t{units.length} * 3); // no unit takes more in UTF-8
     storage.resize(encode(units, 0, units.length, kCFStringEncodingUTF8, 0, false,
                           reinterpret_cast<std::uint8_t*>(storage.data()), storage.size())
                        .bytes);

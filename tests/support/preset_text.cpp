@@ -183,6 +183,7 @@ std::string large_state_text(int zones) {
     text.close("array");
     text.close("dict");
     std::vector<std::string> paths;
+    paths.reserve(static_cast<std::size_t>(zones));
     for (int i = 0; i < zones; ++i) {
         paths.push_back("samples/Kit/" + std::to_string(i) + ".wav");
     }

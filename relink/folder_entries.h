@@ -1,9 +1,9 @@
 // The entries and the real path of an open folder, by the fastest method of the system.
 #pragma once
 
-#include "allocated_text.h"
 #include "base/descriptor.h"
 
+#include <limits.h>
 #include <stdlib.h>
 
 #include <functional>
@@ -21,7 +21,8 @@ void read_entries(Descriptor folder, const TakeEntry& take);
 
 /// `path` (empty: the current folder) with its links resolved; empty on failure.
 inline std::string real_path(const std::string& path) {
-    return take_text(realpath(path.empty() ? "." : path.c_str(), nullptr));
+    char resolved[PATH_MAX];
+    return realpath(path.empty() ? "." : path.c_str(), resolved) ? resolved : "";
 }
 
 /// The same as real_path(path), for a `folder` that was opened at `path`. One of two

@@ -4,18 +4,16 @@
 // as a function of the path, and redirect chooses the path.
 //
 // glibc's fopen, opendir and realpath call internal functions that cannot be interposed, so each
-// name has a shim. The variants with 64 in their names differ from the others where off_t has 32
-// bits.
+// name has a shim.
 #undef _FORTIFY_SOURCE
 #undef _FILE_OFFSET_BITS
 
-#include "allocated_text.h"
 #include "real_function.h"
 #include "redirect.h"
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <stdarg.h>
+#include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -34,14 +32,10 @@ using OpenStream = FILE*(const char*, const char*);
 using ReopenStream = FILE*(const char*, const char*, FILE*);
 using OpenFolder = DIR*(const char*);
 using Stat = int(const char*, struct stat*);
-using Stat64 = int(const char*, struct stat64*);
 using StatAt = int(int, const char*, struct stat*, int);
-using StatAt64 = int(int, const char*, struct stat64*, int);
 using StatX = int(int, const char*, int, unsigned, struct statx*);
 using OldStat = int(int, const char*, struct stat*);
-using OldStat64 = int(int, const char*, struct stat64*);
 using OldStatAt = int(int, int, const char*, struct stat*, int);
-using OldStatAt64 = int(int, int, const char*, struct stat64*, int);
 using Access = int(const char*, int);
 using AccessAt = int(int, const char*, int, int);
 using ReadLink = ssize_t(const char*, char*, size_t);
@@ -50,61 +44,25 @@ using RealPathChecked = char*(const char*, char*, size_t);
 using CanonicalName = char*(const char*);
 
 constinit RealFunction<Open> real_open("open");
-constinit RealFunction<Open> real_open64("open64");
 constinit RealFunction<OpenChecked> real_open_2("__open_2");
-constinit RealFunction<OpenChecked> real_open64_2("__open64_2");
 constinit RealFunction<OpenAt> real_openat("openat");
-constinit RealFunction<OpenAt> real_openat64("openat64");
 constinit RealFunction<OpenAtChecked> real_openat_2("__openat_2");
-constinit RealFunction<OpenAtChecked> real_openat64_2("__openat64_2");
 constinit RealFunction<OpenStream> real_fopen("fopen");
-constinit RealFunction<OpenStream> real_fopen64("fopen64");
 constinit RealFunction<ReopenStream> real_freopen("freopen");
-constinit RealFunction<ReopenStream> real_freopen64("freopen64");
 constinit RealFunction<OpenFolder> real_opendir("opendir");
 constinit RealFunction<Stat> real_stat("stat");
-constinit RealFunction<Stat64> real_stat64("stat64");
 constinit RealFunction<Stat> real_lstat("lstat");
-constinit RealFunction<Stat64> real_lstat64("lstat64");
 constinit RealFunction<StatAt> real_fstatat("fstatat");
-constinit RealFunction<StatAt64> real_fstatat64("fstatat64");
 constinit RealFunction<StatX> real_statx("statx");
 constinit RealFunction<OldStat> real_xstat("__xstat");
-constinit RealFunction<OldStat64> real_xstat64("__xstat64");
 constinit RealFunction<OldStat> real_lxstat("__lxstat");
-constinit RealFunction<OldStat64> real_lxstat64("__lxstat64");
 constinit RealFunction<OldStatAt> real_fxstatat("__fxstatat");
-constinit RealFunction<OldStatAt64> real_fxstatat64("__fxstatat64");
 constinit RealFunction<Access> real_access("access");
 constinit RealFunction<AccessAt> real_faccessat("faccessat");
 constinit RealFunction<ReadLink> real_readlink("readlink");
 constinit RealFunction<RealPath> real_realpath("realpath");
 constinit RealFunction<RealPathChecked> real_realpath_chk("__realpath_chk");
 constinit RealFunction<CanonicalName> real_canonicalize_file_name("canonicalize_file_name");
-
-/// The mode argument of an open call that may create a file; 0 for other calls.
-mode_t mode_of(int flags, va_list arguments) {
-    const bool has_mode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
-    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started the list.
-    return has_mode ? va_arg(arguments, mode_t) : 0;
-}
-
-/// freopen closes its stream even when it fails, so the path is chosen first and freopen is called
-/// once.
-FILE* reopen(RealFunction<ReopenStream>& real, const char* path, const char* mode, FILE* stream) {
-    if (!session::is_open() || !path || !only_reads(mode)) {
-        return real(path, mode, stream);
-    }
-    std::string chosen = path;
-    redirect(path, [&](const char* p) {
-        const int result = real_access(p, F_OK);
-        if (result == 0) {
-            chosen = p;
-        }
-        return result;
-    });
-    return real(chosen.c_str(), mode, stream);
-}
 
 } // namespace
 
@@ -122,7 +80,8 @@ bool is_link(const char* path) {
 }
 
 std::string real_path(const char* path) {
-    return take_text(real_realpath(path, nullptr));
+    char resolved[PATH_MAX];
+    return real_realpath(path, resolved) ? resolved : "";
 }
 
 } // namespace lumo::exs::relink
@@ -134,45 +93,18 @@ using namespace lumo::exs::relink;
 extern "C" {
 
 int open(const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, flags);
     return redirect_open(flags, path, [&](const char* p) { return real_open(p, flags, mode); });
-}
-
-int open64(const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = mode_of(flags, arguments);
-    va_end(arguments);
-    return redirect_open(flags, path, [&](const char* p) { return real_open64(p, flags, mode); });
 }
 
 int __open_2(const char* path, int flags) {
     return redirect_open(flags, path, [&](const char* p) { return real_open_2(p, flags); });
 }
 
-int __open64_2(const char* path, int flags) {
-    return redirect_open(flags, path, [&](const char* p) { return real_open64_2(p, flags); });
-}
-
 int openat(int folder, const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, flags);
     return redirect_open_at(flags, folder, path,
                             [&](int f, const char* p) { return real_openat(f, p, flags, mode); });
-}
-
-int openat64(int folder, const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = mode_of(flags, arguments);
-    va_end(arguments);
-    return redirect_open_at(flags, folder, path,
-                            [&](int f, const char* p) { return real_openat64(f, p, flags, mode); });
 }
 
 int __openat_2(int folder, const char* path, int flags) {
@@ -180,25 +112,25 @@ int __openat_2(int folder, const char* path, int flags) {
                             [&](int f, const char* p) { return real_openat_2(f, p, flags); });
 }
 
-int __openat64_2(int folder, const char* path, int flags) {
-    return redirect_open_at(flags, folder, path,
-                            [&](int f, const char* p) { return real_openat64_2(f, p, flags); });
-}
-
 FILE* fopen(const char* path, const char* mode) {
     return redirect_open(mode, path, [&](const char* p) { return real_fopen(p, mode); });
 }
 
-FILE* fopen64(const char* path, const char* mode) {
-    return redirect_open(mode, path, [&](const char* p) { return real_fopen64(p, mode); });
-}
-
+/// freopen closes its stream even when it fails, so the path is chosen first and freopen is called
+/// once.
 FILE* freopen(const char* path, const char* mode, FILE* stream) {
-    return reopen(real_freopen, path, mode, stream);
-}
-
-FILE* freopen64(const char* path, const char* mode, FILE* stream) {
-    return reopen(real_freopen64, path, mode, stream);
+    if (!session::is_open() || !path || !only_reads(mode)) {
+        return real_freopen(path, mode, stream);
+    }
+    std::string chosen = path;
+    redirect(path, [&](const char* p) {
+        const int result = real_access(p, F_OK);
+        if (result == 0) {
+            chosen = p;
+        }
+        return result;
+    });
+    return real_freopen(chosen.c_str(), mode, stream);
 }
 
 DIR* opendir(const char* path) {
@@ -209,26 +141,13 @@ int stat(const char* path, struct stat* status) noexcept {
     return redirect(path, [&](const char* p) { return real_stat(p, status); });
 }
 
-int stat64(const char* path, struct stat64* status) noexcept {
-    return redirect(path, [&](const char* p) { return real_stat64(p, status); });
-}
-
 int lstat(const char* path, struct stat* status) noexcept {
     return redirect(path, [&](const char* p) { return real_lstat(p, status); });
-}
-
-int lstat64(const char* path, struct stat64* status) noexcept {
-    return redirect(path, [&](const char* p) { return real_lstat64(p, status); });
 }
 
 int fstatat(int folder, const char* path, struct stat* status, int flags) noexcept {
     return redirect_at(folder, path,
                        [&](int f, const char* p) { return real_fstatat(f, p, status, flags); });
-}
-
-int fstatat64(int folder, const char* path, struct stat64* status, int flags) noexcept {
-    return redirect_at(folder, path,
-                       [&](int f, const char* p) { return real_fstatat64(f, p, status, flags); });
 }
 
 int statx(int folder, const char* path, int flags, unsigned mask, struct statx* status) noexcept {
@@ -242,27 +161,13 @@ int __xstat(int version, const char* path, struct stat* status) {
     return redirect(path, [&](const char* p) { return real_xstat(version, p, status); });
 }
 
-int __xstat64(int version, const char* path, struct stat64* status) {
-    return redirect(path, [&](const char* p) { return real_xstat64(version, p, status); });
-}
-
 int __lxstat(int version, const char* path, struct stat* status) {
     return redirect(path, [&](const char* p) { return real_lxstat(version, p, status); });
-}
-
-int __lxstat64(int version, const char* path, struct stat64* status) {
-    return redirect(path, [&](const char* p) { return real_lxstat64(version, p, status); });
 }
 
 int __fxstatat(int version, int folder, const char* path, struct stat* status, int flags) {
     return redirect_at(folder, path, [&](int f, const char* p) {
         return real_fxstatat(version, f, p, status, flags);
-    });
-}
-
-int __fxstatat64(int version, int folder, const char* path, struct stat64* status, int flags) {
-    return redirect_at(folder, path, [&](int f, const char* p) {
-        return real_fxstatat64(version, f, p, status, flags);
     });
 }
 
@@ -290,6 +195,22 @@ char* __realpath_chk(const char* path, char* resolved, size_t size) noexcept {
 char* canonicalize_file_name(const char* path) noexcept {
     return redirect(path, [](const char* p) { return real_canonicalize_file_name(p); });
 }
+
+// Where off_t has 64 bits, the variants with 64 in their names are the same functions.
+static_assert(sizeof(off_t) == sizeof(off64_t) && sizeof(struct stat) == sizeof(struct stat64));
+
+[[gnu::alias("open")]] int open64(const char*, int, ...);
+[[gnu::alias("__open_2")]] int __open64_2(const char*, int);
+[[gnu::alias("openat")]] int openat64(int, const char*, int, ...);
+[[gnu::alias("__openat_2")]] int __openat64_2(int, const char*, int);
+[[gnu::alias("fopen")]] FILE* fopen64(const char*, const char*);
+[[gnu::alias("freopen")]] FILE* freopen64(const char*, const char*, FILE*);
+[[gnu::alias("stat")]] int stat64(const char*, struct stat64*) noexcept;
+[[gnu::alias("lstat")]] int lstat64(const char*, struct stat64*) noexcept;
+[[gnu::alias("fstatat")]] int fstatat64(int, const char*, struct stat64*, int) noexcept;
+[[gnu::alias("__xstat")]] int __xstat64(int, const char*, struct stat64*);
+[[gnu::alias("__lxstat")]] int __lxstat64(int, const char*, struct stat64*);
+[[gnu::alias("__fxstatat")]] int __fxstatat64(int, int, const char*, struct stat64*, int);
 
 } // extern "C"
 #pragma GCC visibility pop

@@ -11,11 +11,10 @@
 // here with a C name; the compiler appends $INODE64 where the processor has that variant. Functions
 // that no header declares, or that some supported systems lack, are imported weakly: the loader
 // skips the pair of a missing function.
-#include "allocated_text.h"
 #include "redirect.h"
 
 #include <dirent.h>
-#include <stdarg.h>
+#include <limits.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <sys/attr.h>
@@ -64,56 +63,37 @@ bool is_link(const char* path) {
 }
 
 std::string real_path(const char* path) {
-    return take_text(realpath(path, nullptr));
+    char resolved[PATH_MAX];
+    return realpath(path, resolved) ? resolved : "";
 }
 
 namespace {
 
-/// The mode argument of an open call that may create a file; a mode_t is passed as an int.
-int mode_of(int flags, va_list arguments) {
-    return flags & O_CREAT ? va_arg(arguments, int) : 0;
-}
-
 int open_shim(const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const int mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, flags);
     return redirect_open(flags, path, [&](const char* p) { return open(p, flags, mode); });
 }
 
 int open_nocancel_shim(const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const int mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, flags);
     return redirect_open(flags, path, [&](const char* p) { return open_nocancel(p, flags, mode); });
 }
 
 int openat_shim(int folder, const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const int mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, flags);
     return redirect_open_at(flags, folder, path,
                             [&](int f, const char* p) { return openat(f, p, flags, mode); });
 }
 
 int openat_nocancel_shim(int folder, const char* path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const int mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, flags);
     return redirect_open_at(flags, folder, path, [&](int f, const char* p) {
         return openat_nocancel(f, p, flags, mode);
     });
 }
 
 int open_dprotected_np_shim(const char* path, int flags, int protection, int how, ...) {
-    va_list arguments;
-    va_start(arguments, how);
-    const int mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, how);
     return redirect_open(flags, path, [&](const char* p) {
         return open_dprotected_np(p, flags, protection, how, mode);
     });
@@ -121,20 +101,14 @@ int open_dprotected_np_shim(const char* path, int flags, int protection, int how
 
 int openat_dprotected_np_shim(int folder, const char* path, int flags, int protection, int how,
                               ...) {
-    va_list arguments;
-    va_start(arguments, how);
-    const int mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, how);
     return redirect_open_at(flags, folder, path, [&](int f, const char* p) {
         return openat_dprotected_np(f, p, flags, protection, how, mode);
     });
 }
 
 int guarded_open_np_shim(const char* path, const void* guard, unsigned guarded, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
-    const int mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, flags);
     return redirect_open(flags, path, [&](const char* p) {
         return guarded_open_np(p, guard, guarded, flags, mode);
     });
@@ -142,10 +116,7 @@ int guarded_open_np_shim(const char* path, const void* guard, unsigned guarded, 
 
 int guarded_open_dprotected_np_shim(const char* path, const void* guard, unsigned guarded,
                                     int flags, int protection, int how, ...) {
-    va_list arguments;
-    va_start(arguments, how);
-    const int mode = mode_of(flags, arguments);
-    va_end(arguments);
+    const int mode = LUMO_OPEN_MODE(flags, how);
     return redirect_open(flags, path, [&](const char* p) {
         return guarded_open_dprotected_np(p, guard, guarded, flags, protection, how, mode);
     });

@@ -5,6 +5,7 @@
 #include "session.h"
 
 #include <fcntl.h>
+#include <stdarg.h>
 
 #include <cerrno>
 #include <cstring>
@@ -116,6 +117,26 @@ inline bool only_reads(int flags) {
 inline bool only_reads(const char* mode) {
     return mode[0] == 'r' && !std::strchr(mode, '+');
 }
+
+/// Whether an open with these flags may create a file and has its mode as the next argument.
+inline bool has_mode(int flags) {
+#ifdef O_TMPFILE
+    return (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+#else
+    return (flags & O_CREAT) != 0;
+#endif
+}
+
+/// The mode argument of the shim that contains it, after the parameter `last`; 0 when `flags` have
+/// none. A macro, because a function can read only its own variable arguments.
+#define LUMO_OPEN_MODE(flags, last)                                                                \
+    __extension__({                                                                                \
+        va_list arguments;                                                                         \
+        va_start(arguments, last);                                                                 \
+        const int open_mode = has_mode(flags) ? va_arg(arguments, int) : 0;                        \
+        va_end(arguments);                                                                         \
+        open_mode;                                                                                 \
+    })
 
 /// Whether an open with these flags requires read permission.
 inline bool asks_to_read(int flags) {

@@ -1,6 +1,8 @@
 // Properties of file names: whether a name is a sample's, and the key that it is indexed by.
 #pragma once
 
+#include "base/characters.h"
+
 #include <string>
 #include <string_view>
 
@@ -8,11 +10,6 @@ namespace lumo::exs::relink {
 
 constexpr bool is_ascii(char c) {
     return static_cast<unsigned char>(c) < 0x80;
-}
-
-/// `c` in lower case if it is an ASCII letter.
-constexpr char to_lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
 /// The last component of `path`; empty when the path ends in a slash.

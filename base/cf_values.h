@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lumo {
 
@@ -59,6 +60,20 @@ inline CFTypeID type_id(CFStringRef) {
 template <class T>
 T value_as(CFTypeRef value) {
     return value && CFGetTypeID(value) == type_id(T()) ? static_cast<T>(value) : nullptr;
+}
+
+/// Calls `visit(key, value)`, both borrowed, for each entry of a dictionary (null: none).
+template <class Visit>
+void for_each_entry(CFDictionaryRef dictionary, Visit visit) {
+    if (dictionary) {
+        const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
+        std::vector<CFTypeRef> keys(count);
+        std::vector<CFTypeRef> values(count);
+        CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
+        for (std::size_t i = 0; i < count; ++i) {
+            visit(keys[i], values[i]);
+        }
+    }
 }
 
 /// The value of `key`, borrowed; null when there is none.

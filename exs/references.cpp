@@ -5,10 +5,6 @@
 #include "base/utf8.h"
 #include "property_list.h"
 
-#include <cstddef>
-#include <utility>
-#include <vector>
-
 namespace lumo::exs {
 namespace {
 
@@ -28,21 +24,13 @@ Ref<CFMutableDictionaryRef> make_dictionary(const References& paths) {
 } // namespace
 
 References references(const void* state) {
-    const CFDictionaryRef entries =
-        value_of<CFDictionaryRef>(static_cast<CFDictionaryRef>(state), references_key);
-    if (!entries) {
-        return {};
-    }
-    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(entries));
-    std::vector<const void*> keys(count);
-    std::vector<const void*> values(count);
-    CFDictionaryGetKeysAndValues(entries, keys.data(), values.data());
     References paths;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (const auto path = value_as<CFStringRef>(values[i])) {
-            paths[to_string(static_cast<CFStringRef>(keys[i]))] = to_string(path);
-        }
-    }
+    for_each_entry(value_of<CFDictionaryRef>(static_cast<CFDictionaryRef>(state), references_key),
+                   [&](CFTypeRef key, CFTypeRef value) {
+                       if (const auto path = value_as<CFStringRef>(value)) {
+                           paths[to_string(static_cast<CFStringRef>(key))] = to_string(path);
+                       }
+                   });
     return paths;
 }
 

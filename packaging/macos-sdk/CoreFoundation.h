@@ -11,6 +11,7 @@ extern "C" {
 #endif
 
 typedef const struct __CFLocale* CFLocaleRef;
+typedef struct __CFString* CFMutableStringRef;
 typedef CFOptionFlags CFStringCompareFlags;
 
 enum : CFStringCompareFlags { kCFCompareCaseInsensitive = 1 };

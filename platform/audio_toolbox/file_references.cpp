@@ -7,7 +7,6 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,65 +33,19 @@ Ref<CFStringRef> posix_path(CFStringRef reference) {
     return retain(reference);
 }
 
-/// The key of a reference, used for sorting, and its path.
+/// The key of a reference and its path.
 using Reference = std::pair<std::string, std::string>;
-
-struct References {
-    std::vector<CFTypeRef> keys; ///< borrowed
-    std::vector<Ref<CFStringRef>> paths;
-    std::vector<Reference> texts;
-
-    void add(CFTypeRef key, CFTypeRef value) {
-        const auto name = value_as<CFStringRef>(key);
-        const auto reference = value_as<CFStringRef>(value);
-        if (!name || !reference) {
-            return;
-        }
-        Ref<CFStringRef> path = posix_path(reference);
-        texts.emplace_back(to_string(name), to_string(path.get()));
-        keys.push_back(key);
-        paths.push_back(std::move(path));
-    }
-};
-
-References references_in(CFDictionaryRef list) {
-    References references;
-    const auto recorded = value_of<CFDictionaryRef>(list, "file-references");
-    if (!recorded) {
-        return references;
-    }
-    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(recorded));
-    std::vector<CFTypeRef> keys(count);
-    std::vector<CFTypeRef> values(count);
-    CFDictionaryGetKeysAndValues(recorded, keys.data(), values.data());
-    for (std::size_t i = 0; i < count; ++i) {
-        references.add(keys[i], values[i]);
-    }
-    return references;
-}
-
-Ref<CFDictionaryRef> dictionary_of(References& references) {
-    std::vector<CFTypeRef> paths;
-    paths.reserve(references.paths.size());
-    for (const Ref<CFStringRef>& path : references.paths) {
-        paths.push_back(path.get());
-    }
-    return adopt(CFDictionaryCreate(kCFAllocatorDefault, references.keys.data(), paths.data(),
-                                    static_cast<CFIndex>(paths.size()),
-                                    &kCFTypeDictionaryKeyCallBacks,
-                                    &kCFTypeDictionaryValueCallBacks));
-}
 
 SampleKind kind_of(const std::string& key) {
     return key.starts_with("Bank:") ? SampleKind::bank : SampleKind::audio;
 }
 
-std::vector<SampleReference> in_order(std::vector<Reference> texts) {
-    std::sort(texts.begin(), texts.end());
+std::vector<SampleReference> in_order(std::vector<Reference> references) {
+    std::sort(references.begin(), references.end());
     std::vector<SampleReference> files;
-    files.reserve(texts.size());
-    for (Reference& reference : texts) {
-        files.push_back({std::move(reference.second), kind_of(reference.first)});
+    files.reserve(references.size());
+    for (auto& [key, path] : references) {
+        files.push_back({std::move(path), kind_of(key)});
     }
     return files;
 }
@@ -100,9 +53,21 @@ std::vector<SampleReference> in_order(std::vector<Reference> texts) {
 } // namespace
 
 void read_references(CFDictionaryRef list, LoadedInstrument& loaded) {
-    References references = references_in(list);
-    loaded.references = dictionary_of(references);
-    loaded.samples = in_order(std::move(references.texts));
+    auto paths = adopt(CFDictionaryCreateMutable(
+        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    std::vector<Reference> references;
+    for_each_entry(value_of<CFDictionaryRef>(list, "file-references"),
+                   [&](CFTypeRef key, CFTypeRef value) {
+                       const auto name = value_as<CFStringRef>(key);
+                       const auto reference = value_as<CFStringRef>(value);
+                       if (name && reference) {
+                           const Ref<CFStringRef> path = posix_path(reference);
+                           CFDictionarySetValue(paths.get(), name, path.get());
+                           references.emplace_back(to_string(name), to_string(path.get()));
+                       }
+                   });
+    loaded.references = std::move(paths);
+    loaded.samples = in_order(std::move(references));
 }
 
 } // namespace lumo::platform

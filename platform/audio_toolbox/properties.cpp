@@ -76,33 +76,13 @@ OSStatus AudioUnitInitialize(AudioUnit unit) {
     return unit ? 0 : parameter_error;
 }
 
-OSStatus AudioUnitUninitialize(AudioUnit unit) {
-    return unit ? 0 : parameter_error;
-}
-
-OSStatus AudioUnitGetPropertyInfo(AudioUnit unit, AudioUnitPropertyID property,
-                                  AudioUnitScope scope, AudioUnitElement element, UInt32* out_size,
-                                  Boolean* out_writable) {
-    const OSStatus status = unit ? check_property(property, scope, element) : parameter_error;
-    if (out_size) {
-        *out_size = status == 0 ? property_size(property) : 0;
-    }
-    if (out_writable) {
-        *out_writable = status == 0;
-    }
-    return status;
-}
-
 OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
                               AudioUnitElement element, void* data, UInt32* size) {
     if (!size) {
         return parameter_error;
     }
-    if (!data) {
-        return AudioUnitGetPropertyInfo(unit, property, scope, element, size, nullptr);
-    }
     OSStatus status =
-        unit && *size != 0 ? check_property(property, scope, element) : parameter_error;
+        unit && data && *size != 0 ? check_property(property, scope, element) : parameter_error;
     if (status == 0 && property != kAudioUnitProperty_ClassInfo) {
         status = kAudioUnitErr_InvalidProperty; // an instrument cannot be read back
     }

@@ -4,7 +4,6 @@
 #include "core_foundation/object.h"
 
 #include <cstddef>
-#include <cstdint>
 
 namespace lumo::platform {
 

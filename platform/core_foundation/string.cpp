@@ -9,7 +9,6 @@
 #include <new>
 #include <optional>
 #include <stdexcept>
-#include <string>
 
 namespace lumo::platform {
 namespace {

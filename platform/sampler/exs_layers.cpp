@@ -4,7 +4,6 @@
 // zones.
 #include "sampler/exs_layers.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <numeric>

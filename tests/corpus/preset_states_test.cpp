@@ -7,10 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <filesystem>
 #include <string>
-#include <vector>
 
 namespace fs = std::filesystem;
 
@@ -21,17 +19,13 @@ namespace {
 /// entry that hosts add.
 Ref<CFMutableDictionaryRef> without_samples(CFPropertyListRef preset) {
     const auto* const dictionary = static_cast<CFDictionaryRef>(preset);
-    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
-    std::vector<const void*> keys(count);
-    std::vector<const void*> values(count);
-    CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
     auto state = adopt(CFDictionaryCreateMutable(
         kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!CFEqual(keys[i], make_string("file-secure-references").get())) {
-            CFDictionarySetValue(state.get(), keys[i], values[i]);
+    for_each_entry(dictionary, [&](CFTypeRef key, CFTypeRef value) {
+        if (!CFEqual(key, make_string("file-secure-references").get())) {
+            CFDictionarySetValue(state.get(), key, value);
         }
-    }
+    });
     CFDictionarySetValue(state.get(), make_string("file-references").get(), parse("<dict/>").get());
     return state;
 }

@@ -100,14 +100,10 @@ std::string array_text(CFArrayRef array) {
 }
 
 std::string dictionary_text(CFDictionaryRef dictionary) {
-    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
-    std::vector<const void*> keys(count);
-    std::vector<const void*> values(count);
-    CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
     std::vector<std::string> parts;
-    for (std::size_t i = 0; i < count; ++i) {
-        parts.push_back(described(keys[i]) + ": " + described(values[i]));
-    }
+    for_each_entry(dictionary, [&](CFTypeRef key, CFTypeRef value) {
+        parts.push_back(described(key) + ": " + described(value));
+    });
     return sorted(std::move(parts), "{", "}");
 }
 

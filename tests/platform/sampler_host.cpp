@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <set>
-#include <vector>
 
 namespace lumo::test {
 AudioComponentDescription sampler_description() {
@@ -67,12 +65,10 @@ double number_at(CFDictionaryRef dictionary, std::string_view key) {
 }
 
 std::string keys_of(CFDictionaryRef dictionary) {
-    std::vector<CFTypeRef> keys(static_cast<std::size_t>(CFDictionaryGetCount(dictionary)));
-    CFDictionaryGetKeysAndValues(dictionary, keys.data(), nullptr);
     std::set<std::string> ordered;
-    for (const CFTypeRef key : keys) {
+    for_each_entry(dictionary, [&](CFTypeRef key, CFTypeRef) {
         ordered.insert(to_string(static_cast<CFStringRef>(key)));
-    }
+    });
     std::string all;
     for (const std::string& key : ordered) {
         all += (all.empty() ? "" : ", ") + key;

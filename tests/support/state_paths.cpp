@@ -69,13 +69,9 @@ void add_array(StatePaths& paths, const std::string& prefix, CFArrayRef array) {
 }
 
 void add_dictionary(StatePaths& paths, const std::string& prefix, CFDictionaryRef dictionary) {
-    const auto count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
-    std::vector<const void*> keys(count);
-    std::vector<const void*> values(count);
-    CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
-    for (std::size_t i = 0; i < count; ++i) {
-        add(paths, prefix + to_string(static_cast<CFStringRef>(keys[i])), values[i]);
-    }
+    for_each_entry(dictionary, [&](CFTypeRef key, CFTypeRef value) {
+        add(paths, prefix + to_string(static_cast<CFStringRef>(key)), value);
+    });
 }
 
 void add(StatePaths& paths, const std::string& path, CFTypeRef value) {

@@ -54,7 +54,6 @@ enum {
     kAudioUnitErr_InvalidFile = -10871,
     kAudioUnitErr_FormatNotSupported = -10868,
     kAudioUnitErr_InvalidScope = -10866,
-    kAudioUnitErr_PropertyNotWritable = -10865,
     kAudioUnitErr_InvalidPropertyValue = -10851
 };
 
@@ -86,18 +85,10 @@ OSStatus AudioComponentInstanceDispose(AudioComponentInstance instance);
 
 /// Prepares the unit for use. Returns 0 or a status.
 OSStatus AudioUnitInitialize(AudioUnit unit);
-/// Reverses AudioUnitInitialize. Returns 0 or a status.
-OSStatus AudioUnitUninitialize(AudioUnit unit);
-/// Gets the size in bytes of a property's value and whether it can be set; either pointer may be
-/// null. Returns 0, or a status with both set to zero: -10879 for an unknown property, -10866 for
-/// another scope, -10877 for another element.
-OSStatus AudioUnitGetPropertyInfo(AudioUnit unit, AudioUnitPropertyID property,
-                                  AudioUnitScope scope, AudioUnitElement element, UInt32* out_size,
-                                  Boolean* out_writable);
-/// Reads a property into `data` of `*size` bytes (-50 when 0), and sets `*size` to the number
-/// written; if `data` is null, only sets `*size` to the size of the value. An object is returned
-/// with a reference that the caller releases, unless the buffer is too small for the pointer.
-/// Returns 0, or a status as AudioUnitGetPropertyInfo does, with `*size` set to 0.
+/// Reads a property into `data` of `*size` bytes, and sets `*size` to the number written. An object
+/// is returned with a reference that the caller releases, unless the buffer is too small for the
+/// pointer. Returns 0, or a status with `*size` set to 0: -50 when `data` is null or `*size` is 0,
+/// -10879 for an unknown property, -10866 for another scope, -10877 for another element.
 OSStatus AudioUnitGetProperty(AudioUnit unit, AudioUnitPropertyID property, AudioUnitScope scope,
                               AudioUnitElement element, void* data, UInt32* size);
 /// Sets a property from `size` bytes at `data`. Returns 0 or a status: -50 when only one of `data`

@@ -17,17 +17,10 @@ extern "C" {
 typedef unsigned char Boolean;
 typedef unsigned char UInt8;
 typedef signed char SInt8;
-typedef unsigned short UInt16;
-typedef signed short SInt16;
 typedef unsigned int UInt32;
 typedef signed int SInt32;
-typedef unsigned long long UInt64;
 typedef signed long long SInt64;
-typedef float Float32;
-typedef double Float64;
-typedef UInt16 UniChar;
-typedef UInt32 FourCharCode;
-typedef FourCharCode OSType;
+typedef UInt32 OSType;
 typedef SInt32 OSStatus;
 
 typedef signed long CFIndex;
@@ -42,7 +35,6 @@ typedef CFTypeRef CFPropertyListRef;
 // NOLINTBEGIN(bugprone-reserved-identifier): the tags are macOS's
 typedef const struct __CFAllocator* CFAllocatorRef;
 typedef const struct __CFString* CFStringRef;
-typedef struct __CFString* CFMutableStringRef;
 typedef const struct __CFData* CFDataRef;
 typedef const struct __CFDate* CFDateRef;
 typedef const struct __CFArray* CFArrayRef;
@@ -107,7 +99,7 @@ enum CFPropertyListFormat : CFIndex {
     kCFPropertyListBinaryFormat_v1_0 = 200
 };
 
-enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0, kCFURLHFSPathStyle = 1 };
+enum CFURLPathStyle : CFIndex { kCFURLPOSIXPathStyle = 0 };
 
 typedef struct {
     CFIndex version;

@@ -12,6 +12,7 @@
 #include <sndfile.h>
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -79,9 +80,26 @@ TEST_F(ExsInstruments, AreNotWaitedForInAPipe) {
     EXPECT_EQ(load(folder / "pipe.exs"), kAudioUnitErr_InvalidFile);
 }
 
-TEST_F(ExsInstruments, AreNotReadBeyondAGigabyte) {
-    write_file(folder / "Pad.exs", "");
-    fs::resize_file(folder / "Pad.exs", (std::uintmax_t{1} << 30) + 1);
+/// Writes a valid instrument of `size` bytes: nearly all of it is a hole, the content of a chunk
+/// that is not read.
+void write_sparse_instrument(const fs::path& path, std::uint32_t size) {
+    constexpr int unread_type = 40;
+    constexpr std::size_t size_field = 4;
+    const std::string instrument = ExsBuilder().bytes();
+    std::string bytes = ExsBuilder().chunk(unread_type, "").bytes();
+    const auto content = static_cast<std::uint32_t>(size - bytes.size());
+    for (const unsigned byte : {0U, 1U, 2U, 3U}) {
+        bytes[instrument.size() + size_field + byte] = static_cast<char>(content >> (8 * byte));
+    }
+    write_file(path, bytes);
+    fs::resize_file(path, size);
+}
+
+TEST_F(ExsInstruments, MayHaveAGigabyteAndNoMore) {
+    constexpr std::uint32_t max_size = std::uint32_t{1} << 30;
+    write_sparse_instrument(folder / "Pad.exs", max_size);
+    EXPECT_EQ(load(folder / "Pad.exs"), 0);
+    write_sparse_instrument(folder / "Pad.exs", max_size + 1);
     EXPECT_EQ(load(folder / "Pad.exs"), kAudioUnitErr_InvalidFile);
 }
 

@@ -62,6 +62,12 @@ T value_as(CFTypeRef value) {
     return value && CFGetTypeID(value) == type_id(T()) ? static_cast<T>(value) : nullptr;
 }
 
+/// A new, empty dictionary of objects.
+inline Ref<CFMutableDictionaryRef> make_mutable_dictionary() {
+    return adopt(CFDictionaryCreateMutable(kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks,
+                                           &kCFTypeDictionaryValueCallBacks));
+}
+
 /// Calls `visit(key, value)`, both borrowed, for each entry of a dictionary (null: none).
 template <class Visit>
 void for_each_entry(CFDictionaryRef dictionary, Visit visit) {

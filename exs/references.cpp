@@ -11,8 +11,7 @@ namespace {
 constexpr const char* references_key = "file-references";
 
 Ref<CFMutableDictionaryRef> make_dictionary(const References& paths) {
-    auto dictionary = adopt(CFDictionaryCreateMutable(
-        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    auto dictionary = make_mutable_dictionary();
     for (const auto& [key, path] : paths) {
         if (is_utf8(key) && is_utf8(path)) {
             CFDictionarySetValue(dictionary.get(), make_string(key).get(), make_string(path).get());

@@ -123,8 +123,7 @@ OSStatus read_class_info(CFPropertyListRef list, SamplerState& state) {
 }
 
 Ref<CFMutableDictionaryRef> class_info(const SamplerState& state) {
-    auto info = adopt(CFDictionaryCreateMutable(
-        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    auto info = make_mutable_dictionary();
     set_constants(info);
     set_parameters(info, state.parameters);
     set_unit_values(info.get(), state.values);

@@ -53,8 +53,7 @@ std::vector<SampleReference> in_order(std::vector<Reference> references) {
 } // namespace
 
 void read_references(CFDictionaryRef list, LoadedInstrument& loaded) {
-    auto paths = adopt(CFDictionaryCreateMutable(
-        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    auto paths = make_mutable_dictionary();
     std::vector<Reference> references;
     for_each_entry(value_of<CFDictionaryRef>(list, "file-references"),
                    [&](CFTypeRef key, CFTypeRef value) {

@@ -5,7 +5,6 @@
 #include "core_foundation/objects.h"
 #include "property_list/binary_format.h"
 #include "property_list/object_graph.h"
-#include "property_list/object_order.h"
 
 #include <algorithm>
 #include <bit>

@@ -85,89 +85,82 @@ public:
     }
 
 private:
-    bool add_children(std::size_t node);
-    bool add_items(const Array& array);
-    bool add_entries(const Dictionary& dictionary);
-    bool add_ref(const Object* object);
-    std::optional<std::uint32_t> number_of(const Object* object);
-    std::uint32_t find_or_add(const Object* object);
+    bool add_children(std::size_t node) {
+        const Object* object = graph_.nodes[node].object;
+        const std::size_t first_ref = graph_.refs.size();
+        if (object->kind == Kind::array && !add_items(as<Array>(object))) {
+            return false;
+        }
+        if (object->kind == Kind::dictionary && !add_entries(as<Dictionary>(object))) {
+            return false;
+        }
+        graph_.nodes[node].first_ref = first_ref;
+        graph_.nodes[node].ref_count = graph_.refs.size() - first_ref;
+        return true;
+    }
+
+    bool add_items(const Array& array) {
+        for (const Object* item : array.items()) {
+            if (!add_ref(item)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool add_entries(const Dictionary& dictionary) {
+        for (const Entry& entry : dictionary.items()) {
+            if (entry.key->kind != Kind::string || !add_ref(entry.key)) {
+                return false;
+            }
+        }
+        for (const Entry& entry : dictionary.items()) {
+            if (!add_ref(entry.value)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool add_ref(const Object* object) {
+        const auto number = number_of(object);
+        if (number) {
+            graph_.refs.push_back(*number);
+        }
+        return number.has_value();
+    }
+
+    /// The index of the object's node; nothing when the object cannot be written.
+    std::optional<std::uint32_t> number_of(const Object* object) {
+        switch (object->kind) {
+        case Kind::null:
+        case Kind::set:
+        case Kind::url:
+            return std::nullopt;
+        default:
+            return find_or_add(object);
+        }
+    }
+
+    std::uint32_t find_or_add(const Object* object) {
+        auto& nodes = graph_.nodes;
+        if (nodes.size() == HashIndex::none) {
+            throw std::length_error{"too many objects for a property list"};
+        }
+        const auto fresh = static_cast<std::uint32_t>(nodes.size());
+        const std::uint32_t number =
+            index_.find_or_add(hash_of(*object), fresh, [&](std::uint32_t other) {
+                return same_value(*nodes[other].object, *object);
+            });
+        if (number == fresh) {
+            nodes.push_back({object});
+        }
+        return number;
+    }
 
     ObjectGraph graph_;
     HashIndex index_;
 };
-
-bool Collector::add_children(std::size_t node) {
-    const Object* object = graph_.nodes[node].object;
-    const std::size_t first_ref = graph_.refs.size();
-    if (object->kind == Kind::array && !add_items(as<Array>(object))) {
-        return false;
-    }
-    if (object->kind == Kind::dictionary && !add_entries(as<Dictionary>(object))) {
-        return false;
-    }
-    graph_.nodes[node].first_ref = first_ref;
-    graph_.nodes[node].ref_count = graph_.refs.size() - first_ref;
-    return true;
-}
-
-bool Collector::add_items(const Array& array) {
-    for (const Object* item : array.items()) {
-        if (!add_ref(item)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-bool Collector::add_entries(const Dictionary& dictionary) {
-    for (const Entry& entry : dictionary.items()) {
-        if (entry.key->kind != Kind::string || !add_ref(entry.key)) {
-            return false;
-        }
-    }
-    for (const Entry& entry : dictionary.items()) {
-        if (!add_ref(entry.value)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-bool Collector::add_ref(const Object* object) {
-    const auto number = number_of(object);
-    if (number) {
-        graph_.refs.push_back(*number);
-    }
-    return number.has_value();
-}
-
-/// The index of the object's node; nothing when the object cannot be written.
-std::optional<std::uint32_t> Collector::number_of(const Object* object) {
-    switch (object->kind) {
-    case Kind::null:
-    case Kind::set:
-    case Kind::url:
-        return std::nullopt;
-    default:
-        return find_or_add(object);
-    }
-}
-
-std::uint32_t Collector::find_or_add(const Object* object) {
-    auto& nodes = graph_.nodes;
-    if (nodes.size() == HashIndex::none) {
-        throw std::length_error{"too many objects for a property list"};
-    }
-    const auto fresh = static_cast<std::uint32_t>(nodes.size());
-    const std::uint32_t number =
-        index_.find_or_add(hash_of(*object), fresh, [&](std::uint32_t other) {
-            return same_value(*nodes[other].object, *object);
-        });
-    if (number == fresh) {
-        nodes.push_back({object});
-    }
-    return number;
-}
 
 } // namespace
 

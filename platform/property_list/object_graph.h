@@ -35,4 +35,9 @@ struct ObjectGraph {
 /// a string. The graph may still have cycles.
 std::optional<ObjectGraph> collect_objects(const Object* root);
 
+/// Sorts the nodes into the order of the file, which depends on the values alone: depth first from
+/// the root, the keys of a dictionary before its values, its entries sorted by key. False when a
+/// container contains itself.
+bool arrange_objects(ObjectGraph& graph);
+
 } // namespace lumo::platform

@@ -1,8 +1,7 @@
-// The order of CoreFoundation, except for the entries of a dictionary, whose order there depends on
-// its hash table.
-#include "property_list/object_order.h"
-
+// The order in which the objects of a property list are written: that of CoreFoundation, except for
+// the entries of a dictionary, whose order there depends on its hash table.
 #include "core_foundation/string.h"
+#include "property_list/object_graph.h"
 
 #include <algorithm>
 #include <cstddef>

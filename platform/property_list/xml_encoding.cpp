@@ -19,7 +19,6 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
 
 namespace lumo::platform {
 namespace {
@@ -91,37 +90,24 @@ std::string plain_name(std::string_view name) {
     return plain;
 }
 
-struct NamedEncoding {
-    std::string_view plain_name;
-    CFStringEncoding encoding;
-};
-
-/// The IANA names of the supported encodings. CoreFoundation reads US-ASCII as ISO-8859-1. It
-/// rejects Mac Roman, whose constant is 0 and means "no encoding" there.
-constexpr NamedEncoding known_encodings[] = {
-    {"utf8", kCFStringEncodingUTF8},
-    {"iso88591", kCFStringEncodingISOLatin1},
-    {"iso885911987", kCFStringEncodingISOLatin1},
-    {"isoir100", kCFStringEncodingISOLatin1},
-    {"latin1", kCFStringEncodingISOLatin1},
-    {"l1", kCFStringEncodingISOLatin1},
-    {"ibm819", kCFStringEncodingISOLatin1},
-    {"cp819", kCFStringEncodingISOLatin1},
-    {"csisolatin1", kCFStringEncodingISOLatin1},
-    {"usascii", kCFStringEncodingISOLatin1},
-    {"ascii", kCFStringEncodingISOLatin1},
-    {"us", kCFStringEncodingISOLatin1},
-    {"ansix341968", kCFStringEncodingISOLatin1},
-    {"ansix341986", kCFStringEncodingISOLatin1},
-    {"iso646irv1991", kCFStringEncodingISOLatin1},
-    {"iso646us", kCFStringEncodingISOLatin1},
-    {"isoir6", kCFStringEncodingISOLatin1},
-    {"ibm367", kCFStringEncodingISOLatin1},
-    {"cp367", kCFStringEncodingISOLatin1},
-    {"csascii", kCFStringEncodingISOLatin1},
-    {"windows1252", kCFStringEncodingWindowsLatin1},
-    {"cp1252", kCFStringEncodingWindowsLatin1},
-};
+/// The encoding with this IANA name, which must be plain; nothing when it is not supported.
+/// CoreFoundation reads US-ASCII as ISO-8859-1. It rejects Mac Roman, whose constant is 0 and means
+/// "no encoding" there.
+std::optional<CFStringEncoding> encoding_named(std::string_view name) {
+    constexpr std::array<std::string_view, 19> latin1_names = {
+        "iso88591", "iso885911987", "isoir100",    "latin1",        "l1",
+        "ibm819",   "cp819",        "csisolatin1", "usascii",       "ascii",
+        "us",       "ansix341968",  "ansix341986", "iso646irv1991", "iso646us",
+        "isoir6",   "ibm367",       "cp367",       "csascii"};
+    if (name == "utf8") {
+        return kCFStringEncodingUTF8;
+    }
+    if (name == "windows1252" || name == "cp1252") {
+        return kCFStringEncodingWindowsLatin1;
+    }
+    const bool is_latin1 = std::ranges::find(latin1_names, name) != latin1_names.end();
+    return is_latin1 ? std::optional(CFStringEncoding{kCFStringEncodingISOLatin1}) : std::nullopt;
+}
 
 } // namespace
 
@@ -147,13 +133,11 @@ std::optional<std::string_view> xml_text(std::string_view bytes, std::string& st
     if (!name) {
         return bytes;
     }
-    const auto* known =
-        std::ranges::find(known_encodings, plain_name(*name), &NamedEncoding::plain_name);
-    if (known == std::end(known_encodings)) {
+    const auto encoding = encoding_named(plain_name(*name));
+    if (!encoding) {
         return std::nullopt;
     }
-    return known->encoding == kCFStringEncodingUTF8 ? bytes
-                                                    : converted(known->encoding, bytes, storage);
+    return encoding == kCFStringEncodingUTF8 ? bytes : converted(*encoding, bytes, storage);
 }
 
 } // namespace lumo::platform

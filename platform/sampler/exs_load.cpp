@@ -2,6 +2,7 @@
 // few hundred bytes per zone.
 #include "sampler/exs_load.h"
 
+#include "base/cf_values.h"
 #include "base/descriptor.h"
 #include "sampler/exs_layers.h"
 #include "sampler/exs_reader.h"
@@ -63,17 +64,13 @@ std::string file_name(std::string_view path) {
 
 Ref<CFDictionaryRef> references(const ExsInstrument& instrument,
                                 const std::vector<std::size_t>& samples) {
-    std::vector<StateValue> owned;
-    std::vector<CFTypeRef> keys;
-    std::vector<CFTypeRef> paths;
+    auto paths = make_mutable_dictionary();
     for (const std::size_t number : samples) {
-        keys.push_back(
-            owned.emplace_back(state_text("Sample:" + std::to_string(exs_waveform(number)))).get());
-        paths.push_back(owned.emplace_back(state_text(instrument.samples[number].path)).get());
+        CFDictionarySetValue(paths.get(),
+                             state_text("Sample:" + std::to_string(exs_waveform(number))).get(),
+                             state_text(instrument.samples[number].path).get());
     }
-    return adopt(CFDictionaryCreate(
-        kCFAllocatorDefault, keys.data(), paths.data(), static_cast<CFIndex>(samples.size()),
-        &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    return paths;
 }
 
 } // namespace

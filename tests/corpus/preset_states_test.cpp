@@ -19,8 +19,7 @@ namespace {
 /// entry that hosts add.
 Ref<CFMutableDictionaryRef> without_samples(CFPropertyListRef preset) {
     const auto* const dictionary = static_cast<CFDictionaryRef>(preset);
-    auto state = adopt(CFDictionaryCreateMutable(
-        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    auto state = make_mutable_dictionary();
     for_each_entry(dictionary, [&](CFTypeRef key, CFTypeRef value) {
         if (!CFEqual(key, make_string("file-secure-references").get())) {
             CFDictionarySetValue(state.get(), key, value);

@@ -136,8 +136,11 @@ class VerifierTest(FolderTest):
     def test_one_more_call_of_audio_toolbox_fails(self):
         text = """extern "C" int AudioUnitUninitialize(void*);
                   extern "C" int extra() { return AudioUnitUninitialize(nullptr); }"""
+        stub = (PROJECT / "packaging/macos-sdk/AudioToolbox.tbd").read_text()
+        more = self.folder / "AudioToolbox.tbd"
+        more.write_text(replaced("_AudioUnitInitialize", "_AudioUnitUninitialize")(stub))
         for build in self.builds:
-            self.add(build, TOOL, text)
+            self.add(build, TOOL, text, more=more)
             self.assertEqual(self.failing(build, tool=self.folder / TOOL),
                              ["calls of AudioToolbox"])
 

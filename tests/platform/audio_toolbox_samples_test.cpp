@@ -128,8 +128,7 @@ TEST_F(PresetSamples, NamedByWhatNoFileSystemHasAreNotFound) {
     ASSERT_TRUE(string);
     const auto info = adopt(CFDictionaryCreateMutableCopy(
         kCFAllocatorDefault, 0, static_cast<CFDictionaryRef>(class_info_with("").get())));
-    const auto references = adopt(CFDictionaryCreateMutable(
-        kCFAllocatorDefault, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+    const auto references = make_mutable_dictionary();
     CFDictionarySetValue(references.get(), make_string("Sample:1").get(), string.get());
     CFDictionarySetValue(info.get(), make_string("file-references").get(), references.get());
     EXPECT_EQ(sampler.set(info.get()), not_found);

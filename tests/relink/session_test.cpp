@@ -1,45 +1,21 @@
 // The records and answers of a session, observed through the C library and the standard library.
-#include "support/temp_folder.h"
-#include <lumo/relink.h>
+#include "session_fixture.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <cstddef>
 #include <fstream>
-#include <functional>
-#include <memory>
-#include <thread>
 
 namespace lumo::exs {
 namespace {
 
-using Pairs = std::vector<std::pair<std::string, std::string>>;
-using Paths = std::vector<std::string>;
 using test::read_file;
-using test::TempFolder;
 using test::write_file;
-
-/// A sample library with an index of it, and paths that do not exist.
-class Session : public testing::Test {
-protected:
-    void SetUp() override {
-        write_file(folder / "library/kick.wav", "the kick");
-        write_file(folder / "library/snare.wav", "the snare");
-        index.add_root((folder / "library").string());
-    }
-
-    std::string path(std::string_view name) const { return (folder / name).string(); }
-
-    TempFolder folder;
-    SampleIndex index;
-};
 
 TEST_F(Session, WithoutLookUpsHasAnEmptyResult) {
     relink::begin(index);
@@ -318,51 +294,6 @@ TEST_F(Session, TakesNoOtherErrorForAbsence) {
     EXPECT_TRUE(recorded.unresolved.empty());
 }
 
-TEST_F(Session, MayEndWhileOtherThreadsLookUp) {
-    std::atomic<bool> is_over = false;
-    std::atomic<int> wrong = 0;
-    std::thread other([&] {
-        while (!is_over) {
-            const std::string bytes = read_file(path("gone/kick.wav"));
-            wrong += bytes.empty() || bytes == "the kick" ? 0 : 1;
-        }
-    });
-    for (int i = 0; i < 200; ++i) {
-        const auto own = std::make_unique<SampleIndex>(index);
-        relink::begin(*own);
-        read_file(path("gone/snare.wav"));
-        const relink::Result result = relink::end();
-        EXPECT_LE(result.relinked.size(), 2u);
-        EXPECT_TRUE(result.unresolved.empty());
-    }
-    is_over = true;
-    other.join();
-    EXPECT_EQ(wrong, 0);
-}
-
-TEST_F(Session, AcceptsLookUpsFromSeveralThreads) {
-    constexpr int rounds = 200;
-    relink::begin(index);
-    std::atomic<int> redirected = 0;
-    std::array<std::thread, 4> threads;
-    for (std::thread& thread : threads) {
-        thread = std::thread([&] {
-            for (int round = 0; round < rounds; ++round) {
-                const std::string file = "gone/" + std::to_string(round);
-                redirected += read_file(path(file + "/kick.wav")) == "the kick" ? 1 : 0;
-                redirected += access(path(file + "/tom.wav").c_str(), F_OK) != 0 ? 1 : 0;
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    const relink::Result result = relink::end();
-    EXPECT_EQ(redirected, 4 * rounds * 2);
-    EXPECT_EQ(result.relinked.size(), static_cast<std::size_t>(rounds));
-    EXPECT_EQ(result.unresolved.size(), static_cast<std::size_t>(rounds));
-}
-
 TEST_F(Session, RecordsAnExistingSampleThatALinkLeadsToInApplesLibrary) {
     const std::string apples = "disk/Library/Application Support/Logic/EXS Factory Samples";
     write_file(folder / (apples + "/C3.wav"), "Apple's C3");
@@ -412,85 +343,6 @@ TEST_F(Session, GivesTheErrorOfAnIndexedFileThatIsThere) {
     EXPECT_EQ(folder_of_it, -1);
     EXPECT_EQ(no_folder, ENOTDIR);
     EXPECT_EQ(result.relinked, (Pairs{{path("gone/kick.wav"), path("library/kick.wav")}}));
-}
-
-/// Sessions of a user to whom permissions apply: user 65534 when the tests run as root.
-class SessionOfAUser : public Session {
-protected:
-    void SetUp() override {
-        Session::SetUp();
-        namespace fs = std::filesystem;
-        fs::permissions(folder.path(), fs::perms(0755));
-        for (const char* name : {"closed/kick.wav", "closed/tom.wav"}) {
-            write_file(folder / name, "behind a closed folder");
-        }
-        fs::permissions(path("closed"), fs::perms::none);
-    }
-    void TearDown() override {
-        std::filesystem::permissions(path("closed"), std::filesystem::perms(0700));
-    }
-
-    /// Expects `holds` to return true in a process of that user. Skips the test when the process
-    /// cannot become that user or the user cannot read the test's folder.
-    void expect_of_user(const std::function<bool()>& holds) const {
-        const auto run = [&] {
-            const bool is_bound = geteuid() != 0 || (setgid(65534) == 0 && setuid(65534) == 0);
-            if (!is_bound || access(folder.path().c_str(), R_OK | X_OK) != 0) {
-                return 2;
-            }
-            return holds() ? 0 : 1;
-        };
-        int code = -1;
-        const auto take_code = [&code](int status) {
-            code = WEXITSTATUS(status);
-            return WIFEXITED(status);
-        };
-        EXPECT_EXIT(_exit(run()), take_code, "");
-        if (code == 2) {
-            GTEST_SKIP() << "no other user can be taken who sees " << folder.path();
-        }
-        EXPECT_EQ(code, 0);
-    }
-};
-
-TEST_F(SessionOfAUser, LooksForASampleBehindAClosedFolder) {
-    expect_of_user([&] {
-        relink::begin(index);
-        const std::string kick = read_file(path("closed/kick.wav"));
-        const bool has_kick = std::filesystem::exists(path("closed/kick.wav"));
-        errno = 0;
-        const int tom = open(path("closed/tom.wav").c_str(), O_RDONLY);
-        const int error = errno;
-        const relink::Result result = relink::end();
-        return kick == "the kick" && has_kick && tom == -1 && error == EACCES &&
-               result.relinked == Pairs{{path("closed/kick.wav"), path("library/kick.wav")}} &&
-               result.unresolved == Paths{path("closed/tom.wav")};
-    });
-}
-
-TEST_F(SessionOfAUser, GivesTheErrorOfAnIndexedFileThatMayNotBeWritten) {
-    std::filesystem::permissions(path("library/kick.wav"), std::filesystem::perms(0444));
-    expect_of_user([&] {
-        relink::begin(index);
-        errno = 0;
-        const int result = access(path("gone/kick.wav").c_str(), W_OK);
-        const int error = errno;
-        return relink::end().relinked.size() == 1 && result == -1 && error == EACCES;
-    });
-}
-
-TEST_F(SessionOfAUser, LooksForNoOtherFileWhenTheSampleIsThereAndMayNotBeRead) {
-    write_file(folder / "here/kick.wav", "a secret");
-    std::filesystem::permissions(path("here/kick.wav"), std::filesystem::perms::none);
-    expect_of_user([&] {
-        relink::begin(index);
-        errno = 0;
-        const int file = open(path("here/kick.wav").c_str(), O_RDONLY);
-        const int error = errno;
-        const relink::Result result = relink::end();
-        return file == -1 && error == EACCES && result.relinked.empty() &&
-               result.unresolved.empty();
-    });
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,6 +25,11 @@ struct ExsLayout {
     std::size_t sample = 592;
     std::size_t parameters = 388;
 };
+
+/// Prints a layout as the parameter of a test, in GoogleTest's form.
+inline void PrintTo(const ExsLayout& layout, std::ostream* out) {
+    *out << layout.name;
+}
 
 /// At least one layout with each generation, byte order, magic and flag.
 inline constexpr std::array exs_layouts{

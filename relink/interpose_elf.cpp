@@ -66,12 +66,8 @@ constinit RealFunction<CanonicalName> real_canonicalize_file_name("canonicalize_
 
 } // namespace
 
-bool is_readable(const char* path) {
-    return real_access(path, R_OK) == 0;
-}
-
-bool is_there(const char* path) {
-    return real_access(path, F_OK) == 0;
+bool can_access(const char* path, int mode) {
+    return real_access(path, mode) == 0;
 }
 
 bool is_link(const char* path) {

@@ -49,12 +49,8 @@ int guarded_open_dprotected_np(const char*, const void*, unsigned, int, int, int
 
 namespace lumo::exs::relink {
 
-bool is_readable(const char* path) {
-    return access(path, R_OK) == 0;
-}
-
-bool is_there(const char* path) {
-    return access(path, F_OK) == 0;
+bool can_access(const char* path, int mode) {
+    return access(path, mode) == 0;
 }
 
 bool is_link(const char* path) {
@@ -228,7 +224,7 @@ ssize_t readlink_shim(const char* path, char* text, size_t size) {
 int clonefile_shim(const char* from, const char* to, uint32_t flags) {
     const auto clone = [&](const char* p) { return clonefile(p, to, flags); };
     const int before = errno;
-    const bool is_wanted = session::is_open() && !is_there(from);
+    const bool is_wanted = session::is_open() && !can_access(from, F_OK);
     errno = before;
     return is_wanted ? redirect(from, clone) : clone(from);
 }

@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <stdarg.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -28,11 +29,9 @@ bool is_failure(Value value) {
 
 // File system queries of a look-up. Each system's shims define them with the real functions.
 
-/// Whether the process may read the file at `path`.
-bool is_readable(const char* path);
-
-/// Whether `path` exists and is visible to the process.
-bool is_there(const char* path);
+/// Whether access(path, mode) succeeds. R_OK: the process may read the file; F_OK: `path` exists
+/// and is visible to the process.
+bool can_access(const char* path, int mode);
 
 /// Whether `path` is a symbolic link.
 bool is_link(const char* path);
@@ -42,10 +41,10 @@ std::string real_path(const char* path);
 
 /// Whether the file at `path` is absent after a call for it failed with `error`. A file in a folder
 /// that may not be searched counts as absent. ENOTDIR, EACCES and EPERM are also errors of existing
-/// files (ENOTDIR when a file is opened as a folder), so is_there decides.
+/// files (ENOTDIR when a file is opened as a folder), so can_access decides.
 inline bool is_absence(int error, const char* path) {
     return error == ENOENT ||
-           ((error == ENOTDIR || error == EACCES || error == EPERM) && !is_there(path));
+           ((error == ENOTDIR || error == EACCES || error == EPERM) && !can_access(path, F_OK));
 }
 
 /// Like redirect, while a session is open. With `opens`, success of the call proves that the file
@@ -72,7 +71,7 @@ auto redirect_in_session(const char* path, Call call, bool opens) {
         if (const auto value = opens ? call(found) : result; !is_failure(value)) {
             opened = value;
         }
-        return opened || is_readable(found);
+        return opened || can_access(found, R_OK);
     };
     if (const auto other = session::replacement(path, std::ref(serves))) {
         errno = before;

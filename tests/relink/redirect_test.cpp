@@ -18,13 +18,13 @@ static std::string closed;
 static std::string real_folder;
 static std::vector<std::string> asked_for_real_path;
 
-bool is_readable(const char* path) {
+static bool is_readable(const char* path) {
     return std::find(readable.begin(), readable.end(), path) != readable.end();
 }
 
-bool is_there(const char* path) {
+bool can_access(const char* path, int mode) {
     errno = EXDEV; // a file function may change errno
-    return is_readable(path) || path == closed;
+    return is_readable(path) || (mode == F_OK && path == closed);
 }
 
 bool is_link(const char* path) {
@@ -97,7 +97,7 @@ TEST_F(Redirect, LeavesErrnoAsItWasWhenItSucceeds) {
 }
 
 TEST_F(Redirect, OfAnOpenTakesItsSuccessForTheRightToRead) {
-    readable.clear(); // is_readable would return false
+    readable.clear(); // can_access would return false
     const auto open = [&](const char* p) {
         calls.emplace_back(p);
         errno = ENOENT;
@@ -176,7 +176,7 @@ TEST_F(Redirect, LeavesTheFirstErrorWhenTheSessionsFileIsAbsentByThen) {
 TEST_F(Redirect, GivesAFailureOfTheSecondCallThatLeavesErrnoAlone) {
     errno = 0; // as pathconf without a limit
     const int result = redirect("/old/kick.wav", [&](const char* p) {
-        if (!is_there(p)) {
+        if (!can_access(p, F_OK)) {
             errno = ENOENT;
         } else {
             errno = 0;

@@ -4,8 +4,8 @@
 // cycles end, and each folder's path does not depend on the order in which the disk lists its
 // entries.
 //
-// No descriptor stays open while another folder is read, so depth needs no descriptors. The status
-// of files is not read: on common file systems a folder's entries contain their types.
+// No descriptor stays open while another folder is read, so deep trees need no more descriptors.
+// The status of files is not read: on common file systems a folder's entries contain their types.
 //
 // Files and folders of Apple's library are skipped, by their path as walked and by their real path.
 // There are no links below the top folder of a tree, so the tree needs only one call of realpath.

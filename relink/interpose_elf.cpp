@@ -192,7 +192,7 @@ char* canonicalize_file_name(const char* path) noexcept {
     return redirect(path, [](const char* p) { return real_canonicalize_file_name(p); });
 }
 
-// Where off_t has 64 bits, the variants with 64 in their names are the same functions.
+// off_t has 64 bits, so the variants with 64 in their names are the same functions.
 static_assert(sizeof(off_t) == sizeof(off64_t) && sizeof(struct stat) == sizeof(struct stat64));
 
 [[gnu::alias("open")]] int open64(const char*, int, ...);

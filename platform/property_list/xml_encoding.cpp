@@ -90,7 +90,7 @@ std::string plain_name(std::string_view name) {
     return plain;
 }
 
-/// The encoding with this IANA name, which must be plain; nothing when it is not supported.
+/// The encoding with this IANA name, a result of plain_name; nothing when it is not supported.
 /// CoreFoundation reads US-ASCII as ISO-8859-1. It rejects Mac Roman, whose constant is 0 and means
 /// "no encoding" there.
 std::optional<CFStringEncoding> encoding_named(std::string_view name) {

@@ -1,5 +1,5 @@
-// libsndfile, loaded when a sample needs it. It brings the decoders of seven other libraries along,
-// which would be a third of the start of every run.
+// libsndfile, loaded when a sample needs it. It depends on seven other libraries; to load them all
+// would take a third of the start of every run.
 #pragma once
 
 #include <sndfile.h>

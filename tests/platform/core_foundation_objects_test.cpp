@@ -1,4 +1,4 @@
-// The objects of CoreFoundation's types, created as by the property list readers.
+// Objects of CoreFoundation's types, created as the readers of property lists create them.
 #include "core_foundation/objects.h"
 
 #include <gtest/gtest.h>

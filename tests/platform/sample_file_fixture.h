@@ -1,4 +1,4 @@
-// What all tests of sample files have: a file to be opened.
+// The fixture of the tests of sample files.
 #pragma once
 
 #include "audio_bytes.h"

@@ -1,4 +1,4 @@
-// What all tests of sessions have: an index, and the types of the records.
+// The fixture of all tests of sessions, and the types of the records.
 #pragma once
 
 #include "support/temp_folder.h"

@@ -147,7 +147,7 @@ def run(words, **options):
                           timeout=HANG_SECONDS, check=False, **options)
 
 
-# Put before a command's words: runs it without /proc.
+# The beginning of a command that runs the rest of it without /proc.
 WITHOUT_PROC = ["unshare", "-m", "sh", "-c", 'umount -l /proc && exec "$@"', "sh"]
 
 

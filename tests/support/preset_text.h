@@ -7,7 +7,7 @@
 
 namespace lumo::test {
 
-/// The entries by which the sampler knows a state as its own.
+/// The entries that identify a state as the sampler's own.
 inline constexpr std::string_view sampler_numbers =
     "<key>manufacturer</key><integer>1634758764</integer>"
     "<key>subtype</key><integer>1935764848</integer>"

@@ -1,6 +1,6 @@
 // A C program for a Mac that uses a flag, a request or a function that macos-run does not know, as
 // its argument says. "folder" makes a folder; a test causes this to fail. "mutex" locks one twice,
-// which waits for ever on a Mac.
+// which waits forever on a Mac.
 #include <fcntl.h>
 #include <pthread.h>
 #include <signal.h>

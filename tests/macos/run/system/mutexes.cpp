@@ -17,7 +17,7 @@ namespace lumo::macos {
 namespace {
 
 /// The initial value of a condition or mutex. The mutex detects a thread that locks it twice, which
-/// waits for ever on a Mac.
+/// waits forever on a Mac.
 template <class Here>
 const Here initial{};
 template <>

@@ -9,11 +9,15 @@ import time
 import unittest
 
 from library_scene import LibraryTest
-from lumo_testing import HANG_SECONDS
+from lumo_testing import HANG_SECONDS, require_terminals
 from screen import Terminal
 
 
 class StatusLine(LibraryTest):
+    def setUp(self):
+        require_terminals()
+        super().setUp()
+
     def start(self, width=80, errors=None, environment=None, **plan):
         """Starts the program with a tool that imports one instrument for each byte that `steps`
         gets; its standard error is a terminal."""

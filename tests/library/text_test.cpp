@@ -5,6 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <cstdint>
+#include <ios>
+#include <string>
+#include <utility>
 
 namespace {
 
@@ -46,6 +50,23 @@ TEST(Text, WhatWouldDoSomethingIsShownByItsNumber) {
     EXPECT_EQ(shown("\xe2\x80\xaegpj.exs"), "\\u202egpj.exs");
     EXPECT_EQ(shown("\xe2\x81\xa6x\xe2\x81\xa9\xe2\x80\x8f"), "\\u2066x\\u2069\\u200f");
     EXPECT_EQ(shown("caf\xe9"), "caf\\xe9");
+}
+
+TEST(Text, EachRangeOfControlsEndsWhereItShould) {
+    const auto is_escaped = [](char32_t value) {
+        std::string text;
+        lumo::append_utf8(text, value);
+        return shown(text) != text;
+    };
+    using Range = std::pair<char32_t, char32_t>;
+    for (const auto& [first, last] :
+         {Range{0x00, 0x1F}, Range{0x7F, 0x9F}, Range{0x061C, 0x061C}, Range{0x200E, 0x200F},
+          Range{0x2028, 0x202E}, Range{0x2066, 0x2069}, Range{0xFEFF, 0xFEFF},
+          Range{0xFFF9, 0xFFFB}, Range{0xE0000, 0xE007F}}) {
+        EXPECT_TRUE(is_escaped(first) && is_escaped(last)) << std::hex << std::uint32_t{first};
+        EXPECT_FALSE((first > 0 && is_escaped(first - 1)) || is_escaped(last + 1))
+            << std::hex << std::uint32_t{first};
+    }
 }
 
 /// Sets a locale for the test and restores the previous one.

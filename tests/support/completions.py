@@ -2,7 +2,7 @@
 
 import re
 
-from lumo_testing import PROJECT, run
+from lumo_testing import PROJECT, require_terminals, run
 
 COMPLETION = PROJECT / "packaging/completion"
 
@@ -43,5 +43,6 @@ def completions_in_bash(program, words, folder):
 
 def completions_in_zsh(program, typed, folder):
     """The completions after the program's name and this text were typed in this folder."""
+    require_terminals()
     done = run(["zsh", "-f", "-c", IN_ZSH, "zsh", COMPLETION, f"{program} {typed}"], cwd=folder)
     return set(re.findall(r"OFFER:(.+?)\r*$", done.stdout.decode(), re.MULTILINE))

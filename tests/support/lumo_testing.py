@@ -156,6 +156,15 @@ def can_run(words):
     return shutil.which(words[0]) is not None and run(words).returncode == 0
 
 
+def require_terminals():
+    """Skips the test where no pseudo-terminal can be opened, as in a root without /dev/pts."""
+    try:
+        for descriptor in os.openpty():
+            os.close(descriptor)
+    except OSError as error:
+        raise unittest.SkipTest(f"no pseudo-terminal can be opened here: {error.strerror}")
+
+
 class FolderTest(unittest.TestCase):
     """A test with a temporary folder."""
 

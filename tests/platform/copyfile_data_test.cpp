@@ -1,12 +1,9 @@
-// The data and names of files that copyfile copies.
+// The data of files that copyfile copies.
 #include "base/descriptor.h"
-#include "in_child.h"
+#include "copyfile_fixture.h"
 #include "support/loop_volume.h"
-#include "support/temp_folder.h"
 
-#include <copyfile.h>
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <linux/fiemap.h>
 #include <linux/fs.h>
 #include <signal.h>
@@ -18,72 +15,14 @@
 
 #include <array>
 #include <cerrno>
-#include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <iterator>
 #include <string>
 
 namespace fs = std::filesystem;
 
 namespace lumo::test {
 namespace {
-
-constexpr copyfile_flags_t usual = COPYFILE_ALL | COPYFILE_CLONE;
-constexpr int not_possible_here = 255;
-
-/// 0, or the errno that the copy ended with.
-int try_copy(const fs::path& from, const fs::path& to, copyfile_flags_t flags = usual) {
-    errno = 0;
-    const int result = copyfile(from.c_str(), to.c_str(), nullptr, flags);
-    return result == 0 ? 0 : errno;
-}
-
-std::string noise(std::size_t size) {
-    std::string bytes(size, '\0');
-    std::uint32_t state = 1;
-    for (char& byte : bytes) {
-        state = state * 1664525 + 1013904223;
-        byte = static_cast<char>(state >> 24);
-    }
-    return bytes;
-}
-
-std::size_t entries(const fs::path& folder) {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
-}
-
-class CopyFile : public testing::Test {
-protected:
-    TempFolder folder;
-    const fs::path from = folder / "kick.wav";
-    const fs::path show = folder / "Show";
-    const fs::path to = show / "kick.wav";
-    void SetUp() override { fs::create_directory(show); }
-
-    /// A copy of `bytes` in a process for which the system refuses `calls`.
-    int copy_without(const std::vector<RefusedCall>& calls, const std::string& bytes) {
-        write_file(from, bytes);
-        return in_child([&] { return refuse(calls) ? try_copy(from, to) : not_possible_here; });
-    }
-
-    int try_copy_as_nobody() {
-        return in_child([&] {
-            become_nobody(); // a user other than root has no rights here anyway
-            return try_copy(from, to);
-        });
-    }
-};
-
-constexpr RefusedCall no_nameless_files{SYS_openat, EOPNOTSUPP, 2, O_TMPFILE, O_TMPFILE};
-constexpr RefusedCall no_careful_rename{SYS_renameat2, EINVAL};
-constexpr RefusedCall no_link_of_a_descriptor{SYS_linkat, ENOENT, 4, AT_EMPTY_PATH, AT_EMPTY_PATH};
-constexpr RefusedCall no_clone{SYS_ioctl, EOPNOTSUPP, 1, ~0U, FICLONE};
-constexpr RefusedCall no_copy_in_kernel{SYS_copy_file_range, EXDEV};
-constexpr RefusedCall no_look_for_data{SYS_lseek, EIO, 2, ~0U, SEEK_DATA};
-constexpr RefusedCall no_look_for_holes{SYS_lseek, EIO, 2, ~0U, SEEK_HOLE};
 
 TEST_F(CopyFile, CopiesEveryByte) {
     write_file(from, noise(3'000'001));
@@ -157,59 +96,6 @@ TEST_F(CopyFile, LeavesNothingOfAFileWithHolesThatTheDiskDoesNotGive) {
     }
 }
 
-TEST_F(CopyFile, RefusesANameThatIsTaken) {
-    write_file(from, "new");
-    write_file(to, "old");
-    EXPECT_EQ(try_copy(from, to), EEXIST);
-    EXPECT_EQ(try_copy(from, to, COPYFILE_ALL), EEXIST);
-    EXPECT_EQ(read_file(to), "old");
-    EXPECT_EQ(entries(show), 1U);
-}
-
-TEST_F(CopyFile, RefusesTheNameOfADanglingLink) {
-    write_file(from, "new");
-    fs::create_symlink("nowhere", to);
-    EXPECT_EQ(try_copy(from, to), EEXIST);
-    EXPECT_FALSE(fs::exists(show / "nowhere"));
-}
-
-TEST_F(CopyFile, RefusesANameThatIsTakenInEachWayOfNaming) {
-    write_file(to, "old");
-    EXPECT_EQ(copy_without({no_link_of_a_descriptor}, "new"), EEXIST);
-    EXPECT_EQ(copy_without({no_nameless_files}, "new"), EEXIST);
-    EXPECT_EQ(copy_without({no_nameless_files, no_careful_rename}, "new"), EEXIST);
-    EXPECT_EQ(read_file(to), "old");
-    EXPECT_EQ(entries(show), 1U);
-}
-
-TEST_F(CopyFile, WorksWhereThereAreNoNamelessFiles) {
-    ASSERT_EQ(copy_without({no_nameless_files}, "bytes"), 0);
-    EXPECT_EQ(read_file(to), "bytes");
-    EXPECT_EQ(entries(show), 1U);
-}
-
-TEST_F(CopyFile, WorksWhereRenamingCannotRefuseToReplace) {
-    ASSERT_EQ(copy_without({no_nameless_files, no_careful_rename}, "bytes"), 0);
-    EXPECT_EQ(read_file(to), "bytes");
-    EXPECT_EQ(entries(show), 1U);
-}
-
-TEST_F(CopyFile, WorksWhereDescriptorsCannotBeLinked) {
-    ASSERT_EQ(copy_without({no_link_of_a_descriptor}, "bytes"), 0);
-    EXPECT_EQ(read_file(to), "bytes");
-}
-
-TEST_F(CopyFile, FailsRatherThanReplaceWhereThereIsNoCarefulWayToName) {
-    EXPECT_EQ(copy_without({no_nameless_files, no_careful_rename, {SYS_link, EPERM}}, "bytes"),
-              EPERM);
-    EXPECT_EQ(entries(show), 0U);
-}
-
-TEST_F(CopyFile, FailsWithoutRandomNumbersForAHiddenName) {
-    EXPECT_EQ(copy_without({no_nameless_files, {SYS_getrandom, ENOSYS}}, "bytes"), ENOSYS);
-    EXPECT_EQ(entries(show), 0U);
-}
-
 TEST_F(CopyFile, WorksWhereTheStandardStreamsAreClosed) {
     write_file(from, noise(5000));
     ASSERT_EQ(truncate(from.c_str(), 1 << 20), 0);
@@ -256,73 +142,6 @@ TEST_F(CopyFile, LeavesNothingOnAFullVolume) {
         }
         EXPECT_EQ(outcome, ENOSPC);
     }
-}
-
-TEST_F(CopyFile, SaysThatTheSourceIsAbsent) {
-    EXPECT_EQ(try_copy(from, to), ENOENT);
-    EXPECT_EQ(entries(show), 0U);
-}
-
-TEST_F(CopyFile, SaysThatTheFolderIsAbsent) {
-    write_file(from, "bytes");
-    EXPECT_EQ(try_copy(from, folder / "Other/kick.wav"), ENOENT);
-    EXPECT_EQ(try_copy(from, from / "kick.wav"), ENOTDIR);
-}
-
-TEST_F(CopyFile, SaysThatTheSourceMayNotBeRead) {
-    write_file(from, "bytes");
-    fs::permissions(from, fs::perms::none);
-    fs::permissions(folder.path(), fs::perms::all);
-    fs::permissions(show, fs::perms::all);
-    EXPECT_EQ(try_copy_as_nobody(), EACCES);
-    EXPECT_EQ(entries(show), 0U);
-}
-
-TEST_F(CopyFile, SaysThatTheFolderMayNotBeWritten) {
-    write_file(from, "bytes");
-    fs::permissions(folder.path(), fs::perms::all);
-    fs::permissions(show, fs::perms::owner_read | fs::perms::owner_exec);
-    EXPECT_EQ(try_copy_as_nobody(), EACCES);
-}
-
-TEST_F(CopyFile, CopiesOnlyRegularFilesAndNeverWaits) {
-    ASSERT_EQ(mkfifo(from.c_str(), 0600), 0);
-    EXPECT_EQ(try_copy(from, to), ENOTSUP);
-    EXPECT_EQ(try_copy("/dev/zero", to), ENOTSUP);
-    EXPECT_EQ(try_copy(folder.path(), to), EISDIR);
-    EXPECT_EQ(entries(show), 0U);
-}
-
-TEST_F(CopyFile, CopiesALinkItselfWhenCloning) {
-    fs::create_symlink("elsewhere.wav", from);
-    EXPECT_EQ(try_copy(from, to), 0);
-    EXPECT_EQ(fs::read_symlink(to), "elsewhere.wav");
-}
-
-TEST_F(CopyFile, SaysThatALinkCannotBeMade) {
-    fs::create_symlink("elsewhere.wav", from);
-    EXPECT_EQ(in_child([&] {
-                  return refuse({{SYS_symlink, EPERM}}) ? try_copy(from, to) : not_possible_here;
-              }),
-              EPERM);
-    EXPECT_EQ(entries(show), 0U);
-}
-
-TEST_F(CopyFile, FollowsALinkWhenNotCloning) {
-    write_file(folder / "elsewhere.wav", "bytes");
-    fs::create_symlink("elsewhere.wav", from);
-    EXPECT_EQ(try_copy(from, to, COPYFILE_ALL), 0);
-    EXPECT_FALSE(fs::is_symlink(to));
-    EXPECT_EQ(read_file(to), "bytes");
-}
-
-TEST_F(CopyFile, RefusesWhatItDoesNotDo) {
-    write_file(from, "bytes");
-    EXPECT_EQ(try_copy(from, to, COPYFILE_METADATA), EINVAL);
-    EXPECT_EQ(try_copy(from, to, usual | 1U << 20), EINVAL);
-    EXPECT_EQ(copyfile(nullptr, to.c_str(), nullptr, usual), -1);
-    EXPECT_EQ(errno, EINVAL);
-    EXPECT_EQ(entries(show), 0U);
 }
 
 /// Whether other files share the first blocks of the file at `path`.

@@ -1,11 +1,14 @@
 // The data of a copied file. The kernel copies it (copy_file_range) and shares blocks where the
-// volume supports this; otherwise it is read and written. A file with holes is cloned (FICLONE);
-// otherwise the data between the holes is copied.
+// volume supports this; otherwise it is read and written. A small file does not share blocks:
+// copying it (sendfile) takes no longer, and its copy is in memory, while the first read of a clone
+// waits for the disk. A file with holes is cloned (FICLONE); otherwise the data between the holes
+// is copied.
 #include "base/descriptor.h"
 #include "copyfile_contents.h"
 
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/sendfile.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -19,6 +22,7 @@ namespace {
 
 constexpr std::size_t buffer_size = std::size_t{128} * 1024;
 constexpr off_t max_step = off_t{1} << 30; ///< of one copy_file_range, in bytes
+constexpr off_t max_small = 16384;         ///< size of a file that does not share blocks
 constexpr off_t to_the_end = std::numeric_limits<off_t>::max();
 
 /// Copies from `at` up to `end` or the end of the file, as far as copy_file_range succeeds, and
@@ -71,11 +75,15 @@ bool copy_range(int from, int to, off_t at, off_t end) {
 }
 
 /// Copies a file without holes. Some files, such as those of /proc, have a size of 0 or one that is
-/// too large, and copy_file_range stops early in them; reading finds their end.
+/// too large, and the kernel's functions stop early in them; reading finds their end.
 bool copy_whole(int from, int to, off_t size) {
     off_t at = 0;
-    copy_in_kernel(from, to, at, size);
-    return (size > 0 && at >= size) || copy_by_hand(from, to, at, to_the_end);
+    if (size > max_small) {
+        copy_in_kernel(from, to, at, size);
+    } else {
+        ::sendfile(to, from, &at, static_cast<std::size_t>(size)); // errors: as in copy_in_kernel
+    }
+    return copy_by_hand(from, to, at, size > 0 ? size : to_the_end);
 }
 
 bool copy_sparse(int from, int to, off_t size) {

@@ -109,13 +109,26 @@ bool is_audio_to(const SoundFileLibrary& library, SampleReader& reader) {
     return file != nullptr;
 }
 
+/// Reads the head of the file into `buffer`; it is empty when it cannot be read. For most files the
+/// first page suffices; a longer read would make the system read further ahead.
+std::span<const std::uint8_t> read_head(SampleReader& reader, std::span<std::uint8_t> buffer) {
+    constexpr std::size_t page_size = 4096;
+    auto head = reader.read_file(buffer.first(page_size));
+    const AudioHead kind = audio_head(head);
+    if (head.size() == page_size && kind != AudioHead::container && kind != AudioHead::bank) {
+        reader.at = 0;
+        head = reader.read_file(buffer);
+    }
+    reader.at = 0;
+    return head;
+}
+
 /// Moves the reader's start after the tags that precede the audio, and reads its head into
 /// `buffer`; the head is empty when it cannot be read.
 void skip_tags(SampleReader& reader, std::span<std::uint8_t> buffer) {
     for (int tags = 0; tags <= max_tags; ++tags) {
-        const auto head = reader.read_file(buffer);
+        const auto head = read_head(reader, buffer);
         const auto tag = static_cast<sf_count_t>(id3_tag_size(head));
-        reader.at = 0;
         if (tag == 0) {
             reader.head = head;
             return;

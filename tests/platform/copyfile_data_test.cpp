@@ -49,6 +49,17 @@ TEST_F(CopyFile, CopiesByHandWhereTheKernelDoesNotCopy) {
     EXPECT_EQ(read_file(to), noise(300'001));
 }
 
+TEST_F(CopyFile, CopiesASmallFile) {
+    write_file(from, noise(4097));
+    EXPECT_EQ(try_copy(from, to), 0);
+    EXPECT_EQ(read_file(to), noise(4097));
+}
+
+TEST_F(CopyFile, CopiesASmallFileByHandWhereTheKernelDoesNotCopy) {
+    ASSERT_EQ(copy_without({{SYS_sendfile, EINVAL}}, noise(4097)), 0);
+    EXPECT_EQ(read_file(to), noise(4097));
+}
+
 TEST_F(CopyFile, CopiesAFileThatDoesNotKnowItsSize) {
     EXPECT_EQ(try_copy("/proc/version", to), 0);
     EXPECT_EQ(read_file(to), read_file("/proc/version"));
@@ -169,6 +180,13 @@ TEST_F(CopyFile, SharesTheBlocksWhereTheVolumeCan) {
         EXPECT_EQ(try_copy(sample, volume.path() / "copy.wav"), 0);
         EXPECT_TRUE(is_shared(volume.path() / "copy.wav")) << kind;
         EXPECT_EQ(read_file(volume.path() / "copy.wav"), noise(1'000'001));
+        const fs::path small = volume.path() / "small.wav";
+        write_file(small, noise(16'385));
+        EXPECT_EQ(try_copy(small, volume.path() / "small copy.wav"), 0);
+        EXPECT_TRUE(is_shared(volume.path() / "small copy.wav")) << kind;
+        ASSERT_EQ(truncate(small.c_str(), 16'384), 0);
+        EXPECT_EQ(try_copy(small, volume.path() / "smaller copy.wav"), 0);
+        EXPECT_FALSE(is_shared(volume.path() / "smaller copy.wav")) << kind;
         ASSERT_EQ(truncate(sample.c_str(), 8 << 20), 0);
         EXPECT_EQ(try_copy(sample, volume.path() / "with a hole.wav"), 0);
         EXPECT_TRUE(is_shared(volume.path() / "with a hole.wav")) << kind;

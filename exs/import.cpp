@@ -2,7 +2,6 @@
 // redirected, read the sampler's state back, place its samples in the show, write the state with
 // references into the show, and check that it loads from there. A step that fails sets the error in
 // the report and ends the import; files written before remain.
-#include "folder_lock.h"
 #include "preset_file.h"
 #include "property_list.h"
 #include "references.h"
@@ -10,6 +9,9 @@
 #include "samples.h"
 #include <lumo/exs.h>
 
+#include <fcntl.h>
+
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <optional>
@@ -128,26 +130,9 @@ Ref<CFPropertyListRef> loaded_state(const Options& options, Report& report) {
     return state;
 }
 
-/// Opens the states folder, which is created if necessary. None when it cannot be opened. Throws
-/// std::filesystem::filesystem_error when it cannot be created.
-Descriptor states_folder(const std::string& path) {
-    Descriptor folder = open_folder(path);
-    if (!folder) {
-        fs::create_directories(path);
-        folder = open_folder(path);
-    }
-    return folder;
-}
-
-/// The parts of the show that a state needs.
-struct Brought {
-    References samples; ///< the samples' new references
-    Descriptor states;  ///< the states folder; none when it cannot be opened
-};
-
-/// Places the samples of `state` in the show and opens the states folder. Nothing, with the error
-/// set, when a sample is missing or cannot be copied.
-std::optional<Brought> bring_samples(const void* state, const Options& options, Report& report) {
+/// Places the samples of `state` in the show and creates the states folder. Returns the samples'
+/// new references; nothing, with the error set, when a sample is missing or cannot be copied.
+std::optional<References> bring_samples(const void* state, const Options& options, Report& report) {
     const std::optional<SampleFiles> samples =
         find_samples(references(state), options.index, report);
     if (!samples) {
@@ -155,7 +140,8 @@ std::optional<Brought> bring_samples(const void* state, const Options& options, 
     }
     try {
         References placed = place_samples(*samples, options.package, report);
-        return Brought{std::move(placed), states_folder(options.states)};
+        fs::create_directories(options.states);
+        return placed;
     } catch (const fs::filesystem_error& failure) {
         report.error =
             std::string("the samples couldn't be copied into the show: ") + failure.what();
@@ -172,30 +158,28 @@ bool is_taken(const fs::path& file) {
     return fs::exists(fs::symlink_status(file));
 }
 
-/// The first of NAME.aupreset, NAME-2.aupreset, NAME-3.aupreset and so on that does not exist.
-/// Throws std::filesystem::filesystem_error if this cannot be checked. A run may import thousands
-/// of instruments with the same name: as long as the last state with this name exists, lower
-/// numbers are not checked again.
-fs::path free_name(const fs::path& folder, const std::string& name) {
+/// Writes `state` to the first of NAME.aupreset, NAME-2.aupreset, NAME-3.aupreset and so on that
+/// does not exist; other processes may create these, too. Throws std::filesystem::filesystem_error
+/// if it cannot be checked whether one exists. A run may import thousands of instruments with the
+/// same name: as long as the last state with this name exists, lower numbers are not checked again.
+bool write_state(const void* state, const Options& options, Report& report) {
     thread_local std::unordered_map<std::string, unsigned> last_numbers; // by the first name's path
-    unsigned& last = last_numbers[numbered_state(folder, name, 1)];      // 0: none yet
-    const bool goes_on = last > 0 && is_taken(numbered_state(folder, name, last));
-    last = goes_on ? last + 1 : 1;
-    while (is_taken(numbered_state(folder, name, last))) {
-        ++last;
+    const auto file = [&](unsigned number) {
+        return numbered_state(options.states, report.name, number);
+    };
+    unsigned& last = last_numbers[file(1)]; // 0: none yet
+    last = last > 0 && is_taken(file(last)) ? last + 1 : 1;
+    while (!write_plist(state, file(last), O_EXCL)) {
+        const bool exists = errno == EEXIST;
+        while (is_taken(file(last))) {
+            ++last;
+        }
+        if (!exists) {
+            report.error = "its state couldn't be written";
+            return false;
+        }
     }
-    return numbered_state(folder, name, last);
-}
-
-/// Writes `state` into the states folder, which is open as `folder`.
-bool write_state(const void* state, const Options& options, Descriptor folder, Report& report) {
-    const FolderLock lock(std::move(folder)); // other processes may choose a name, too
-    const fs::path file = free_name(options.states, report.name);
-    if (!write_plist(state, file)) {
-        report.error = "its state couldn't be written";
-        return false;
-    }
-    report.state_file = file.string();
+    report.state_file = file(last);
     return true;
 }
 
@@ -233,12 +217,12 @@ Report import_instrument(const std::string& path, const Options& options) {
         return report;
     }
     report.shape = describe(state.get());
-    std::optional<Brought> brought = bring_samples(state.get(), options, report);
-    if (!brought) {
+    const std::optional<References> placed = bring_samples(state.get(), options, report);
+    if (!placed) {
         return report;
     }
-    state = with_references(state.get(), brought->samples);
-    if (!write_state(state.get(), options, std::move(brought->states), report)) {
+    state = with_references(state.get(), *placed);
+    if (!write_state(state.get(), options, report)) {
         return report;
     }
     state = resolved(state.get(), options, report);

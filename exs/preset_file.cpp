@@ -27,14 +27,15 @@ constexpr int no_timeout = -1;
 /// still grow.
 struct FileStatus {
     bool is_pipe = false;
+    bool is_regular = false;
     std::size_t expected_size = usual_read_size;
 
     explicit FileStatus(int file) {
         struct stat status = {};
         if (fstat(file, &status) == 0) {
             is_pipe = S_ISFIFO(status.st_mode);
-            expected_size = S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size)
-                                                    : usual_read_size;
+            is_regular = S_ISREG(status.st_mode);
+            expected_size = is_regular ? static_cast<std::size_t>(status.st_size) : usual_read_size;
         }
     }
 };
@@ -77,11 +78,13 @@ std::vector<unsigned char> read_preset(const std::string& path) {
     for (std::size_t used = 0; used <= max_preset_size;) {
         const ssize_t count =
             read_some(file.get(), timeout_ms, bytes.data() + used, bytes.size() - used);
-        if (count <= 0) {
-            bytes.resize(count == 0 ? used : 0);
+        used += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+        // The read asked for one byte more than a regular file should have; if there is none, the
+        // file ends here.
+        if (count <= 0 || (status.is_regular && used == status.expected_size)) {
+            bytes.resize(count >= 0 ? used : 0);
             return bytes;
         }
-        used += static_cast<std::size_t>(count);
         if (used == bytes.size()) {
             bytes.resize(std::min(2 * used, max_preset_size + 1));
         }

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 
 namespace {
@@ -66,6 +67,15 @@ TEST(WritePlist, OverwritesAFileWhole) {
     ASSERT_TRUE(write_plist(dictionary({}).get(), folder / "state"));
     ASSERT_TRUE(write_plist(dictionary({}).get(), folder / "fresh"));
     EXPECT_EQ(read_file(folder / "state"), read_file(folder / "fresh"));
+}
+
+TEST(WritePlist, KeepsAFileWhereAsked) {
+    const TempFolder folder;
+    ASSERT_TRUE(write_plist(dictionary({}).get(), folder / "state", O_EXCL));
+    const std::string state = read_file(folder / "state");
+    EXPECT_FALSE(write_plist(dictionary({{"gain", real(1)}}).get(), folder / "state", O_EXCL));
+    EXPECT_EQ(errno, EEXIST);
+    EXPECT_EQ(read_file(folder / "state"), state);
 }
 
 TEST(WritePlist, IntoAMissingFolderCreatesNothing) {

@@ -15,9 +15,9 @@ namespace lumo::exs {
 /// is no value or it has another type.
 std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t default_value);
 
-/// Writes `list` to `path` as a binary property list. A file there is replaced, or with O_EXCL as
-/// `existing` kept. False, with errno set, when the list cannot be serialised (EINVAL; `path` is
-/// untouched), when a file is kept (EEXIST), or when it cannot be written (the file may be
+/// Writes `list` to `path` as a binary property list. A file there is replaced, or kept when
+/// `existing` is O_EXCL. False, with errno set, when the list cannot be serialised (EINVAL; `path`
+/// is untouched), when a file is kept (EEXIST), or when it cannot be written (the file may be
 /// truncated).
 bool write_plist(const void* list, const std::filesystem::path& path, int existing = O_TRUNC);
 

@@ -10,14 +10,14 @@ namespace lumo::exs {
 namespace fs = std::filesystem;
 namespace {
 
-/// Joins the path of a reference with the package. False, with `error` set to the reason, when the
-/// reference is rejected.
-bool resolve(std::string& path, const fs::path& package, std::string& error) {
+/// Joins the path of a reference with `package`, which ends in a slash or is empty. False, with
+/// `error` set to the reason, when the reference is rejected.
+bool resolve(std::string& path, const std::string& package, std::string& error) {
     if (path.empty() || path.front() == '/') {
         error = "not a path in the show: " + path;
         return false;
     }
-    path = (package / path).string();
+    path.insert(0, package);
     std::error_code ignored;
     if (!fs::exists(fs::status(path, ignored))) {
         error = "missing from the show: " + path;
@@ -31,8 +31,9 @@ bool resolve(std::string& path, const fs::path& package, std::string& error) {
 const void* resolve_package_state(const void* state, const std::string& package,
                                   std::string& error) {
     References paths = references(state);
+    const std::string folder = (fs::path(package) / "").string();
     for (auto& [key, path] : paths) {
-        if (!resolve(path, package, error)) {
+        if (!resolve(path, folder, error)) {
             return nullptr;
         }
     }

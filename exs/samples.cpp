@@ -81,16 +81,13 @@ fs::path folder_name(const fs::path& source) {
     return name == ".." ? fs::canonical(source.parent_path()).filename() : name;
 }
 
-fs::path numbered_name(const fs::path& source, unsigned number) {
-    fs::path name = source.stem();
-    name += "-" + std::to_string(number);
-    name += source.extension();
-    return name;
+std::string numbered_name(const fs::path& name, unsigned number) {
+    return name.stem().string() + "-" + std::to_string(number) + name.extension().string();
 }
 
 /// Throws when `target` is not UTF-8: a state cannot contain such a path.
-void require_utf8(const fs::path& target, const fs::path& source) {
-    if (!is_utf8(target.native())) {
+void require_utf8(const std::string& target, const std::string& source) {
+    if (!is_utf8(target)) {
         throw fs::filesystem_error("not a UTF-8 name", source, target,
                                    std::make_error_code(std::errc::illegal_byte_sequence));
     }
@@ -105,7 +102,7 @@ bool make_folder(const fs::path& folder) {
 }
 
 /// The error of copyfile, or none.
-std::error_code try_copy(const fs::path& source, const fs::path& target) {
+std::error_code try_copy(const std::string& source, const std::string& target) {
     const int result =
         copyfile(source.c_str(), target.c_str(), nullptr, COPYFILE_ALL | COPYFILE_CLONE);
     return {result == 0 ? 0 : errno, std::generic_category()};
@@ -114,15 +111,15 @@ std::error_code try_copy(const fs::path& source, const fs::path& target) {
 /// Copies `sample` to `target`. False when `target` exists, placed by another process meanwhile.
 /// Throws std::filesystem::filesystem_error when the copy fails, or when `target` is a dangling
 /// link.
-bool copy_sample(const SampleFile& sample, const fs::path& target) {
+bool copy_sample(const SampleFile& sample, const std::string& target) {
     // A clone of a link would be a link; the link's target is copied instead.
-    const fs::path file = sample.is_link ? fs::canonical(sample.path) : fs::path(sample.path);
+    const std::string file = sample.is_link ? fs::canonical(sample.path).string() : sample.path;
     std::error_code error = try_copy(file, target);
     if (error && error != std::errc::file_exists) {
         // Throws if the sample was removed meanwhile. If the folder was removed, it is created
         // again.
         static_cast<void>(fs::file_size(sample.path));
-        fs::create_directories(target.parent_path());
+        fs::create_directories(fs::path(target).parent_path());
         error = error == std::errc::no_such_file_or_directory ? try_copy(file, target) : error;
     }
     if (error && (error != std::errc::file_exists || !is_there(target))) {
@@ -134,27 +131,36 @@ bool copy_sample(const SampleFile& sample, const fs::path& target) {
 /// The files of one name and its numbered variants, as found or placed by this import. They are
 /// kept, so that each is examined once even if many samples have the name.
 struct TakenNames {
-    std::map<std::uintmax_t, fs::path> of_size; ///< the first name of each size
-    unsigned last = 0;                          ///< the highest number that was examined
+    std::map<std::uintmax_t, std::string> of_size; ///< the first name of each size
+    unsigned last = 0;                             ///< the highest number that was examined
+};
+
+/// The folder in the show for the samples of one folder.
+struct Folder {
+    std::string path;           ///< relative to the package
+    std::optional<bool> is_new; ///< whether this import created it; nothing: not tried yet
 };
 
 /// Places the samples of one import in the show.
 class Placement {
 public:
-    Placement(const std::string& package, Report& report) : package_(package), report_(report) {}
+    Placement(const std::string& package, Report& report)
+        : package_((fs::path(package) / "").string()), report_(report) {}
 
     /// Places one sample; returns its path relative to the package.
-    fs::path place(const SampleFile& sample) {
-        const fs::path source = sample.path;
-        const std::uintmax_t size = sample.size == no_size ? fs::file_size(source) : sample.size;
-        const fs::path folder = "samples" / folder_name(source);
-        TakenNames& taken = seen_[folder / source.filename()];
+    const std::string& place(const SampleFile& sample) {
+        const std::uintmax_t size =
+            sample.size == no_size ? fs::file_size(sample.path) : sample.size;
+        const std::size_t name_at = sample.path.rfind('/') + 1; // 0 without a slash
+        Folder& folder = folder_for(sample.path.substr(0, name_at));
+        const std::string name = sample.path.substr(name_at);
+        TakenNames& taken = seen_[folder.path + '/' + name];
         while (!taken.of_size.contains(size)) {
             const unsigned number = ++taken.last;
-            const fs::path candidate =
-                folder / (number == 1 ? source.filename() : numbered_name(source, number));
-            const fs::path target = package_ / candidate;
-            require_utf8(target, source);
+            const std::string candidate =
+                folder.path + '/' + (number == 1 ? name : numbered_name(name, number));
+            const std::string target = package_ + candidate;
+            require_utf8(target, sample.path);
             if (is_free(folder, target) && copy_sample(sample, target)) {
                 report_.copied_bytes += size;
                 taken.of_size.emplace(size, candidate);
@@ -166,20 +172,30 @@ public:
     }
 
 private:
-    /// Whether a copy to `target`, in `folder`, should be tried: the folder is new or `target` does
-    /// not exist.
-    bool is_free(const fs::path& folder, const fs::path& target) {
-        const auto [known, is_first] = is_new_.try_emplace(folder);
+    /// The folder in the show for the samples of the folder `source`, which ends in a slash or is
+    /// empty.
+    Folder& folder_for(const std::string& source) {
+        const auto [known, is_first] = folders_.try_emplace(source);
         if (is_first) {
-            known->second = make_folder(package_ / folder);
+            const std::string name = folder_name(source).string();
+            known->second.path = name.empty() ? "samples" : "samples/" + name;
         }
-        return known->second || !is_there(target);
+        return known->second;
     }
 
-    fs::path package_;
+    /// Whether a copy to `target`, in `folder`, should be tried: the folder is new or `target` does
+    /// not exist.
+    bool is_free(Folder& folder, const std::string& target) {
+        if (!folder.is_new) {
+            folder.is_new = make_folder(package_ + folder.path);
+        }
+        return *folder.is_new || !is_there(target);
+    }
+
+    std::string package_; ///< with a slash at the end, unless it is empty
     Report& report_;
-    std::map<fs::path, TakenNames> seen_;
-    std::map<fs::path, bool> is_new_; ///< whether this import created a folder
+    std::unordered_map<std::string, TakenNames> seen_;
+    std::unordered_map<std::string, Folder> folders_; ///< by the samples' folder
 };
 
 } // namespace
@@ -210,7 +226,7 @@ References place_samples(const SampleFiles& samples, const std::string& package,
     References placed;
     Placement placement(package, report);
     for (const auto& [key, sample] : samples) {
-        placed.emplace(key, placement.place(sample).string());
+        placed.emplace(key, placement.place(sample));
     }
     return placed;
 }

@@ -8,7 +8,6 @@
 #include <poll.h>
 #include <stdio.h>
 #include <stdlib.h>
-#include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -98,7 +97,6 @@ CHECKED(read, ssize_t, (int file, void* bytes, size_t size), (file, bytes, size)
 CHECKED(write, ssize_t, (int file, const void* bytes, size_t size), (file, bytes, size))
 CHECKED(pread, ssize_t, (int f, void* b, size_t size, off_t at), (f, b, size, at))
 CHECKED(lseek, off_t, (int file, off_t at, int whence), (file, at, whence))
-CHECKED(flock, int, (int file, int operation), (file, operation))
 CHECKED(poll, int, (pollfd * polls, unsigned count, int timeout), (polls, count, timeout))
 CHECKED(chdir, int, (const char* path), (path))
 CHECKED(getcwd, char*, (char* buffer, size_t size), (buffer, size))
@@ -133,7 +131,7 @@ const Name names[] = {
     row("_utimensat", mac_utimensat),
 // clang-format off
 #define ROW(name) row("_" #name, mac_##name),
-    ROW(close) ROW(read) ROW(write) ROW(pread) ROW(lseek) ROW(flock) ROW(poll) ROW(chdir)
+    ROW(close) ROW(read) ROW(write) ROW(pread) ROW(lseek) ROW(poll) ROW(chdir)
     ROW(getcwd) ROW(mkdir) ROW(mkfifo) ROW(mkdtemp) ROW(mkstemp) ROW(chmod) ROW(fchmod)
     ROW(ftruncate) ROW(truncate) ROW(link) ROW(symlink) ROW(rename) ROW(remove) ROW(unlink)
     ROW(rmdir) ROW(dup) ROW(dup2) ROW(pipe) ROW(fsync) ROW(unlinkat)

@@ -82,14 +82,27 @@ void for_each_entry(CFDictionaryRef dictionary, Visit visit) {
     }
 }
 
+/// A key of dictionaries. Code that looks up one key many times makes it once.
+class Key {
+public:
+    Key(std::string_view utf8) : string_(make_string(utf8)) {}
+    Key(const char* utf8) : Key(std::string_view(utf8)) {}
+
+    /// The string, borrowed.
+    CFStringRef get() const { return string_.get(); }
+
+private:
+    Ref<CFStringRef> string_;
+};
+
 /// The value of `key`, borrowed; null when there is none.
-inline CFTypeRef value_of(CFDictionaryRef dictionary, std::string_view key) {
-    return CFDictionaryGetValue(dictionary, make_string(key).get());
+inline CFTypeRef value_of(CFDictionaryRef dictionary, const Key& key) {
+    return CFDictionaryGetValue(dictionary, key.get());
 }
 
 /// The value of `key` as a `T`, borrowed; null when there is none or it has another type.
 template <class T>
-T value_of(CFDictionaryRef dictionary, std::string_view key) {
+T value_of(CFDictionaryRef dictionary, const Key& key) {
     return value_as<T>(value_of(dictionary, key));
 }
 

@@ -30,7 +30,7 @@ bool write_file(const char* path, int existing, const UInt8* bytes, std::size_t 
 
 } // namespace
 
-std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t default_value) {
+std::int32_t integer(CFDictionaryRef dictionary, const Key& key, std::int32_t default_value) {
     const CFTypeRef value = value_of(dictionary, key);
     if (const auto number = value_as<CFNumberRef>(value)) {
         std::int32_t result = default_value;

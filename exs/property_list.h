@@ -13,7 +13,7 @@ namespace lumo::exs {
 
 /// The integer value of `key`: a real is truncated, a boolean is 1 or 0; `default_value` when there
 /// is no value or it has another type.
-std::int32_t integer(CFDictionaryRef dictionary, const char* key, std::int32_t default_value);
+std::int32_t integer(CFDictionaryRef dictionary, const Key& key, std::int32_t default_value);
 
 /// Writes `list` to `path` as a binary property list. A file there is replaced, or kept when
 /// `existing` is O_EXCL. False, with errno set, when the list cannot be serialised (EINVAL; `path`

@@ -8,6 +8,25 @@
 
 namespace lumo::exs {
 
+/// The keys of a state that its shape depends on.
+struct ShapeKeys {
+    Key enabled = "enabled";
+    Key instrument = "Instrument";
+    Key layers = "Layers";
+    Key loop_enabled = "loop enabled";
+    Key max_key = "max key";
+    Key max_velocity = "max vel";
+    Key min_key = "min key";
+    Key min_velocity = "min vel";
+    Key name = "name";
+    Key selecting_controller = "sel ctrlr";
+    Key trigger_mode = "trigger mode";
+    Key zones = "Zones";
+};
+
+/// These keys, made once: a state has thousands of values for each of them.
+const ShapeKeys& shape_keys();
+
 /// Calls `visit` with each dictionary of an array (null: none); other elements are skipped.
 template <typename Visit>
 void for_each_dictionary(CFArrayRef array, Visit visit) {
@@ -22,9 +41,10 @@ void for_each_dictionary(CFArrayRef array, Visit visit) {
 /// Calls `visit` with each layer of a state (borrowed); never when it has no instrument.
 template <typename Visit>
 void for_each_layer(const void* state, Visit visit) {
+    const ShapeKeys& keys = shape_keys();
     const auto dictionary = static_cast<CFDictionaryRef>(state);
-    if (const CFDictionaryRef instrument = value_of<CFDictionaryRef>(dictionary, "Instrument")) {
-        for_each_dictionary(value_of<CFArrayRef>(instrument, "Layers"), visit);
+    if (const CFDictionaryRef instrument = value_of<CFDictionaryRef>(dictionary, keys.instrument)) {
+        for_each_dictionary(value_of<CFArrayRef>(instrument, keys.layers), visit);
     }
 }
 
@@ -41,10 +61,11 @@ std::optional<KeyArea> area_of(CFDictionaryRef zone);
 /// enabled zone whose area is not empty.
 template <typename Visit>
 Shape::Layer read_layer(CFDictionaryRef dictionary, Visit visit) {
+    const ShapeKeys& keys = shape_keys();
     Shape::Layer layer = layer_settings(dictionary);
-    for_each_dictionary(value_of<CFArrayRef>(dictionary, "Zones"), [&](CFDictionaryRef zone) {
+    for_each_dictionary(value_of<CFArrayRef>(dictionary, keys.zones), [&](CFDictionaryRef zone) {
         layer.zones += 1;
-        layer.looped_zones += integer(zone, "loop enabled", 0) != 0 ? 1 : 0;
+        layer.looped_zones += integer(zone, keys.loop_enabled, 0) != 0 ? 1 : 0;
         if (const std::optional<KeyArea> area = area_of(zone)) {
             visit(*area);
         }

@@ -71,6 +71,43 @@ TEST(Report, IsNothingForWhatIsNoWholeLine) {
     EXPECT_FALSE(parse_report(wrong));
 }
 
+/// The line with `part`, which it contains once, replaced.
+std::string line_with(const std::string& part, const std::string& other) {
+    std::string text = line;
+    return text.replace(text.find(part), part.size(), other);
+}
+
+TEST(Report, IgnoresUnknownKeysWithAllTheyContain) {
+    const std::string more = R"("new":[1,null,"name",{"name":[true,{}],"zones":-1.5}],"ok":true)";
+    const auto report = parse_report(line_with("\"ok\":true", more));
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->name, "Kit");
+    EXPECT_TRUE(parse_report(
+        line_with("\"zones\":3,\"maxStack\"", "\"zones\":3,\"new\":null,\"old\":{},\"maxStack\"")));
+}
+
+TEST(Report, IsNothingForALineWithOtherTypesOrARepeatedKey) {
+    using Change = std::pair<const char*, const char*>;
+    for (const auto& [part, other] : {
+             Change(R"("name":"Kit")", R"("name":null)"),
+             Change(R"("name":"Kit")", R"("name":["Kit"])"),
+             Change(R"("name":"Kit")", R"("name":"Kit","name":"Kit")"),
+             Change(R"([{"from":"/old/a.wav","to":"new/a.wav"}])", R"([["/old/a.wav"]])"),
+             Change(R"([{"from":"/old/a.wav","to":"new/a.wav"}])", R"(["/old/a.wav"])"),
+             Change(R"("/old/a.wav","to")", R"("/old/a.wav","for")"),
+             Change(R"(["/gone/b.wav"])", R"("/gone/b.wav")"),
+             Change(R"(["/gone/b.wav"])", R"([["/gone/b.wav"]])"),
+             Change(R"(["/gone/b.wav"])", R"([{}])"),
+             Change(R"("samples":2)", R"("samples":"2")"),
+             Change(R"("samples":2)", R"("samples":2.5)"),
+             Change(R"("shape":{)", R"("shape":[{)"),
+             Change(R"("layers":[{)", R"("layers":[1,{)"),
+             Change(R"("layers":[{"name":"L",)", R"("layers":[{)"),
+         }) {
+        EXPECT_FALSE(parse_report(line_with(part, other))) << other;
+    }
+}
+
 TEST(Report, OfAnInstrumentAtWhichTheToolEndedIsALineToo) {
     const auto report = parse_report(line_without_import("lib/\xff.exs", "it \"ended\""));
     ASSERT_TRUE(report);

@@ -4,7 +4,10 @@
 #include "instrument_walk.h"
 
 #include "apple_library.h"
+#include "directory.h"
+#include "text.h"
 
+#include <dirent.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,6 +18,7 @@
 #include <filesystem>
 #include <map>
 #include <set>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -24,8 +28,12 @@ namespace {
 
 using exs::relink::is_in_apple_library;
 
-std::string joined(const std::string& folder, const std::string& name) {
-    return folder.ends_with('/') ? folder + name : folder + '/' + name;
+std::string joined(const std::string& folder, std::string_view name) {
+    std::string path;
+    path.reserve(folder.size() + 1 + name.size());
+    path += folder;
+    path += folder.ends_with('/') ? "" : "/";
+    return path += name;
 }
 
 /// The path without links, "." and ".."; empty when it does not exist.
@@ -42,7 +50,7 @@ public:
     void take_argument(const std::string& path) {
         std::error_code error;
         if (fs::is_directory(path, error)) {
-            waiting_.insert(path);
+            waiting_.emplace(path, real_path(path));
         } else {
             add(path, real_path(path), fs::is_symlink(fs::symlink_status(path, error)));
         }
@@ -51,19 +59,22 @@ public:
     void run() {
         read_waiting();
         while (!links_.empty()) {
-            waiting_.insert(links_.extract(links_.begin()));
+            const std::string folder = std::move(links_.extract(links_.begin()).value());
+            waiting_.emplace(folder, real_path(folder));
             read_waiting();
         }
     }
 
     Instruments result() {
         Instruments found;
-        std::set<std::string> folders;
         for (auto& [real, name] : files_) {
-            folders.insert(fs::path(name.second).parent_path().string());
             found.paths.push_back(std::move(name.second));
         }
         std::sort(found.paths.begin(), found.paths.end());
+        std::set<std::string_view> folders;
+        for (const std::string& path : found.paths) {
+            folders.insert(folder_of(path));
+        }
         found.folders = folders.size();
         found.unreadable.assign(unreadable_.begin(), unreadable_.end());
         return found;
@@ -72,32 +83,28 @@ public:
 private:
     void read_waiting() {
         while (!waiting_.empty()) {
-            const std::string folder = std::move(waiting_.extract(waiting_.begin()).value());
-            read_folder(folder);
+            const auto folder = waiting_.extract(waiting_.begin());
+            read_folder(folder.key(), folder.mapped());
         }
     }
 
-    void read_folder(const std::string& folder) {
+    /// Reads the folder at `path`; `real` is the same path without links.
+    void read_folder(const std::string& path, const std::string& real) {
         struct stat status {};
-        if (stat(folder.c_str(), &status) != 0) {
-            unreadable_.insert(folder);
+        if (stat(path.c_str(), &status) != 0) {
+            unreadable_.insert(path);
             return;
         }
-        if (!read_.emplace(status.st_dev, status.st_ino).second) {
+        if (!read_.emplace(status.st_dev, status.st_ino).second || is_in_apple_library(path) ||
+            is_in_apple_library(real)) {
             return;
         }
-        const std::string real = real_path(folder);
-        if (is_in_apple_library(folder) || is_in_apple_library(real)) {
-            return;
-        }
-        std::error_code error;
         const std::size_t before = files_.size();
-        fs::directory_iterator entries(folder, error);
-        for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
-            take_entry(folder, real, *entries);
-        }
-        if (error) {
-            unreadable_.insert(folder);
+        const auto take = [&](std::string_view name, unsigned char type) {
+            take_entry(path, real, name, type);
+        };
+        if (!read_visible_entries(path, take)) {
+            unreadable_.insert(path);
         }
         folders_ += files_.size() > before ? 1 : 0;
         if (!progress_(files_.size(), folders_)) {
@@ -106,30 +113,24 @@ private:
         }
     }
 
-    void take_entry(const std::string& folder, const std::string& real,
-                    const fs::directory_entry& entry) {
-        const std::string name = entry.path().filename().string();
-        if (name.starts_with('.')) {
-            return;
-        }
-        const std::string path = joined(folder, name);
-        std::error_code error; // of an entry that has been removed meanwhile
-        const fs::file_status status = entry.symlink_status(error);
-        if (fs::is_symlink(status)) {
-            take_link(path, name);
-        } else if (fs::is_directory(status)) {
-            waiting_.insert(path);
-        } else if (fs::is_regular_file(status) && is_instrument_name(name)) {
-            add(path, joined(real, name), false);
+    void take_entry(const std::string& folder, const std::string& real, std::string_view name,
+                    unsigned char type) {
+        const bool is_instrument = is_instrument_name(name);
+        if (type == DT_LNK) {
+            take_link(joined(folder, name), is_instrument);
+        } else if (type == DT_DIR) {
+            waiting_.emplace(joined(folder, name), joined(real, name));
+        } else if (type == DT_REG && is_instrument) {
+            add(joined(folder, name), joined(real, name), false);
         }
     }
 
-    void take_link(const std::string& path, const std::string& name) {
+    void take_link(const std::string& path, bool is_instrument) {
         std::error_code error;
         const fs::file_status target = fs::status(path, error);
         if (fs::is_directory(target)) {
             links_.insert(path);
-        } else if (is_instrument_name(name)) {
+        } else if (is_instrument) {
             const std::string real = real_path(path);
             if (real.empty()) {
                 unreadable_.insert(path);
@@ -148,8 +149,8 @@ private:
     }
 
     const WalkProgress& progress_;
-    std::set<std::string> waiting_; // folders to read
-    std::set<std::string> links_;   // links to folders
+    std::map<std::string, std::string> waiting_; // folders to read, with their real paths
+    std::set<std::string> links_;                // links to folders
     std::set<std::pair<dev_t, ino_t>> read_;
     /// By real path: whether the name is a link, and the name.
     std::map<std::string, std::pair<bool, std::string>> files_;
@@ -159,10 +160,17 @@ private:
 
 } // namespace
 
-bool is_instrument_name(const std::string& name) {
-    const std::string extension = fs::path(name).extension().string();
-    return strcasecmp(extension.c_str(), ".exs") == 0 ||
-           strcasecmp(extension.c_str(), ".aupreset") == 0;
+bool is_instrument_name(std::string_view name) {
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos || dot == 0) {
+        return false;
+    }
+    const std::string_view extension = name.substr(dot);
+    const auto is = [&](std::string_view wanted) {
+        return extension.size() == wanted.size() &&
+               strncasecmp(extension.data(), wanted.data(), wanted.size()) == 0;
+    };
+    return is(".exs") || is(".aupreset");
 }
 
 std::string fault_of_argument(const std::string& path) {

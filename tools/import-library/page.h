@@ -1,6 +1,7 @@
 // The page about all instruments: one HTML file that loads no other file.
 #pragma once
 
+#include "json_writer.h"
 #include "report.h"
 #include "summary.h"
 
@@ -31,11 +32,13 @@ public:
 private:
     std::size_t folder_number(std::string_view folder);
     std::size_t cause_number(const Cause& cause);
-    std::string path(std::string_view bytes);
-    std::string paths(const std::vector<std::string>& list);
-    std::string relinked(const Report& report);
+    void write_path(std::string_view bytes);
+    void write_paths(const std::vector<std::string>& list);
+    void write_relinked(const Report& report);
+    void write_causes(JsonWriter& json, const Tally& tally) const;
+    std::string data(const Tally& tally, const PageHead& head) const;
 
-    std::string instruments_; // JSON, separated by commas
+    JsonWriter instruments_; // a list for each, without brackets around all
     std::map<std::string, std::size_t, std::less<>> folders_;
     std::map<std::string, std::size_t, std::less<>> causes_;
 };

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace lumo::library {
 namespace {
@@ -20,13 +21,6 @@ bool stands_for_byte(char32_t value) {
     return value >= byte_base + 0x80 && value <= byte_base + 0xFF;
 }
 
-void append_utf8(std::string& text, char32_t value) {
-    for (const int shift : {18, 12, 6, 0}) { // byte_base takes four bytes
-        const char32_t bits = value >> shift & (shift == 18 ? 0x07 : 0x3F);
-        text += static_cast<char>(bits | (shift == 18 ? 0xF0 : 0x80));
-    }
-}
-
 /// Calls `take` for each character of `text`, and for each byte that is not part of one (size 0).
 template <typename Take>
 void for_each_character(std::string_view text, Take take) {
@@ -36,6 +30,33 @@ void for_each_character(std::string_view text, Take take) {
         take(character, text.substr(0, size));
         text.remove_prefix(size);
     }
+}
+
+bool is_printable_ascii(char byte) {
+    return byte >= ' ' && byte <= '~';
+}
+
+/// `text` with each character or byte outside one (size 0) replaced for which
+/// `replacement(character, piece)` returns a text. Printable ASCII is not replaced.
+template <typename Replacement>
+std::string replaced(std::string_view text, Replacement replacement) {
+    std::string result;
+    result.reserve(text.size());
+    std::size_t copied = 0; // the bytes before it are in the result
+    for (std::size_t at = 0; at < text.size();) {
+        if (is_printable_ascii(text[at])) {
+            ++at;
+            continue;
+        }
+        const Utf8Character character = first_utf8_character(text.substr(at));
+        const std::string_view piece = text.substr(at, character.size == 0 ? 1 : character.size);
+        if (const std::optional<std::string> other = replacement(character, piece)) {
+            result.append(text, copied, at - copied).append(*other);
+            copied = at + piece.size();
+        }
+        at += piece.size();
+    }
+    return result.append(text, copied);
 }
 
 /// Whether a character would affect the rest of the line.
@@ -71,46 +92,52 @@ int width_of(const Utf8Character& character) {
 } // namespace
 
 std::string as_utf8(std::string_view bytes) {
-    std::string text;
-    text.reserve(bytes.size());
-    for_each_character(bytes, [&](const Utf8Character& character, std::string_view piece) {
-        if (character.size > 0 && !stands_for_byte(character.value)) {
-            text += piece;
-            return;
+    if (is_ascii(bytes)) {
+        return std::string(bytes);
+    }
+    return replaced(bytes, [](const Utf8Character& character, std::string_view piece) {
+        std::optional<std::string> mapped;
+        if (character.size == 0 || stands_for_byte(character.value)) {
+            mapped.emplace();
+            for (const char byte : piece) {
+                append_utf8(*mapped, byte_base + static_cast<unsigned char>(byte));
+            }
         }
-        for (const char byte : piece) {
-            append_utf8(text, byte_base + static_cast<unsigned char>(byte));
-        }
+        return mapped;
     });
-    return text;
 }
 
 std::string as_bytes(std::string_view text) {
-    std::string bytes;
-    bytes.reserve(text.size());
-    for_each_character(text, [&](const Utf8Character& character, std::string_view piece) {
+    if (is_ascii(text)) {
+        return std::string(text);
+    }
+    return replaced(text, [](const Utf8Character& character, std::string_view) {
+        std::optional<std::string> byte;
         if (stands_for_byte(character.value)) {
-            bytes += static_cast<char>(character.value - byte_base);
-        } else {
-            bytes += piece;
+            byte.emplace(1, static_cast<char>(character.value - byte_base));
         }
+        return byte;
     });
-    return bytes;
 }
 
 std::string shown(std::string_view bytes) {
-    std::string text;
-    text.reserve(bytes.size());
-    for_each_character(bytes, [&](const Utf8Character& character, std::string_view piece) {
+    return replaced(bytes, [](const Utf8Character& character, std::string_view piece) {
+        std::optional<std::string> visible;
         if (character.size == 0) {
-            text += escaped(static_cast<unsigned char>(piece.front()));
+            visible = escaped(static_cast<unsigned char>(piece.front()));
         } else if (is_control(character.value)) {
-            text += escaped(character.value);
-        } else {
-            text += piece;
+            visible = escaped(character.value);
         }
+        return visible;
     });
-    return text;
+}
+
+std::string_view folder_of(std::string_view path) {
+    return path.substr(0, path.rfind('/') + 1); // npos + 1 is 0
+}
+
+std::string_view name_of(std::string_view path) {
+    return path.substr(path.rfind('/') + 1);
 }
 
 std::size_t columns(std::string_view text) {

@@ -17,6 +17,11 @@ std::string as_bytes(std::string_view text);
 /// change the direction of writing are shown as \x1b, \xff or \u202e.
 std::string shown(std::string_view bytes);
 
+/// The part of `path` up to its last slash, with the slash; empty when there is none.
+std::string_view folder_of(std::string_view path);
+/// The part of `path` after its last slash.
+std::string_view name_of(std::string_view path);
+
 /// The width of a text on a terminal, in columns.
 std::size_t columns(std::string_view text);
 /// `text`, truncated to `width` columns with an ellipsis if necessary; empty when `width` is 0.

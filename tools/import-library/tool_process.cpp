@@ -81,8 +81,7 @@ int wait_for(pid_t process) {
 } // namespace
 
 void LineReader::read_lines(const std::function<void(std::string_view line)>& take) {
-    std::array<char, 65536> bytes{};
-    const ssize_t count = read(descriptor_.get(), bytes.data(), bytes.size());
+    const ssize_t count = read(descriptor_.get(), buffer_.data(), buffer_.size());
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
         return;
     }
@@ -90,7 +89,7 @@ void LineReader::read_lines(const std::function<void(std::string_view line)>& ta
         descriptor_ = Descriptor();
         return;
     }
-    lines_.add({bytes.data(), static_cast<std::size_t>(count)}, take);
+    lines_.add({buffer_.data(), static_cast<std::size_t>(count)}, take);
 }
 
 std::size_t room_for_arguments() {

@@ -31,6 +31,7 @@ public:
 
 private:
     Descriptor descriptor_;
+    std::vector<char> buffer_ = std::vector<char>(std::size_t{1} << 16);
     LineSplitter lines_;
 };
 

@@ -58,7 +58,8 @@ class Screen:
 
 
 class Terminal:
-    """A pseudo-terminal. Everything written to `slave` appears on `screen`."""
+    """A pseudo-terminal. Everything written to `slave` appears on `screen`. With a width of 0 the
+    system does not know the width, and the screen is wide."""
 
     def __init__(self, width):
         self.master, self.slave = pty.openpty()
@@ -84,7 +85,7 @@ class Terminal:
     def resize(self, width):
         with self.lock:
             fcntl.ioctl(self.slave, termios.TIOCSWINSZ, struct.pack("4H", 24, width, 0, 0))
-            self.screen.width = width
+            self.screen.width = width or 200
 
     def last_line(self):
         with self.lock:

@@ -151,6 +151,17 @@ TEST(Tally, GroupsManyFoldersByThoseFurtherUp) {
     EXPECT_EQ(groups[1].samples, 30U);
 }
 
+TEST(Tally, GroupsNoMoreThanTenFoldersByThemselves) {
+    Tally tally;
+    for (int i = 0; i < 10; ++i) {
+        tally.add(failed("x", {"/Old/" + std::to_string(i) + "/a.wav"}));
+    }
+    EXPECT_EQ(tally.missing().size(), 10U);
+    tally.add(failed("x", {"/Old/10/a.wav"}));
+    ASSERT_EQ(tally.missing().size(), 1U);
+    EXPECT_EQ(tally.missing()[0].folder, "/Old");
+}
+
 // The rows of the tables in docs/report-line.md, as lists of trimmed cells.
 std::vector<std::vector<std::string>> table_rows(const std::string& heading) {
     std::istringstream page(lumo::test::read_file(LUMO_SOURCE "/docs/report-line.md"));

@@ -78,6 +78,13 @@ class StatusLine(LibraryTest):
                 self.assertEqual(self.terminal.screen.rows(), [])
                 os.remove(self.folder / "programs/steps")
 
+    def test_takes_80_columns_where_the_terminal_does_not_say(self):
+        self.make(f"{'A long name ' * 12}.exs")
+        self.start(0)
+        self.expect_line("0 of 1, .*\u2026")
+        self.assertEqual(len(self.terminal.last_line()), 79)
+        self.finish(1)
+
     def test_fits_wide_characters(self):
         name = "\u5f26\u697d" * 20
         self.make(f"{name}.exs")

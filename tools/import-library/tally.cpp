@@ -68,7 +68,8 @@ std::vector<CauseCount> Tally::causes() const {
     return list;
 }
 
-std::vector<MissingSamples> Tally::missing(std::size_t max_folders) const {
+std::vector<MissingSamples> Tally::missing() const {
+    constexpr std::size_t max_folders = 10;
     std::size_t depth = deepest(missing_);
     std::map<std::string_view, std::uint64_t> folders = grouped(missing_, depth);
     while (folders.size() > max_folders && depth > 1) {

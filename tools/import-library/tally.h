@@ -38,9 +38,9 @@ public:
     std::vector<CauseCount> causes() const;
 
     /// The samples that were not found, each recorded path once, grouped by recorded folder, the
-    /// largest group first. With more than `max_folders` groups, parent folders are used instead,
-    /// as deep as this limit allows.
-    std::vector<MissingSamples> missing(std::size_t max_folders = 10) const;
+    /// largest group first. With more than ten groups, parent folders are used instead, as deep as
+    /// this limit allows.
+    std::vector<MissingSamples> missing() const;
 
 private:
     std::map<std::string, CauseCount> causes_; // by their text

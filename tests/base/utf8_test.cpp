@@ -12,9 +12,13 @@ TEST(Utf8, CharactersTakeOneToFourBytes) {
     const auto expect = [](std::string_view text, std::size_t size, char32_t value) {
         EXPECT_EQ(first_utf8_character(text).size, size) << text;
         EXPECT_EQ(first_utf8_character(text).value, value) << text;
+        std::string written;
+        append_utf8(written, value);
+        EXPECT_EQ(written, text.substr(0, size));
     };
     expect("az", 1, U'a');
     expect(std::string(1, '\0'), 1, 0);
+    expect("\x7Fz", 1, 0x7F);
     expect("\xC2\x80z", 2, 0x80);
     expect("\xDF\xBFz", 2, 0x7FF);
     expect("\xE0\xA0\x80z", 3, 0x800);

@@ -114,7 +114,8 @@ TEST(Text, BytesAndTimesHaveFittingUnits) {
     EXPECT_EQ(bytes_text(1234567890), "1.2 GB");
     EXPECT_EQ(bytes_text(2500000000000000), "2500.0 TB");
     EXPECT_EQ(time_text(0.44), "0.4 s");
-    EXPECT_EQ(time_text(9.96), "10 s");
+    EXPECT_EQ(time_text(9.94), "9.9 s");
+    EXPECT_EQ(time_text(9.95), "10 s");
     EXPECT_EQ(time_text(192), "3 min 12 s");
     EXPECT_EQ(time_text(7500), "2 h 5 min");
 }

@@ -287,6 +287,13 @@ Owned nested_in_turns(int depth) {
     return object;
 }
 
+TEST(DictionaryDeathTest, ChangingAnImmutableOneStopsTheProcess) {
+    const Owned object = many_entries(1);
+    auto* const dictionary =
+        const_cast<CFMutableDictionaryRef>(reinterpret_cast<CFDictionaryRef>(object.get()));
+    EXPECT_DEATH(CFDictionarySetValue(dictionary, object.get(), object.get()), "");
+}
+
 TEST(References, OfDeepStructuresAreGivenUpWithoutRecursion) {
     const Owned leaf = make_string("leaf");
     Owned object = nested_arrays(1000000);

@@ -364,6 +364,18 @@ class Endings(LibraryTest):
         self.assertIn("2 not imported: the run ended before", self.summary(done))
         self.assertEqual(len(self.calls()), 1)
 
+    def test_by_a_second_ctrl_c_come_at_once(self):
+        here = self.use_fake_tool(a="wait on")
+        self.make("a.exs")
+        process = subprocess.Popen(self.words("lib"), cwd=self.folder, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.wait_until((here / "waiting").exists, "the tool is at a")
+        self.addCleanup(os.kill, int((here / "pid").read_text()), signal.SIGKILL)
+        process.send_signal(signal.SIGINT)
+        self.wait_until((here / "asked").exists, "the tool is asked to end")
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(HANG_SECONDS), -signal.SIGINT)
+
     def test_by_the_signals_of_batch_systems_sum_up(self):
         self.interrupt(os.kill, signal.SIGTERM, 128 + signal.SIGTERM)
 

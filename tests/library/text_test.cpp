@@ -86,6 +86,7 @@ TEST(Text, IsMeasuredAndCutByColumns) {
     EXPECT_EQ(cut_to("Strings", 7), "Strings");
     EXPECT_EQ(cut_to("Strings", 4), "Str\xe2\x80\xa6");
     EXPECT_EQ(cut_to("\xe5\xbc\xa6\xe6\xa5\xbd\xe5\xbc\xa6", 4), "\xe5\xbc\xa6\xe2\x80\xa6");
+    EXPECT_EQ(cut_to("e\xcc\x81tude", 2), "e\xcc\x81\xe2\x80\xa6");
     EXPECT_EQ(cut_to("Strings", 0), "");
 }
 
@@ -116,7 +117,11 @@ TEST(Text, BytesAndTimesHaveFittingUnits) {
     EXPECT_EQ(time_text(0.44), "0.4 s");
     EXPECT_EQ(time_text(9.94), "9.9 s");
     EXPECT_EQ(time_text(9.95), "10 s");
+    EXPECT_EQ(time_text(59.4), "59 s");
+    EXPECT_EQ(time_text(59.5), "1 min 0 s");
     EXPECT_EQ(time_text(192), "3 min 12 s");
+    EXPECT_EQ(time_text(3599), "59 min 59 s");
+    EXPECT_EQ(time_text(3600), "1 h 0 min");
     EXPECT_EQ(time_text(7500), "2 h 5 min");
 }
 

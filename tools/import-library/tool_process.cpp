@@ -42,12 +42,6 @@ struct Pipe {
     }
 };
 
-/// Makes the reading end of a pipe non-blocking.
-Descriptor without_waiting(Descriptor reading) {
-    fcntl(reading.get(), F_SETFL, O_NONBLOCK);
-    return reading;
-}
-
 /// Called in the new process: executes the tool, or writes errno to `failure` and ends.
 [[noreturn]] void become(char* const* words, int out, int err, int failure) {
     const int nothing = open("/dev/null", O_RDONLY);
@@ -82,7 +76,7 @@ int wait_for(pid_t process) {
 
 void LineReader::read_lines(const std::function<void(std::string_view line)>& take) {
     const ssize_t count = read(descriptor_.get(), buffer_.data(), buffer_.size());
-    if (count < 0 && (errno == EINTR || errno == EAGAIN)) {
+    if (count < 0 && errno == EINTR) {
         return;
     }
     if (count <= 0) {
@@ -128,8 +122,8 @@ ToolProcess::ToolProcess(const std::vector<std::string>& words) {
         wait_for(process_);
         throw std::system_error(reason, std::generic_category());
     }
-    out_ = LineReader(without_waiting(std::move(out.reading)));
-    err_ = LineReader(without_waiting(std::move(err.reading)));
+    out_ = LineReader(std::move(out.reading));
+    err_ = LineReader(std::move(err.reading));
 }
 
 ToolProcess::~ToolProcess() {

@@ -108,6 +108,25 @@ TEST(Report, IsNothingForALineWithOtherTypesOrARepeatedKey) {
     }
 }
 
+TEST(Report, IsNothingForOtherJson) {
+    const std::string whole = line;
+    for (const std::string& other :
+         {whole + "x", whole + whole, '[' + whole + ']', "[" + whole, std::string("null"),
+          std::string("true"), std::string("1.5"), std::string("\"Kit\"")}) {
+        EXPECT_FALSE(parse_report(other)) << other;
+    }
+    EXPECT_TRUE(parse_report(' ' + whole + '\r'));
+}
+
+TEST(Report, IsNothingForALineWithANumberThatIsTooLarge) {
+    for (const char* number : {"18446744073709551616", "1e999"}) {
+        EXPECT_FALSE(parse_report(line_with("5000000000", number))) << number;
+    }
+    const auto report = parse_report(line_with("5000000000", "18446744073709551615"));
+    ASSERT_TRUE(report);
+    EXPECT_EQ(report->sample_bytes, 18446744073709551615U);
+}
+
 TEST(Report, OfAnInstrumentAtWhichTheToolEndedIsALineToo) {
     const auto report = parse_report(line_without_import("lib/\xff.exs", "it \"ended\""));
     ASSERT_TRUE(report);

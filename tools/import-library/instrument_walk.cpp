@@ -43,6 +43,17 @@ std::string real_path(const std::string& path) {
     return error ? std::string() : real.string();
 }
 
+/// Whether the name of a file that is not hidden has the extension of an instrument, in any letter
+/// case.
+bool is_instrument_name(std::string_view name) {
+    const std::string_view extension = name.substr(std::min(name.rfind('.'), name.size()));
+    const auto is = [&](std::string_view wanted) {
+        return extension.size() == wanted.size() &&
+               strncasecmp(extension.data(), wanted.data(), wanted.size()) == 0;
+    };
+    return is(".exs") || is(".aupreset");
+}
+
 class Walk {
 public:
     explicit Walk(const WalkProgress& progress) : progress_(progress) {}
@@ -159,19 +170,6 @@ private:
 };
 
 } // namespace
-
-bool is_instrument_name(std::string_view name) {
-    const std::size_t dot = name.rfind('.');
-    if (dot == std::string_view::npos || dot == 0) {
-        return false;
-    }
-    const std::string_view extension = name.substr(dot);
-    const auto is = [&](std::string_view wanted) {
-        return extension.size() == wanted.size() &&
-               strncasecmp(extension.data(), wanted.data(), wanted.size()) == 0;
-    };
-    return is(".exs") || is(".aupreset");
-}
 
 std::string fault_of_argument(const std::string& path) {
     struct stat status {};

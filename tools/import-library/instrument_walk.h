@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <functional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace lumo::library {
@@ -22,9 +21,6 @@ struct Instruments {
 /// Called after each folder with the numbers of instruments found and of folders that contain them.
 /// Returning false ends the walk.
 using WalkProgress = std::function<bool(std::size_t instruments, std::size_t folders)>;
-
-/// Whether a file name has the extension of an instrument, in any letter case.
-bool is_instrument_name(std::string_view name);
 
 /// Why the argument (a folder or an instrument) cannot be used; empty when it can.
 std::string fault_of_argument(const std::string& path);

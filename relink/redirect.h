@@ -126,8 +126,8 @@ inline bool has_mode(int flags) {
 #endif
 }
 
-/// The mode argument of the shim that uses it, whose last named parameter is `last`; 0 when `flags`
-/// have none. A macro, because a function can read only its own variable arguments.
+/// The mode that was passed to a variadic shim; 0 when `flags` require none. `last` is the shim's
+/// last named parameter. A macro, because a function can read only its own variable arguments.
 #define LUMO_OPEN_MODE(flags, last)                                                                \
     __extension__({                                                                                \
         va_list arguments;                                                                         \

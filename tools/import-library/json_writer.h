@@ -26,7 +26,7 @@ public:
     void end_object() { end('}'); }
     /// The key of the next value; it needs no escapes.
     void key(std::string_view name);
-    /// Begins a new line, in front of which there is a comma if a value precedes it.
+    /// Begins a new line, after a comma if a value precedes it.
     void new_line();
 
     /// The displayed form of `bytes`, as a string without the character "<".

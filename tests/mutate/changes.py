@@ -28,6 +28,8 @@ NO_STATEMENTS = re.compile(
 STATEMENT = re.compile(
     r"(break|continue|throw\b.*|(\+\+|--).*"
     r"|\**[\w:]+(<[^;=]*>)?\s*(\.|->|\(|\[|[-+*/|&^]?= |<<=|>>=|\+\+|--).*);$", re.DOTALL)
+# Statements that no test can miss: the room of a container, the end of an argument list.
+WITHOUT_EFFECT = re.compile(r"va_end\(|[\w.]+(\.|->)reserve\(")
 DECLARATION = re.compile(r"^(const )?[\w:]+(<.*>)?( const)?( |[&*]+ ?|\.\.\. )[&*]*\w+( = .*)?$",
                          re.DOTALL)
 EMPTY = {"", "{}", "0", "false", "nullptr", "std::nullopt", '""'}
@@ -118,7 +120,7 @@ def statements(code, _):
             continue
         end = end_of_statement(code, match.end())
         text = code[match.end():end]
-        if end and STATEMENT.match(text) and not re.search(
+        if end and STATEMENT.match(text) and not WITHOUT_EFFECT.match(text) and not re.search(
                 r"(= default|= delete|\) const|\) override|noexcept);$", text):
             yield Change("removed statement", match.end(), end, ";" if before[-1] == ":" else "")
 

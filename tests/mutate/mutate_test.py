@@ -59,6 +59,17 @@ class Changes(unittest.TestCase):
         self.assertEqual(of_kind("removed statement", source),
                          ["a = 2;", "g(a, [] { return 1; });", "++a;", "break;"])
 
+    def test_statements_without_effect_stay(self):
+        source = """\
+            void f() {
+                va_end(list);
+                all.names.reserve(16);
+                names->reserve(16);
+                all.names.clear();
+            }
+            """
+        self.assertEqual(of_kind("removed statement", source), ["all.names.clear();"])
+
     def test_branches_that_only_leave_are_left_out(self):
         source = """\
             void f() {

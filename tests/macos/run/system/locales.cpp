@@ -1,4 +1,4 @@
-// The functions of libSystem that have a locale as a parameter.
+// The functions of libSystem that have a locale as a parameter, and those that read numbers.
 #include "system/locales.h"
 
 #include "system/system.h"
@@ -8,6 +8,7 @@
 #include <time.h>
 #include <wchar.h>
 
+#include <cerrno>
 #include <climits>
 
 namespace lumo::macos {
@@ -97,6 +98,34 @@ long double mac_wcstold(const wchar_t* text, wchar_t** end) {
 }
 #endif
 
+/// Returns a number that `read` has read; sets the Mac's errno when it is out of range.
+template <class Read>
+auto with_range(Read read) {
+    errno = 0;
+    const auto number = read();
+    if (errno != 0) {
+        mac_errno() = mac_error(errno);
+    }
+    return number;
+}
+
+double mac_strtod(const char* text, char** end) {
+    return with_range([&] { return ::strtod(text, end); });
+}
+
+float mac_strtof(const char* text, char** end) {
+    return with_range([&] { return ::strtof(text, end); });
+}
+
+// A long has the size of a long long on both systems.
+long long mac_strtoll(const char* text, char** end, int base) {
+    return with_range([&] { return ::strtoll(text, end, base); });
+}
+
+unsigned long long mac_strtoull(const char* text, char** end, int base) {
+    return with_range([&] { return ::strtoull(text, end, base); });
+}
+
 const Name names[] = {
     row("_newlocale", mac_newlocale),
     row("_freelocale", mac_freelocale),
@@ -109,13 +138,19 @@ const Name names[] = {
     row("_wcscoll_l", in_locale<::wcscoll>(::wcscoll)),
     row("_wcsxfrm_l", in_locale<::wcsxfrm>(::wcsxfrm)),
     row("_strftime_l", in_locale<::strftime>(::strftime)),
-    row("_strtod_l", in_locale<::strtod>(::strtod)),
-    row("_strtof_l", in_locale<::strtof>(::strtof)),
+    row("_strtod", mac_strtod),
+    row("_strtod_l", in_locale<mac_strtod>(mac_strtod)),
+    row("_strtof", mac_strtof),
+    row("_strtof_l", in_locale<mac_strtof>(mac_strtof)),
     row("_strtold", mac_strtold),
     row("_wcstold", mac_wcstold),
     row("_strtold_l", in_locale<mac_strtold>(mac_strtold)),
-    row("_strtoll_l", in_locale<::strtoll>(::strtoll)),
-    row("_strtoull_l", in_locale<::strtoull>(::strtoull)),
+    row("_strtol", mac_strtoll),
+    row("_strtoul", mac_strtoull),
+    row("_strtoll", mac_strtoll),
+    row("_strtoll_l", in_locale<mac_strtoll>(mac_strtoll)),
+    row("_strtoull", mac_strtoull),
+    row("_strtoull_l", in_locale<mac_strtoull>(mac_strtoull)),
 };
 
 } // namespace

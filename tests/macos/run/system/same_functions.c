@@ -40,7 +40,6 @@ const struct Same lumo_same_functions[] = {
     SAME(fputc) SAME(fputs) SAME(fputwc) SAME(puts) SAME(putchar)
     SAME(fread) SAME(fgets) SAME(getc) SAME(getwc) SAME(ungetc) SAME(ungetwc) SAME(fileno) SAME(ftell)
     SAME(ftello) SAME(fseek) SAME(fseeko)
-    SAME(strtod) SAME(strtof) SAME(strtol) SAME(strtoll) SAME(strtoul) SAME(strtoull)
     SAME(wcstod) SAME(wcstof) SAME(wcstol) SAME(wcstoll) SAME(wcstoul)
     SAME(wcstoull) SAME(lround) SAME(llround) SAME(nextafter) SAME(fmod) SAME(pow) SAME(round) SAME(sqrt)
     SAME(floor) SAME(ceil)

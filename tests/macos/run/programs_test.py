@@ -72,7 +72,7 @@ class Programs(FolderTest):
             "caught 2: default before 1, handler 1, flags 6, mask 40000000, default after 1",
             "caught 30: default before 1, handler 1, flags 6, mask 40000000, default after 1",
             "caught 20: default before 1, handler 1, flags 6, mask 40000000, default after 1",
-            "User defined signal 1, nobody: 0",
+            "User defined signal 1, no signal: 0",
             "terminal: 1, 0, 123 columns",
             "widths: 6, 2, 0, -1",
             "1970-01-02 00:00, 1"])

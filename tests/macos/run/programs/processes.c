@@ -60,7 +60,7 @@ static void catch_signals(void) {
                caught, before.sa_handler == SIG_DFL, after.sa_handler == remember,
                (unsigned)after.sa_flags, after.sa_mask, last.sa_handler == SIG_DFL);
     }
-    printf("%s, nobody: %d\n", strsignal(SIGUSR1), kill(getpid(), 0));
+    printf("%s, no signal: %d\n", strsignal(SIGUSR1), kill(getpid(), 0));
 }
 
 static void ask_terminal(void) {

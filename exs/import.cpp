@@ -58,10 +58,8 @@ OSStatus load_exs(AudioUnit sampler, const SampleIndex& index, Report& report) {
     const auto url = adopt(CFURLCreateFromFileSystemRepresentation(
         kCFAllocatorDefault, reinterpret_cast<const UInt8*>(path.data()),
         static_cast<CFIndex>(path.size()), false));
-    if (!url) {
-        return file_not_found;
-    }
-    return load_in_session(index, report.relink, [&] { return set_exs(sampler, url.get()); });
+    return url ? load_in_session(index, report.relink, [&] { return set_exs(sampler, url.get()); })
+               : file_not_found;
 }
 
 /// Loads a preset; returns the status of the load, or nothing, with the error set, when the file is
@@ -167,8 +165,9 @@ bool write_state(const void* state, const Options& options, Report& report) {
     const auto file = [&](unsigned number) {
         return numbered_state(options.states, report.name, number);
     };
-    unsigned& last = last_numbers[file(1)]; // 0: none yet
-    last = last > 0 && is_taken(file(last)) ? last + 1 : 1;
+    const auto [known, is_first] = last_numbers.try_emplace(file(1));
+    unsigned& last = known->second;
+    last = !is_first && is_taken(file(last)) ? last + 1 : 1;
     while (!write_plist(state, file(last), O_EXCL)) {
         const bool exists = errno == EEXIST;
         while (is_taken(file(last))) {

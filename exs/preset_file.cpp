@@ -61,10 +61,7 @@ ssize_t read_some(int file, int timeout_ms, unsigned char* bytes, std::size_t si
 std::vector<unsigned char> read_preset(const std::string& path) {
     const Descriptor file(
         uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC); }));
-    if (!file) {
-        return {};
-    }
-    const FileStatus status(file.get());
+    const FileStatus status(file.get()); // if the file was not opened, reading it fails
     if (status.expected_size > max_preset_size) {
         return {};
     }

@@ -44,7 +44,7 @@ std::string folder_of(std::string_view path) {
 /// system provides no random numbers.
 std::string hidden_path(std::string_view path) {
     std::uint64_t number = 0;
-    if (uninterrupted([&] { return getrandom(&number, sizeof number, 0); }) < 0) {
+    if (uninterrupted([&] { return getrandom(&number, sizeof number, 0); }) == -1) {
         return {};
     }
     std::array<char, 40> name{};
@@ -138,7 +138,7 @@ private:
 bool copy_link(const char* from, const char* to, const struct stat& status) {
     std::array<char, PATH_MAX> target{};
     const ssize_t length = ::readlink(from, target.data(), target.size() - 1);
-    if (length < 0 || ::symlink(target.data(), to) != 0) {
+    if (length == -1 || ::symlink(target.data(), to) != 0) {
         return false;
     }
     // The link exists; errors in setting its times and owner are ignored.

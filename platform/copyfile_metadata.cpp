@@ -37,7 +37,7 @@ bool copy_attribute(int from, int to, const char* name, AttributeValue& value) {
 
 /// Removes the access control list that a new file may have inherited from its folder.
 bool remove_inherited_acl(int to) {
-    return ::fgetxattr(to, acl_name, nullptr, 0) < 0 || ::fremovexattr(to, acl_name) == 0 ||
+    return ::fgetxattr(to, acl_name, nullptr, 0) == -1 || ::fremovexattr(to, acl_name) == 0 ||
            errno == ENODATA || is_unavailable(errno);
 }
 

@@ -96,20 +96,23 @@ bool ends_any(std::string_view name, const Folders& folders) {
                        [&](const Components& names) { return is_same_name(name, names.back()); });
 }
 
+/// Whether `path` begins with the folders `folder`, below the root folder of any volume.
+bool begins_with(const Components& path, const Components& folder) {
+    return std::any_of(volumes().begin(), volumes().end(), [&](const Components& volume) {
+        const auto [rest, unmatched] =
+            std::mismatch(path.begin(), path.end(), volume.begin(), volume.end(), is_same_name);
+        return unmatched == volume.end() &&
+               std::mismatch(rest, path.end(), folder.begin(), folder.end(), is_same_name).second ==
+                   folder.end();
+    });
+}
+
 /// Whether `path` is inside the Library of a home folder, which belongs to the user whatever its
 /// folders are called. /Users/Shared is not a home folder.
 bool is_in_home_library(const Components& path) {
-    return std::any_of(volumes().begin(), volumes().end(), [&](const Components& volume) {
-        const std::size_t first = volume.size();
-        if (path.size() < first + 3 ||
-            !std::equal(volume.begin(), volume.end(), path.begin(),
-                        [](auto wanted, auto name) { return is_same_name(name, wanted); }) ||
-            !is_same_name(path[first + 2], "Library")) {
-            return false;
-        }
-        return is_same_name(path[first], "home") ||
-               (is_same_name(path[first], "Users") && !is_same_name(path[first + 1], "Shared"));
-    });
+    return begins_with(path, components("home/*/Library")) ||
+           (begins_with(path, components("Users/*/Library")) &&
+            !begins_with(path, components("Users/Shared")));
 }
 
 } // namespace

@@ -27,9 +27,9 @@ void read_entries(Descriptor folder, const TakeEntry& take) {
 std::string real_path_of(const Descriptor& folder, const std::string& path) {
     char text[PATH_MAX];
     const std::string self = "/proc/self/fd/" + std::to_string(folder.get());
+    // Fails rather than truncate a path of PATH_MAX bytes or more.
     const ssize_t size = readlink(self.c_str(), text, sizeof text);
-    // The path must not be truncated, and must not be a text such as "(unreachable)".
-    const bool is_path = size > 0 && static_cast<std::size_t>(size) < sizeof text && text[0] == '/';
+    const bool is_path = size != -1 && text[0] == '/'; // not a text such as "(unreachable)"
     return is_path ? std::string(text, static_cast<std::size_t>(size)) : real_path(path);
 }
 

@@ -56,19 +56,17 @@ Descriptor open_folder(const std::string& path) {
         const int start = folder ? folder.get() : AT_FDCWD;
         return Descriptor(uninterrupted([&] { return openat(start, piece, open_flags); }));
     };
-    std::size_t begin = 0;
-    while (path.size() - begin >= PATH_MAX) {
-        const std::size_t slash = path.rfind('/', begin + PATH_MAX - 2);
-        if (slash == std::string::npos || slash <= begin) {
-            return {};
-        }
-        folder = open_next(path.substr(begin, slash - begin).c_str());
+    std::string_view rest = path;
+    while (rest.size() >= PATH_MAX) {
+        // Without a slash there, the piece is all of the rest, and the system refuses it.
+        const std::size_t slash = rest.rfind('/', PATH_MAX - 2);
+        folder = open_next(std::string(rest.substr(0, slash)).c_str());
         if (!folder) {
             return {};
         }
-        begin = std::min(path.find_first_not_of('/', slash), path.size());
+        rest.remove_prefix(std::min(rest.find_first_not_of('/', slash), rest.size()));
     }
-    return open_next(begin < path.size() ? path.c_str() + begin : ".");
+    return open_next(rest.empty() ? "." : rest.data());
 }
 
 class Walk {

@@ -52,15 +52,13 @@ void FoundSamples::move_into(SampleIndex& index, const std::string& root) {
     }
     std::string key;
     for (std::size_t i = 0; i < places.size(); ++i) {
-        if (i + samples_ahead < places.size()) {
-            prefetch(places[i + samples_ahead]);
-        }
+        prefetch_ahead(places, i);
         const Folder& folder = folders_[places[i].folder];
         const std::string_view name = name_at(places[i]);
         make_key(name, key);
         std::vector<SampleIndex::Entry>& entries = index.files[key];
         if (entries.empty()) {
-            entries.reserve(count_of_key(key, places, i));
+            entries.reserve(count_of_key(key, std::span(places).subspan(i)));
         }
         SampleIndex::Entry& entry = entries.emplace_back();
         entry.path.reserve(folder.path.size() + name.size());
@@ -83,8 +81,7 @@ std::vector<FoundSamples::Place> FoundSamples::in_order_of(const SampleIndex& in
                               static_cast<std::uint32_t>(place)});
         });
     }
-    std::sort(places.begin(), places.end(),
-              [](const Place& a, const Place& b) { return a.bucket < b.bucket; });
+    std::ranges::sort(places, {}, &Place::bucket);
     return places;
 }
 
@@ -93,9 +90,7 @@ bool FoundSamples::is_any_of(const std::string& root, const std::vector<Place>& 
     std::string key;
     const std::vector<SampleIndex::Entry>* looked_through = nullptr;
     for (std::size_t i = 0; i < places.size(); ++i) {
-        if (i + samples_ahead < places.size()) {
-            prefetch(places[i + samples_ahead]);
-        }
+        prefetch_ahead(places, i);
         make_key(name_at(places[i]), key);
         const auto found = index.files.find(key);
         if (found == index.files.end() || &found->second == looked_through) {
@@ -109,23 +104,26 @@ bool FoundSamples::is_any_of(const std::string& root, const std::vector<Place>& 
     return false;
 }
 
-std::size_t FoundSamples::count_of_key(const std::string& wanted, const std::vector<Place>& places,
-                                       std::size_t first) const {
+std::size_t FoundSamples::count_of_key(const std::string& wanted,
+                                       std::span<const Place> places) const {
+    const auto next = places.begin() + 1;
+    const auto end = std::find_if(next, places.end(), [&](const Place& place) {
+        return place.bucket != places.front().bucket;
+    });
     std::string key;
-    std::size_t count = 1;
-    for (std::size_t i = first + 1; i < places.size() && places[i].bucket == places[first].bucket;
-         ++i) {
-        make_key(name_at(places[i]), key);
-        count += key == wanted ? 1 : 0;
-    }
-    return count;
+    const auto more = std::count_if(next, end, [&](const Place& place) {
+        make_key(name_at(place), key);
+        return key == wanted;
+    });
+    return static_cast<std::size_t>(1 + more);
 }
 
 const char* FoundSamples::name_at(const Place& place) const {
     return folders_[place.folder].names.at(place.name);
 }
 
-void FoundSamples::prefetch(const Place& place) const {
+void FoundSamples::prefetch_ahead(const std::vector<Place>& places, std::size_t i) const {
+    const Place& place = places[std::min(i + samples_ahead, places.size() - 1)];
     const Folder& folder = folders_[place.folder];
     __builtin_prefetch(name_at(place));
     __builtin_prefetch(folder.path.data());

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -47,11 +48,12 @@ private:
     bool is_any_of(const std::string& root, const std::vector<Place>& places,
                    const SampleIndex& index) const;
 
-    /// How many of `places`, from `first` on, have the key `wanted`, which is the key of `first`.
-    std::size_t count_of_key(const std::string& wanted, const std::vector<Place>& places,
-                             std::size_t first) const;
+    /// How many of `places`, which are in the order of the buckets, have the key `wanted`, which is
+    /// the key of the first.
+    std::size_t count_of_key(const std::string& wanted, std::span<const Place> places) const;
     const char* name_at(const Place& place) const;
-    void prefetch(const Place& place) const;
+    /// Prefetches the memory of a sample a few places after `places[i]`, or of the last one.
+    void prefetch_ahead(const std::vector<Place>& places, std::size_t i) const;
 
     std::vector<Folder> folders_;
     std::size_t count_ = 0;

@@ -55,7 +55,7 @@ bool can_access(const char* path, int mode) {
 
 bool is_link(const char* path) {
     char text = 0;
-    return readlink(path, &text, sizeof text) >= 0;
+    return readlink(path, &text, sizeof text) != -1;
 }
 
 std::string real_path(const char* path) {

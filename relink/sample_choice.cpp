@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -48,23 +49,17 @@ bool is_difference(char key, char c) {
 std::size_t count_shared(std::string_view path, std::string_view recorded) {
     const auto is_key_of = [](char key, char c) { return is_ascii(c) && to_lower(c) == key; };
     const std::string_view folders = folders_of(path);
-    const auto [key, c] = std::mismatch(recorded.rbegin(), recorded.rend(), folders.rbegin(),
-                                        folders.rend(), is_key_of);
-    const auto count = std::count(recorded.rbegin(), key, '/');
-    if (key == recorded.rend()) {
-        return static_cast<std::size_t>(count);
+    auto [key, c] = std::mismatch(recorded.rbegin(), recorded.rend(), folders.rbegin(),
+                                  folders.rend(), is_key_of);
+    // The first component of a relative path has no slash, but its key has one.
+    const bool is_certain =
+        key == recorded.rend() || (c != folders.rend() && is_difference(*key, *c));
+    if (!is_certain) {
+        thread_local std::string keys;
+        make_folder_keys(path, keys);
+        key = std::mismatch(recorded.rbegin(), recorded.rend(), keys.rbegin(), keys.rend()).first;
     }
-    if (c == folders.rend()) { // the first component of a relative path has no slash
-        return static_cast<std::size_t>(count + (*key == '/' ? 1 : 0));
-    }
-    if (is_difference(*key, *c)) {
-        return static_cast<std::size_t>(count);
-    }
-    thread_local std::string keys;
-    make_folder_keys(path, keys);
-    const auto end =
-        std::mismatch(recorded.rbegin(), recorded.rend(), keys.rbegin(), keys.rend()).first;
-    return static_cast<std::size_t>(std::count(recorded.rbegin(), end, '/'));
+    return static_cast<std::size_t>(std::count(recorded.rbegin(), key, '/'));
 }
 
 /// How many candidates ahead a path is prefetched: paths are scattered in memory, and a cache miss
@@ -76,57 +71,53 @@ void prefetch_end(const std::string& path) {
 }
 
 std::size_t count_components(std::string_view path) {
-    std::size_t count = path.empty() || path.back() == '/' ? 0 : 1;
-    for (std::size_t i = 1; i < path.size(); ++i) {
-        count += path[i] == '/' && path[i - 1] != '/' ? 1 : 0;
+    std::size_t count = 0;
+    for (std::size_t begin = path.find_first_not_of('/'); begin != std::string_view::npos;
+         begin = path.find_first_not_of('/', path.find('/', begin))) {
+        ++count;
     }
     return count;
 }
 
 /// Ranks candidates that share equally many folders: the lowest is chosen.
-std::pair<std::size_t, std::string_view> rank(const SampleIndex::Entry& entry) {
-    return {count_components(entry.path), entry.path};
+std::pair<std::size_t, std::string_view> rank(std::string_view path) {
+    return {count_components(path), path};
 }
 
-const SampleIndex::Entry& first_of(const std::vector<const SampleIndex::Entry*>& entries) {
-    const SampleIndex::Entry* first = entries.front();
-    auto lowest = rank(*first);
-    for (std::size_t i = 1; i < entries.size(); ++i) {
-        if (const auto other = rank(*entries[i]); other < lowest) {
-            lowest = other;
-            first = entries[i];
-        }
+std::string_view lowest_of(std::span<const std::string_view> paths) {
+    auto lowest = rank(paths.front());
+    for (const std::string_view path : paths.subspan(1)) {
+        lowest = std::min(lowest, rank(path));
     }
-    return *first;
+    return lowest.second;
 }
 
-} // namespace
-
-const SampleIndex::Entry& choose(const std::vector<SampleIndex::Entry>& entries,
-                                 std::string_view recorded) {
-    if (entries.size() == 1) {
-        return entries.front();
-    }
+std::string_view choose_of_several(const std::vector<SampleIndex::Entry>& entries,
+                                   std::string_view recorded) {
     thread_local std::string folders;
-    thread_local std::vector<const SampleIndex::Entry*> nearest;
+    thread_local std::vector<std::string_view> nearest;
     make_folder_keys(recorded, folders);
     nearest.clear();
     std::size_t max_shared = 0;
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        const SampleIndex::Entry& entry = entries[i];
-        if (i + candidates_ahead < entries.size()) {
-            prefetch_end(entries[i + candidates_ahead].path);
-        }
-        const std::size_t shared = count_shared(entry.path, folders);
+        prefetch_end(entries[std::min(i + candidates_ahead, entries.size() - 1)].path);
+        const std::string_view path = entries[i].path;
+        const std::size_t shared = count_shared(path, folders);
         if (shared > max_shared) {
             nearest.clear();
             max_shared = shared;
         }
         if (shared == max_shared) {
-            nearest.push_back(&entry);
+            nearest.push_back(path);
         }
     }
-    return first_of(nearest);
+    return lowest_of(nearest);
+}
+
+} // namespace
+
+std::string_view choose(const std::vector<SampleIndex::Entry>& entries, std::string_view recorded) {
+    return entries.size() == 1 ? entries.front().path : choose_of_several(entries, recorded);
 }
 
 } // namespace lumo::exs::relink

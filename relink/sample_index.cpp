@@ -28,7 +28,7 @@ std::optional<std::string> SampleIndex::find(std::string_view recorded) const {
     relink::make_key(name, key);
     const auto found = files.find(key);
     if (found != files.end() && !found->second.empty()) {
-        return relink::choose(found->second, recorded).path;
+        return std::string(relink::choose(found->second, recorded));
     }
     if (const Entry* entry = relink::find_by_mangled_name(*this, name)) {
         return entry->path;

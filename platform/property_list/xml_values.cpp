@@ -22,21 +22,23 @@
 namespace lumo::platform {
 namespace {
 
+bool is_wide_blank(char32_t c) {
+    return (c >= 0x2000 && c <= 0x200B) || c == 0x3000;
+}
+
 /// The size in bytes of the blank at the start of the text of an <integer>, which CoreFoundation
-/// reads byte by byte: control characters, space, the bytes 0x7F to 0xA0 and, in UTF-8, U+2000 to
-/// U+200B and U+3000. 0 when there is none.
+/// reads byte by byte: control characters, space, the bytes 0x7F to 0xA0 and, in UTF-8, the wide
+/// blanks. 0 when there is none.
 std::size_t blank_size(std::string_view text) {
-    const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(text[i]); };
     if (text.empty()) {
         return 0;
     }
-    if (byte(0) <= 0x20 || (byte(0) >= 0x7F && byte(0) <= 0xA0)) {
+    const auto byte = static_cast<std::uint8_t>(text[0]);
+    if (byte <= 0x20 || (byte >= 0x7F && byte <= 0xA0)) {
         return 1;
     }
-    const bool wide =
-        text.starts_with("\xE3\x80\x80") ||
-        (text.starts_with("\xE2\x80") && text.size() > 2 && byte(2) >= 0x80 && byte(2) <= 0x8B);
-    return wide ? 3 : 0;
+    const Utf8Character first = first_utf8_character(text);
+    return is_wide_blank(first.value) ? first.size : 0;
 }
 
 void skip_blanks(std::string_view& text) {
@@ -51,8 +53,8 @@ void skip_blank_characters(std::string_view& text) {
     while (!text.empty()) {
         const Utf8Character next = first_utf8_character(text);
         const char32_t c = next.value;
-        if (next.size == 0 || !((c >= 0x01 && c <= 0x20) || (c >= 0x7F && c <= 0xA0) ||
-                                (c >= 0x2000 && c <= 0x200B) || c == 0x3000)) {
+        if (next.size == 0 ||
+            !((c >= 0x01 && c <= 0x20) || (c >= 0x7F && c <= 0xA0) || is_wide_blank(c))) {
             return;
         }
         text.remove_prefix(next.size);

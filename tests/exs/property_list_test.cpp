@@ -1,4 +1,5 @@
 // Reading numbers from property lists, and writing property lists to files.
+#include "fake_write.h"
 #include "list_values.h"
 #include "property_list.h"
 #include "support/temp_folder.h"
@@ -109,6 +110,27 @@ TEST(WritePlist, LeavesItsFileToWhomTheUmaskSays) {
     };
     EXPECT_EQ(mode_with(0), 0666u);
     EXPECT_EQ(mode_with(027), 0640u);
+}
+
+TEST(WritePlist, GoesOnAfterAShortWrite) {
+    const TempFolder folder;
+    const Value list = dictionary({{"name", text("Test")}});
+    ASSERT_TRUE(write_plist(list.get(), folder / "whole"));
+    const std::string whole = read_file(folder / "whole");
+    for (const std::size_t limit : {std::size_t{1}, std::size_t{7}, whole.size() - 1}) {
+        FakeWrite fake([&](int) { return limit; });
+        EXPECT_TRUE(write_plist(list.get(), folder / "state"));
+        EXPECT_EQ(fake.calls, static_cast<int>((whole.size() + limit - 1) / limit));
+        EXPECT_EQ(read_file(folder / "state"), whole) << limit;
+    }
+}
+
+TEST(WritePlist, FailsWhereNothingMoreIsWritten) {
+    const TempFolder folder;
+    FakeWrite fake([](int call) { return call < 3 ? std::size_t{5} : 0; });
+    EXPECT_FALSE(write_plist(dictionary({}).get(), folder / "state"));
+    EXPECT_EQ(fake.calls, 3);
+    EXPECT_EQ(read_file(folder / "state").size(), 10u);
 }
 
 TEST(WritePlist, SeesThatTheDiskIsFull) {

@@ -57,8 +57,13 @@ TEST(PropertyListInteger, TakesItsBlanksByteByByte) {
     expect_integer("\x7F\x80\xA0"
                    "5",
                    5);
-    for (const char* blank : {"\xC2\xA0", "\xEF\xBB\xBF", "\xE2\x81\x9F"}) {
+    for (const char* blank : {"\x01", " ", "\xE2\x80\x80", "\xE2\x80\x8B", "\xE3\x80\x80"}) {
+        expect_integer(blank + "5"s, 5);
+    }
+    for (const char* blank : {"!", "\x7E", "\xA1", "\xC2\xA0", "\xEF\xBB\xBF", "\xE2\x80",
+                              "\xE2\x80\x7F", "\xE2\x80\x8C", "\xE2\x81\x9F", "\xE3\x80\x81"}) {
         EXPECT_FALSE(parse_integer(blank + "5"s)) << blank;
+        EXPECT_FALSE(parse_integer(blank)) << blank;
     }
 }
 

@@ -75,6 +75,20 @@ TEST(AddRoot, AddsARootOnceHoweverOftenItIsGiven) {
     EXPECT_EQ(paths_of(index).size(), 2u);
 }
 
+TEST(AddRoot, GivesEachNameJustTheRoomForItsFiles) {
+    const TempFolder folder;
+    for (int i = 0; i < 5; ++i) {
+        write_file(folder / (std::to_string(i) + "/kick.wav"), "");
+        write_file(folder / (std::to_string(i) + "/" + std::to_string(i) + ".wav"), "");
+    }
+    SampleIndex index;
+    index.add_root(folder.path().string());
+    EXPECT_EQ(index.files.at("kick.wav").size(), 5u);
+    for (const auto& [key, entries] : index.files) {
+        EXPECT_EQ(entries.capacity(), entries.size()) << key;
+    }
+}
+
 TEST(AddRoot, TakesSeveralRoots) {
     const TempFolder folder;
     write_file(folder / "one/a.wav", "");

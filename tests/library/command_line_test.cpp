@@ -4,8 +4,10 @@
 #include "tool_run.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
-#include <numeric>
+#include <utility>
 
 namespace {
 
@@ -92,6 +94,20 @@ TEST(CommandLine, SuggestsTheOptionThatMayHaveBeenMeant) {
               "lumo-import-library: there is no option --quite-another");
 }
 
+TEST(CommandLine, SuggestsAnOptionUpToThreeCharactersAway) {
+    for (const char* word : {"--continuexyz", "--xyzcontinue", "--conti", "--cntiu", "--xyztinue",
+                             "--contixyz", "--coxyzinue", "--cxontiynuze"}) {
+        EXPECT_EQ(refused(with_show({word, "x"})), "lumo-import-library: there is no option " +
+                                                       std::string(word) +
+                                                       "; did you mean --continue?");
+    }
+    for (const char* word :
+         {"--continuewxyz", "--wxyzcontinue", "--cont", "--wxyzinue", "--contwxyz", "--cwxyznue"}) {
+        EXPECT_EQ(refused(with_show({word, "x"})),
+                  "lumo-import-library: there is no option " + std::string(word));
+    }
+}
+
 TEST(CommandLine, AnswersHelpAndVersion) {
     const Answer help = std::get<Answer>(parse({"--help"}));
     EXPECT_EQ(help.status, 0);
@@ -118,7 +134,25 @@ TEST(ToolCommand, IsCutToTheRoomThatThereIs) {
     EXPECT_EQ(fitting(instruments, 0, 3 * one - 1), 2U);
     EXPECT_EQ(fitting(instruments, 8, 3 * one), 2U);
     EXPECT_EQ(fitting(instruments, 0, 0), 1U);
-    EXPECT_GT(room_for_arguments(), 0U);
 }
+
+#ifdef __linux__
+TEST(ToolCommand, HasTheRoomOfTheSystemsLimitUpTo2MiB) {
+    std::size_t taken = 4096;
+    for (char** entry = environ; *entry; ++entry) {
+        taken += size_as_argument(*entry);
+    }
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_STACK, &before), 0);
+    for (const auto& [stack, limit] : {std::pair<rlim_t, std::size_t>{2 << 20, 512 << 10},
+                                       {8 << 20, 2 << 20},
+                                       {12 << 20, 2 << 20}}) {
+        const rlimit stack_limit{stack, before.rlim_max}; // four times that for arguments
+        ASSERT_EQ(setrlimit(RLIMIT_STACK, &stack_limit), 0);
+        EXPECT_EQ(room_for_arguments(), limit - taken);
+    }
+    EXPECT_EQ(setrlimit(RLIMIT_STACK, &before), 0);
+}
+#endif
 
 } // namespace

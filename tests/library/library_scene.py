@@ -55,6 +55,9 @@ for instrument in instruments:
         time.sleep(0.3)
         os.kill(os.getppid(), signal.SIGINT)
         os._exit(0)
+    elif act == "close stderr":
+        os.close(2)
+        time.sleep(0.3)  # the program hears of it before it hears of the next line
     elif act == "torn":
         os.write(1, b'{"name":"to')
         sys.exit(0)
@@ -88,6 +91,8 @@ for instrument in instruments:
                       "highestKey": 0, "layers": []}}
     text = json.dumps(line, separators=(",", ":"), ensure_ascii=False) + "\\n"
     os.write(1, text.encode("utf-8", "surrogateescape"))
+while (here / "stay").exists():
+    time.sleep(0.01)
 '''
 
 

@@ -111,6 +111,27 @@ class AsAFile(PageTest):
             self.expect(done, 1)
             self.assertIn(reason, done.stderr)
         self.assertEqual(self.calls(), [])
+        write_lines(self.folder / "lines", [report("a")])
+        done = self.run_library(words=[str(LIBRARY), "--from", "lines", "--page", "none/page.html"])
+        self.expect(done, 1)
+        self.assertEqual((done.stdout, done.stderr),
+                         (b"", b"lumo-import-library: none/page.html: No such file or directory\n"))
+
+    def test_that_could_not_be_written_to_a_device_leaves_the_device(self):
+        self.use_fake_tool()
+        self.make("a.exs")
+        write_lines(self.folder / "lines", [report("a")])
+        link = self.folder / "page.html"
+        link.symlink_to("/dev/full")
+        for done in (self.run_library("--page", link.name, "lib"),
+                     self.run_library(words=[str(LIBRARY), "--from", "lines", "--page",
+                                             link.name])):
+            self.expect(done, 3)
+            self.assertEqual(done.stderr, b"lumo-import-library: page.html: No space left on "
+                                          b"device\n")
+            self.assertIn(b"1 instrument: 1 imported, 0 failed\n", done.stdout)
+            self.assertNotIn(b"in a browser", done.stdout)
+            self.assertTrue(link.is_symlink())
 
     def test_goes_into_a_pipe_that_is_there(self):
         write_lines(self.folder / "lines", [report("a")])

@@ -30,6 +30,24 @@ TEST(Progress, StaysShortOfTheWidthWhateverThatIs) {
     EXPECT_EQ(progress_text(usual, 1, false), "");
 }
 
+TEST(Progress, ShowsEachPartFromTheWidthOnThatItNeeds) {
+    const std::string whole =
+        "812 of 2,000, 14 failed, 1.2 GB copied, 2 min 10 s left: Strings Legato Espressivo";
+    const auto shown = [](std::size_t width) { return progress_text(usual, width, false); };
+    for (const std::size_t end : {whole.find(", 14"), whole.find(", 1.2"), whole.find(", 2 min"),
+                                  whole.find(": "), whole.size()}) {
+        EXPECT_EQ(shown(end + 1), whole.substr(0, end));
+        EXPECT_NE(shown(end), whole.substr(0, end));
+    }
+    const std::size_t name = whole.find("Strings");
+    EXPECT_EQ(shown(name + 7), whole.substr(0, name) + "Strin~");
+    EXPECT_EQ(shown(name + 6), whole.substr(0, name - 2));
+}
+
+TEST(Progress, BeginsWithNothingDone) {
+    EXPECT_EQ(progress_text({}, 80, true), "0 of 0, 0 failed, 0 bytes copied");
+}
+
 TEST(Progress, HasFailuresInRedWhereColoursAreWanted) {
     EXPECT_EQ(progress_text(usual, 40, true),
               "812 of 2,000, \x1b[31m14 failed\x1b[39m, 1.2 GB copied");

@@ -134,8 +134,24 @@ TEST(Report, OfAnInstrumentAtWhichTheToolEndedIsALineToo) {
     EXPECT_EQ(report->source, "lib/\xff.exs");
     EXPECT_FALSE(report->ok);
     EXPECT_EQ(report->error, "it \"ended\"");
-    EXPECT_EQ(report->shape.max_stack, 1);
-    EXPECT_EQ(report->shape.lowest_key, 127);
+}
+
+TEST(Report, HasTheInitialValuesOfALineWithoutAnImport) {
+    const auto line_values = parse_report(line_without_import("", ""));
+    ASSERT_TRUE(line_values);
+    for (const Report& report : {*line_values, Report()}) {
+        EXPECT_FALSE(report.ok);
+        EXPECT_EQ(report.samples, 0U);
+        EXPECT_EQ(report.sample_bytes, 0U);
+        EXPECT_EQ(report.copied_bytes, 0U);
+        EXPECT_EQ(report.load_ms, 0);
+        EXPECT_EQ(report.shape.zones, 0);
+        EXPECT_EQ(report.shape.max_stack, 1);
+        EXPECT_EQ(report.shape.stacked_percent, 0);
+        EXPECT_EQ(report.shape.lowest_key, 127);
+        EXPECT_EQ(report.shape.highest_key, 0);
+        EXPECT_TRUE(report.shape.layers.empty());
+    }
 }
 
 TEST(LineSplitter, CutsPiecesOfAnySizeIntoTheSameLines) {

@@ -2,6 +2,7 @@
 """Runs of lumo-import-library: the imported instruments, the calls of the tool, the output and the
 exit status."""
 
+import errno
 import json
 import os
 import re
@@ -303,6 +304,26 @@ class Endings(LibraryTest):
         self.expect(done, 2)
         self.assertIn(b"        1 the tool gave no report line for it\n", done.stdout)
 
+    def test_of_more_lines_than_instruments_ignore_the_rest(self):
+        more = json.dumps({"name": "d", "source": "lib/d.exs", "ok": False, "error": "no",
+                           "relinked": [], "unresolved": [], "appleLibrary": [], "samples": 1,
+                           "sampleBytes": 1, "copiedBytes": 1, "stateFile": "", "loadMs": 0.1,
+                           "shape": {"zones": 0, "maxStack": 1, "stackedPercent": 0.0,
+                                     "lowestKey": 127, "highestKey": 0, "layers": []}})
+        self.use_fake_tool(c=f"print nonsense\n{more}")
+        self.make("a.exs", "b.exs", "c.exs")
+        done = self.run_library("--lines", "lines", "lib")
+        self.expect(done, 2)
+        self.assertIn("3 instruments: 2 imported, 1 failed\n2 samples", self.summary(done))
+        self.assertEqual((self.folder / "lines").read_bytes().count(b"\n"), 3)
+
+    def test_of_the_tools_errors_are_not_those_of_its_lines(self):
+        self.use_fake_tool(a="close stderr")
+        self.make("a.exs", "b.exs")
+        done = self.run_library("lib")
+        self.expect(done, 0)
+        self.assertIn("2 instruments: 2 imported, 0 failed", self.summary(done))
+
     def test_pass_on_the_tools_last_words(self):
         self.use_fake_tool(b="last words no \x1b[2Jend")
         self.make("a.exs", "b.exs")
@@ -325,6 +346,33 @@ class Endings(LibraryTest):
                           "lumo-exs-import, is not known (on Linux /proc shows it)",
                           done.stderr.decode().splitlines())
             self.assertFalse((self.folder / "calls.jsonl").exists())
+
+        def inject(self, calls, *arguments):
+            """Runs the program with system calls that fail or come with a signal."""
+            return self.run_library(words=[
+                "env", "ASAN_OPTIONS=detect_leaks=0", "strace", "-o", os.devnull,
+                *(word for call in calls for word in ("-e", f"inject={call}")),
+                *self.words(*arguments)])
+
+        def test_by_ctrl_c_during_the_walk_come_before_the_tool_is_started(self):
+            self.use_fake_tool()
+            self.make("a.exs", "b/c.exs")
+            done = self.inject(["getdents64:signal=SIGINT:when=1"], "lib")
+            self.assertEqual((done.returncode, done.stdout, done.stderr),
+                             (128 + signal.SIGINT, b"", b""))
+            self.assertEqual(self.calls(), [])
+
+        def test_without_pipes_or_processes_give_3(self):
+            self.use_fake_tool()
+            self.make("a.exs")
+            for call, reason in (("pipe,pipe2:error=EMFILE", errno.EMFILE),
+                                 ("clone,clone3,fork,vfork:error=EAGAIN", errno.EAGAIN)):
+                with self.subTest(call):
+                    done = self.inject([call], "lib")
+                    self.expect(done, 3)
+                    self.assertIn(f"lumo-exs-import: cannot be started: {os.strerror(reason)}\n",
+                                  done.stderr.decode())
+            self.assertEqual(self.calls(), [])
 
     def interrupt(self, send, number, status):
         here = self.use_fake_tool(c="wait")
@@ -457,6 +505,7 @@ class SummingUp(LibraryTest):
             self.run_library("--shard", f"{part}/2", "--lines", f"lines{part}", "lib")
         done = self.from_files("lines1", "lines2")
         self.expect(done, 2)
+        self.assertEqual(done.stderr, b"")
         self.assertEqual(done.stdout.decode(), """\
 4 instruments: 3 imported, 1 failed
 3 samples, 4.0 kB copied

@@ -162,6 +162,17 @@ TEST(Tally, GroupsNoMoreThanTenFoldersByThemselves) {
     EXPECT_EQ(tally.missing()[0].folder, "/Old");
 }
 
+TEST(Tally, ListsAllFoldersAtTheRootHoweverManyThereAre) {
+    Tally tally;
+    for (int i = 10; i < 21; ++i) {
+        tally.add(failed("x", {"/" + std::to_string(i) + "/a/a.wav"}));
+    }
+    const auto groups = tally.missing();
+    ASSERT_EQ(groups.size(), 11U);
+    EXPECT_EQ(groups.front().folder, "/10");
+    EXPECT_EQ(groups.back().folder, "/20");
+}
+
 // The rows of the tables in docs/report-line.md, as lists of trimmed cells.
 std::vector<std::vector<std::string>> table_rows(const std::string& heading) {
     std::istringstream page(lumo::test::read_file(LUMO_SOURCE "/docs/report-line.md"));

@@ -66,6 +66,16 @@ class StatusLine(LibraryTest):
         self.assertEqual(self.terminal.screen.rows(), [])
         self.assertIn(b"10 instruments: 9 imported, 1 failed", out)
 
+    def test_has_no_name_after_the_last_instrument(self):
+        self.make("a.exs", "b.exs")
+        stay = self.use_fake_tool() / "stay"
+        stay.touch()
+        self.start(200)
+        self.step(2)
+        self.expect_line(r"2 of 2, 0 failed, 2\.0 kB copied, 0\.0 s left")
+        stay.unlink()
+        self.finish(0)
+
     def test_fits_narrow_terminals(self):
         for width, pattern in ((20, "1 of 3, 0 failed"), (80, r"1 of 3.*left: A long name.*")):
             with self.subTest(width):

@@ -88,6 +88,7 @@ TEST(Text, IsMeasuredAndCutByColumns) {
     EXPECT_EQ(cut_to("\xe5\xbc\xa6\xe6\xa5\xbd\xe5\xbc\xa6", 4), "\xe5\xbc\xa6\xe2\x80\xa6");
     EXPECT_EQ(cut_to("e\xcc\x81tude", 2), "e\xcc\x81\xe2\x80\xa6");
     EXPECT_EQ(cut_to("Strings", 0), "");
+    EXPECT_EQ(cut_to("a\x7f\xc2\x80", 5), "a\x7f?"); // control characters of one and of two bytes
 }
 
 TEST(Text, IsAsciiWhereTheTerminalKnowsNothingElse) {

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <charconv>
 #include <memory>
+#include <numeric>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -79,15 +80,15 @@ void add_options(Options& options) {
 /// The number of characters to insert, remove or replace to change one text into the other.
 std::size_t distance(std::string_view one, std::string_view other) {
     std::vector<std::size_t> row(other.size() + 1);
-    for (std::size_t i = 0; i < row.size(); ++i) {
-        row[i] = i;
-    }
-    for (std::size_t i = 0; i < one.size(); ++i) {
-        std::size_t diagonal = std::exchange(row[0], i + 1);
-        for (std::size_t j = 0; j < other.size(); ++j) {
-            const std::size_t replaced = diagonal + (one[i] == other[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+    std::iota(row.begin(), row.end(), 0);
+    for (const char from : one) {
+        auto cell = row.begin();
+        std::size_t diagonal = (*cell)++;
+        for (const char to : other) {
+            const std::size_t replaced = diagonal + (from == to ? 0 : 1);
+            const std::size_t inserted = *cell + 1;
+            diagonal = *++cell;
+            *cell = std::min({replaced, inserted, diagonal + 1});
         }
     }
     return row.back();

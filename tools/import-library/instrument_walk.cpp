@@ -172,11 +172,8 @@ private:
 } // namespace
 
 std::string fault_of_argument(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0) {
-        return std::strerror(errno);
-    }
-    const int rights = S_ISDIR(status.st_mode) ? R_OK | X_OK : R_OK;
+    std::error_code error;
+    const int rights = fs::is_directory(path, error) ? R_OK | X_OK : R_OK;
     return access(path.c_str(), rights) == 0 ? std::string() : std::strerror(errno);
 }
 

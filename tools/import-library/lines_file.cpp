@@ -3,6 +3,7 @@
 
 #include "base/descriptor.h"
 #include "line_splitter.h"
+#include "write_all.h"
 
 #include <fcntl.h>
 #include <string.h>
@@ -22,18 +23,6 @@ namespace {
 
 std::string last_failure() {
     return strerror(errno);
-}
-
-/// Writes all bytes; false, with errno set, on failure.
-bool write_all(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno != EINTR) {
-            return false;
-        }
-        bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
-    }
-    return true;
 }
 
 /// Calls `take` for each line of a file, and passes whether the line is complete. False, with errno
@@ -60,7 +49,7 @@ bool read_lines(int descriptor, Take take) {
 bool ends_inside_a_line(int descriptor) {
     const off_t size = lseek(descriptor, 0, SEEK_END);
     char last = '\n';
-    return size > 0 && pread(descriptor, &last, 1, size - 1) == 1 && last != '\n';
+    return pread(descriptor, &last, 1, size - 1) == 1 && last != '\n'; // fails for an empty file
 }
 
 } // namespace

@@ -3,11 +3,11 @@
 #include "progress.h"
 
 #include "text.h"
+#include "write_all.h"
 
 #include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
 #include <string_view>
 #include <vector>
@@ -87,14 +87,14 @@ StatusLine::StatusLine(int descriptor)
 
 void StatusLine::clear() {
     if (is_shown_) {
-        write_all(std::string("\r") + erase_below);
+        write_all(descriptor_, std::string("\r") + erase_below);
         is_shown_ = false;
     }
 }
 
 void StatusLine::print(const std::string& line) {
     clear();
-    write_all(line + '\n');
+    write_all(descriptor_, line + '\n');
 }
 
 bool StatusLine::is_due() {
@@ -113,19 +113,8 @@ std::size_t StatusLine::width() const {
 }
 
 void StatusLine::draw(const std::string& line) {
-    write_all("\r" + line + erase_below + "\r");
+    write_all(descriptor_, "\r" + line + erase_below + "\r");
     is_shown_ = true;
-}
-
-void StatusLine::write_all(const std::string& bytes) const {
-    std::string_view rest = bytes;
-    while (!rest.empty()) {
-        const ssize_t written = write(descriptor_, rest.data(), rest.size());
-        if (written < 0 && errno != EINTR) {
-            return; // nowhere to report the error
-        }
-        rest.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
-    }
 }
 
 } // namespace lumo::library

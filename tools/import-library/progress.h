@@ -28,7 +28,8 @@ std::string progress_text(const ProgressState& state, std::size_t width, bool ha
 
 /// The last line of a terminal, redrawn in place at most ten times a second. After each drawing the
 /// cursor is at the line's start, so that all of it stays below the cursor when the terminal
-/// becomes narrower and wraps it. Does nothing without a terminal that can do this.
+/// becomes narrower and wraps it. Does nothing without a terminal that can do this. Failures to
+/// write are ignored.
 class StatusLine {
 public:
     /// `descriptor` is borrowed. Nothing is drawn unless it is a terminal and TERM is neither empty
@@ -57,7 +58,6 @@ private:
     bool is_due();
     std::size_t width() const;
     void draw(const std::string& line);
-    void write_all(const std::string& bytes) const;
 
     int descriptor_;
     bool is_drawable_;

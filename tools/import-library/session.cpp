@@ -236,7 +236,7 @@ private:
 
     ProgressState progress(double seconds) const {
         const std::size_t done = tally_.imported + tally_.failed;
-        const std::string at_hand = done < to_do_.size() ? fs::path(to_do_[done]).stem() : "";
+        const std::string at_hand = done == to_do_.size() ? "" : fs::path(to_do_[done]).stem();
         return {done,
                 to_do_.size(),
                 tally_.failed,

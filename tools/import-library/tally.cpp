@@ -16,7 +16,7 @@ std::string_view folder_of(std::string_view path, std::size_t depth) {
         return {};
     }
     std::size_t end = 0;
-    for (std::size_t names = 0; names < depth && end < last; ++names) {
+    for (std::size_t names = 0; names < depth && end != last; ++names) {
         end = std::min(path.find('/', end + 1), last);
     }
     return path.substr(0, std::max<std::size_t>(end, 1));

@@ -6,6 +6,7 @@
 #include <wchar.h>
 
 #include <array>
+#include <climits>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -33,7 +34,7 @@ void for_each_character(std::string_view text, Take take) {
 }
 
 bool is_printable_ascii(char byte) {
-    return byte >= ' ' && byte <= '~';
+    return byte > '\x1F' && byte < '\x7F';
 }
 
 /// `text` with each character or byte outside one (size 0) replaced for which
@@ -59,9 +60,9 @@ std::string replaced(std::string_view text, Replacement replacement) {
     return result.append(text, copied);
 }
 
-/// Whether a character would affect the rest of the line.
+/// Whether a character that is not printable ASCII would affect the rest of the line.
 bool is_control(char32_t value) {
-    return value < 0x20 || (value >= 0x7F && value < 0xA0) || // controls
+    return value < 0xA0 || // controls
            value == 0x061C || value == 0x200E || value == 0x200F ||
            (value >= 0x2028 && value <= 0x202E) || // line ends, directions
            (value >= 0x2066 && value <= 0x2069) || value == 0xFEFF ||
@@ -76,9 +77,35 @@ std::string formatted(const char* format, double number) {
 
 std::string escaped(char32_t value) {
     std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), value < 0x100 ? "\\x%02x" : "\\u%04x",
+    std::snprintf(text.data(), text.size(), value <= UCHAR_MAX ? "\\x%02x" : "\\u%04x",
                   static_cast<unsigned>(value));
     return text.data();
+}
+
+/// The replacement in `as_utf8`.
+std::optional<std::string> mapped_bytes(const Utf8Character& character, std::string_view piece) {
+    std::optional<std::string> mapped;
+    if (character.size == 0 || stands_for_byte(character.value)) {
+        mapped.emplace();
+        for (const char byte : piece) {
+            append_utf8(*mapped, byte_base + static_cast<unsigned char>(byte));
+        }
+    }
+    return mapped;
+}
+
+/// The replacement in `as_bytes`.
+std::optional<std::string> mapped_byte(const Utf8Character& character, std::string_view /*piece*/) {
+    std::optional<std::string> byte;
+    if (stands_for_byte(character.value)) {
+        byte.emplace(1, static_cast<char>(character.value - byte_base));
+    }
+    return byte;
+}
+
+/// Whether the user's locale, and therefore the terminal, has characters beyond ASCII.
+bool has_wide_characters() {
+    return MB_CUR_MAX > 1;
 }
 
 /// The columns of one character; -1 when the terminal cannot show it.
@@ -86,38 +113,17 @@ int width_of(const Utf8Character& character) {
     if (character.value < 0x80) {
         return 1;
     }
-    return MB_CUR_MAX > 1 ? wcwidth(static_cast<wchar_t>(character.value)) : -1;
+    return has_wide_characters() ? wcwidth(static_cast<wchar_t>(character.value)) : -1;
 }
 
 } // namespace
 
 std::string as_utf8(std::string_view bytes) {
-    if (is_ascii(bytes)) {
-        return std::string(bytes);
-    }
-    return replaced(bytes, [](const Utf8Character& character, std::string_view piece) {
-        std::optional<std::string> mapped;
-        if (character.size == 0 || stands_for_byte(character.value)) {
-            mapped.emplace();
-            for (const char byte : piece) {
-                append_utf8(*mapped, byte_base + static_cast<unsigned char>(byte));
-            }
-        }
-        return mapped;
-    });
+    return is_ascii(bytes) ? std::string(bytes) : replaced(bytes, mapped_bytes);
 }
 
 std::string as_bytes(std::string_view text) {
-    if (is_ascii(text)) {
-        return std::string(text);
-    }
-    return replaced(text, [](const Utf8Character& character, std::string_view) {
-        std::optional<std::string> byte;
-        if (stands_for_byte(character.value)) {
-            byte.emplace(1, static_cast<char>(character.value - byte_base));
-        }
-        return byte;
-    });
+    return is_ascii(text) ? std::string(text) : replaced(text, mapped_byte);
 }
 
 std::string shown(std::string_view bytes) {
@@ -151,7 +157,7 @@ std::size_t columns(std::string_view text) {
 
 std::string cut_to(std::string_view text, std::size_t width) {
     const bool fits = columns(text) <= width;
-    const std::string ellipsis = MB_CUR_MAX > 1 ? "\xE2\x80\xA6" : "~";
+    const std::string ellipsis = has_wide_characters() ? "\xE2\x80\xA6" : "~";
     const std::size_t room = fits || width == 0 ? width : width - 1;
     std::string start;
     std::size_t used = 0;

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <system_error>
 #include <utility>
 
@@ -50,35 +51,29 @@ struct Pipe {
     dup2(err, STDERR_FILENO);
     execv(words[0], words);
     const int reason = errno;
-    const ssize_t written = write(failure, &reason, sizeof reason);
-    _exit(written == sizeof reason ? 127 : 126);
+    [[maybe_unused]] const ssize_t written = write(failure, &reason, sizeof reason);
+    _exit(EXIT_FAILURE); // the status is not used
 }
 
 /// The errno from the new process; 0 when it executes the tool.
 int read_failure(Pipe& failure) {
     failure.writing = Descriptor();
-    int reason = 0;
-    ssize_t count = 0;
-    do {
-        count = read(failure.reading.get(), &reason, sizeof reason);
-    } while (count < 0 && errno == EINTR);
-    return count == sizeof reason ? reason : 0;
+    int reason = 0; // a pipe passes the whole number or nothing
+    uninterrupted([&] { return read(failure.reading.get(), &reason, sizeof reason); });
+    return reason;
 }
 
 int wait_for(pid_t process) {
     int status = 0;
-    while (waitpid(process, &status, 0) < 0 && errno == EINTR) {
-    }
+    uninterrupted([&] { return waitpid(process, &status, 0); });
     return status;
 }
 
 } // namespace
 
 void LineReader::read_lines(const std::function<void(std::string_view line)>& take) {
-    const ssize_t count = read(descriptor_.get(), buffer_.data(), buffer_.size());
-    if (count < 0 && errno == EINTR) {
-        return;
-    }
+    const ssize_t count =
+        uninterrupted([&] { return read(descriptor_.get(), buffer_.data(), buffer_.size()); });
     if (count <= 0) {
         descriptor_ = Descriptor();
         return;
@@ -87,14 +82,13 @@ void LineReader::read_lines(const std::function<void(std::string_view line)>& ta
 }
 
 std::size_t room_for_arguments() {
-    const long limit = sysconf(_SC_ARG_MAX);
-    std::size_t room =
-        limit > 0 ? std::min(static_cast<std::size_t>(limit), usual_limit) : usual_limit;
+    // Without a limit sysconf returns -1, which becomes the largest number.
+    const std::size_t room = std::min(static_cast<std::size_t>(sysconf(_SC_ARG_MAX)), usual_limit);
     std::size_t taken = spare_room;
     for (char** entry = environ; *entry; ++entry) {
         taken += size_as_argument(*entry);
     }
-    return room > taken ? room - taken : 0;
+    return room - std::min(room, taken);
 }
 
 std::size_t size_as_argument(const std::string& argument) {
@@ -111,52 +105,51 @@ ToolProcess::ToolProcess(const std::vector<std::string>& words) {
     Pipe out;
     Pipe err;
     Pipe failure;
-    process_ = fork();
-    if (process_ < 0) {
+    const pid_t process = fork();
+    if (process < 0) {
         throw std::system_error(errno, std::generic_category());
     }
-    if (process_ == 0) {
+    if (process == 0) {
         become(pointers.data(), out.writing.get(), err.writing.get(), failure.writing.get());
     }
     if (const int reason = read_failure(failure); reason != 0) {
-        wait_for(process_);
+        wait_for(process);
         throw std::system_error(reason, std::generic_category());
     }
+    process_ = process;
     out_ = LineReader(std::move(out.reading));
     err_ = LineReader(std::move(err.reading));
 }
 
 ToolProcess::~ToolProcess() {
-    if (process_ > 0) {
+    if (process_) {
         terminate();
-        wait_for(process_);
+        wait_for(*process_);
     }
 }
 
 void ToolProcess::read_output(const std::function<void(std::string_view line)>& take_out,
                               const std::function<void(std::string_view line)>& take_err) {
-    std::array<pollfd, 2> pipes = {pollfd{out_.descriptor(), POLLIN, 0},
-                                   pollfd{err_.descriptor(), POLLIN, 0}};
-    if (poll(pipes.data(), pipes.size(), max_wait_ms) <= 0) {
-        return;
-    }
+    std::array<pollfd, 2> pipes = {pollfd{out_.descriptor(), POLLIN, {}},
+                                   pollfd{err_.descriptor(), POLLIN, {}}};
+    poll(pipes.data(), pipes.size(), max_wait_ms); // when it fails, revents stay 0
     if (pipes[0].revents != 0) {
         out_.read_lines(take_out);
     }
     if (pipes[1].revents != 0) {
         err_.read_lines(take_err);
-        if (err_.descriptor() < 0 && !err_.rest().empty()) {
+        if (!err_.is_open() && !err_.rest().empty()) {
             take_err(err_.rest());
         }
     }
 }
 
 void ToolProcess::terminate() const {
-    kill(process_, SIGTERM);
+    kill(*process_, SIGTERM);
 }
 
 std::string ToolProcess::wait() {
-    const int status = wait_for(std::exchange(process_, -1));
+    const int status = wait_for(*std::exchange(process_, std::nullopt));
     if (WIFSIGNALED(status)) {
         const int signal = WTERMSIG(status);
         return "signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,6 +24,8 @@ public:
 
     /// The descriptor, borrowed; -1 when the pipe has ended.
     int descriptor() const { return descriptor_.get(); }
+    /// False when the pipe has ended.
+    bool is_open() const { return static_cast<bool>(descriptor_); }
     /// Makes one read and calls `take` with each complete line, without its line end. An incomplete
     /// line is kept for the next call.
     void read_lines(const std::function<void(std::string_view line)>& take);
@@ -51,19 +54,19 @@ public:
     ToolProcess& operator=(const ToolProcess&) = delete;
 
     /// Whether more of its output may come.
-    bool has_output() const { return out_.descriptor() >= 0 || err_.descriptor() >= 0; }
+    bool has_output() const { return out_.is_open() || err_.is_open(); }
     /// Waits up to 100 ms for output and passes its lines on, separately for standard output and
     /// standard error. A last line without an end is handed on from standard error only: on
     /// standard output it is a report line that was cut short.
     void read_output(const std::function<void(std::string_view line)>& take_out,
                      const std::function<void(std::string_view line)>& take_err);
-    /// Asks it to end (SIGTERM).
+    /// Asks it to end (SIGTERM). Not to be called after wait.
     void terminate() const;
-    /// Waits for its end. Returns how it ended, such as "status 1" or "signal 9 (Killed)".
+    /// Waits for its end, once. Returns how it ended, such as "status 1" or "signal 9 (Killed)".
     std::string wait();
 
 private:
-    pid_t process_ = -1;
+    std::optional<pid_t> process_; // none after wait
     LineReader out_{Descriptor()};
     LineReader err_{Descriptor()};
 };

@@ -20,8 +20,7 @@ public:
         : command_(command), instruments_(instruments), listener_(listener),
           room_(room_for_arguments()) {
         for (const std::string& word : command) {
-            const std::size_t size = size_as_argument(word);
-            room_ = room_ > size ? room_ - size : 0;
+            room_ -= std::min(room_, size_as_argument(word));
         }
     }
 
@@ -125,16 +124,13 @@ std::vector<std::string> tool_command(const std::string& tool, const std::string
 
 std::size_t fitting(const std::vector<std::string>& instruments, std::size_t first,
                     std::size_t room) {
-    std::size_t count = 0;
+    const auto begin = instruments.begin() + static_cast<std::ptrdiff_t>(first);
     std::size_t used = 0;
-    while (first + count < instruments.size()) {
-        used += size_as_argument(instruments[first + count]);
-        if (used > room) {
-            break;
-        }
-        ++count;
-    }
-    return std::max<std::size_t>(count, 1);
+    const auto end = std::find_if(begin, instruments.end(), [&](const std::string& instrument) {
+        used += size_as_argument(instrument);
+        return used > room;
+    });
+    return std::max<std::size_t>(static_cast<std::size_t>(end - begin), 1);
 }
 
 RunEnd run_tool(const std::vector<std::string>& command,

@@ -90,6 +90,8 @@ TEST(CommandLine, SuggestsTheOptionThatMayHaveBeenMeant) {
               "lumo-import-library: there is no option --serach; did you mean --search?");
     EXPECT_EQ(refused(with_show({"--line=f", "x"})),
               "lumo-import-library: there is no option --line=f; did you mean --lines?");
+    EXPECT_EQ(refused(with_show({"--searc", "x"})), // closer to --search than to --shard
+              "lumo-import-library: there is no option --searc; did you mean --search?");
     EXPECT_EQ(refused(with_show({"--quite-another", "x"})),
               "lumo-import-library: there is no option --quite-another");
 }

@@ -35,6 +35,13 @@ while i < len(words):
         instruments.append(words[i])
         i += 1
 head = words[:len(words) - len(instruments)]
+def is_open(number):
+    try:
+        return bool(os.fstat(number))
+    except OSError:
+        return False
+(here / "descriptors.json").write_text(json.dumps(
+    [os.fstat(0).st_rdev == os.stat(os.devnull).st_rdev, list(filter(is_open, range(3, 64)))]))
 step = open(here / "steps", "rb", buffering=0) if (here / "steps").exists() else None
 for instrument in instruments:
     act = plan.get(pathlib.Path(instrument).stem, plan.get("*", "ok"))

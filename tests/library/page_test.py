@@ -161,6 +161,54 @@ class AsAFile(PageTest):
         self.assertEqual({data["folders"][number] + name for number, name in
                           zip(unresolved[::2], unresolved[1::2])}, set(gone))
 
+    def test_has_an_instrument_a_line_with_all_its_values(self):
+        areas = [(48, 59, 1, 127)] * 500 + [(36, 47, 64, 127), (36, 47, 1, 63), (36, 40, 1, 63)]
+        (self.folder / "st").mkdir()
+        (self.folder / "st/a.aupreset").write_bytes(state([
+            {"name": "Low", "areas": areas}, {"areas": [(60, 71, 1, 127)], "trigger mode": 12}]))
+        layer = {"name": "Far", "zones": 3, "loopedZones": 1, "controllerChosen": True,
+                 "onRelease": True}
+        shape = {"zones": 7, "maxStack": 3, "stackedPercent": 12.5, "lowestKey": 21,
+                 "highestKey": 108, "layers": [layer]}
+        page = self.make_page([
+            report("A", source="lib/a.exs", samples=3, sampleBytes=5000, copiedBytes=4000,
+                   stateFile="st/a.aupreset", loadMs=1.25, shape=shape,
+                   relinked=[{"from": "/Old/one.wav", "to": "new/one.wav"},
+                             {"from": "/Old/TWO.WAV", "to": "new/two.wav"}]),
+            failed("B", "a sample wasn't found: x.wav", source="lib/b.exs",
+                   unresolved=["/Old/x.wav"], appleLibrary=["/Library/y.caf"]),
+            report("C", source="lib/c.exs", shape=shape)]).read_text()
+        data = re.search(r'id="data">(.*?)</script>', page, re.DOTALL).group(1)
+        made = json.loads(data)["made"]
+        self.assertRegex(made, r"^\d{4}-\d\d-\d\d \d\d:\d\d$")
+        self.assertEqual(data.strip().replace(made, "MADE").split("\n"), [
+            '{"package":"","made":"MADE","samples":5,"copied":6000,"seconds":null,"before":0,'
+            '"left":0,"unreadable":0,"causes":[["a sample wasn\'t found",'
+            '"add the folder that has them with `--search`",1]],',
+            '"missing":[["/Old",1]],',
+            '"folders":["lib/","st/","/Old/","new/","","/Library/"],',
+            '"instruments":[["A",0,"a.exs",-1,"",3,5000,4000,1,"a.aupreset",1.3,7,3,12.5,21,108,'
+            '[["Low",0,503,0,[36,40,1,63,36,47,1,63,36,47,64,127,48,59,1,127]],'
+            '["",2,1,0,[60,71,1,127]]],[2,"one.wav",3,0,2,"TWO.WAV",3,"two.wav"],[],[]],',
+            '["B",0,"b.exs",0,"a sample wasn\'t found: x.wav",0,2000,1000,4,"",0.1,0,1,0.0,127,0,'
+            '[],[],[2,"x.wav"],[5,"y.caf"]],',
+            '["C",0,"c.exs",-1,"",2,2000,1000,4,"",0.1,7,3,12.5,21,108,[["Far",3,3,1,null]],'
+            '[],[],[]]]}'])
+
+    def test_has_the_totals_of_an_import(self):
+        self.use_fake_tool(b="fail no", c="signal 9", d="signal 9", e="signal 9")
+        self.make(*[f"{name}.exs" for name in "abcdefg"])
+        (self.library / "gone.exs").symlink_to("nowhere")
+        write_lines(self.folder / "lines", [report("a")])
+        self.expect(self.run_library("--page", "page.html", "--continue", "lines", "lib"), 3)
+        page = (self.folder / "page.html").read_text()
+        data = json.loads(re.search(r'id="data">(.*?)</script>', page, re.DOTALL).group(1))
+        self.assertIsInstance(data["seconds"], float)
+        self.assertEqual({key: data[key] for key in ("package", "samples", "copied", "before",
+                                                     "left", "unreadable")},
+                         {"package": "Show.lumo", "samples": 0, "copied": 1000, "before": 1,
+                          "left": 2, "unreadable": 1})
+
     def test_of_10000_instruments_has_2_kb_for_each(self):
         page = self.make_page(many_reports(self.folder, 10000))
         self.assertLess(page.stat().st_size, 10000 * 2048)

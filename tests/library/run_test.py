@@ -41,6 +41,19 @@ class Finding(LibraryTest):
             self.assertEqual(process.stdout.readline(), b"1 instrument in 1 folder\n")
             process.terminate()
 
+    def test_names_no_more_than_ten_unreadable_paths(self):
+        self.library.mkdir()
+        names = [f"lib/{i}.exs" for i in range(10, 22)]
+        complaints = [f"lumo-import-library: cannot be read, left out: {name}" for name in names]
+        for count, expected in ((10, complaints[:10]),
+                                (12, [*complaints[:10], "lumo-import-library: and 2 more"])):
+            for name in names[:count]:
+                if not os.path.islink(self.folder / name):
+                    os.symlink("nowhere", self.folder / name)
+            done = self.run_library("--dry-run", "lib")
+            self.expect(done, 0)
+            self.assertEqual(done.stderr.decode().splitlines(), expected)
+
     def test_says_when_there_is_none(self):
         self.library.mkdir()
         done = self.run_library("lib")
@@ -134,6 +147,22 @@ class Calls(LibraryTest):
         for call in calls[:-1]:  # none is shorter than necessary
             self.assertGreater(sum(len(word) + 9 for word in call), limit // 4 - 32768)
         self.assertIn(b"20,000 instruments: 20,000 imported, 0 failed", done.stdout)
+
+    if not EMULATOR:
+        def test_are_cut_further_where_the_system_takes_less_than_it_says(self):
+            here = self.use_fake_tool()
+            self.make("a.exs", "b.exs", "c.exs")
+            done = self.run_library(words=[
+                "env", "ASAN_OPTIONS=detect_leaks=0", "strace", "-f", "-o", os.devnull,
+                "-P", here / TOOL.name, "-e", "inject=execve:error=E2BIG", *self.words("lib")])
+            self.expect(done, 3)
+            self.assertEqual(done.stderr.count(b"cannot be started: Argument list too long"), 1)
+
+    def test_have_no_input_and_no_other_descriptors(self):
+        here = self.use_fake_tool()
+        self.make("a.exs")
+        self.expect(self.run_library("--lines", "lines", "--page", "page.html", "lib"), 0)
+        self.assertEqual(json.loads((here / "descriptors.json").read_text()), [True, []])
 
     def test_are_as_few_as_the_system_takes(self):
         self.use_fake_tool()
@@ -426,6 +455,22 @@ class Endings(LibraryTest):
 
     def test_by_the_signals_of_batch_systems_sum_up(self):
         self.interrupt(os.kill, signal.SIGTERM, 128 + signal.SIGTERM)
+
+    def test_by_a_closed_terminal_sum_up(self):
+        self.interrupt(os.kill, signal.SIGHUP, 128 + signal.SIGHUP)
+
+    def test_by_an_ignored_signal_do_not_come(self):
+        here = self.use_fake_tool()
+        stay = here / "stay"
+        stay.touch()
+        self.make("a.exs")
+        words = ["sh", "-c", "trap '' HUP; exec \"$@\"", "sh", *self.words("--lines", "l", "lib")]
+        with subprocess.Popen(words, cwd=self.folder, stdout=subprocess.DEVNULL) as process:
+            lines = self.folder / "l"
+            self.wait_until(lambda: lines.exists() and lines.read_bytes(), "a line")
+            process.send_signal(signal.SIGHUP)
+            stay.unlink()
+            self.assertEqual(process.wait(HANG_SECONDS), 0)
 
     def test_of_a_wrong_command_line_give_1(self):
         for words in ([], ["lib"], ["--package", "p", "--states", "s"], ["--nonsense"],

@@ -18,16 +18,17 @@ class StatusLine(LibraryTest):
         require_terminals()
         super().setUp()
 
-    def start(self, width=80, errors=None, environment=None, **plan):
+    def start(self, width=80, errors=None, environment=None, output=False, **plan):
         """Starts the program with a tool that imports one instrument for each byte that `steps`
-        gets; its standard error is a terminal."""
+        gets; its standard error is a terminal, and with `output` its standard output, too."""
         here = self.use_fake_tool(**plan)
         os.mkfifo(here / "steps")
         self.terminal = Terminal(width)
         settings = {"TERM": "xterm", "LC_ALL": "C.UTF-8", "PATH": os.environ["PATH"],
                     **(environment or {})}
         self.process = subprocess.Popen(
-            self.words("lib"), cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+            self.words("lib"), cwd=self.folder, stdin=subprocess.DEVNULL,
+            stdout=self.terminal.slave if output else subprocess.PIPE,
             stderr=errors or self.terminal.slave,
             env={name: value for name, value in settings.items() if value is not None})
         self.addCleanup(self.process.kill)
@@ -75,6 +76,16 @@ class StatusLine(LibraryTest):
         self.expect_line(r"2 of 2, 0 failed, 2\.0 kB copied, 0\.0 s left")
         stay.unlink()
         self.finish(0)
+
+    def test_is_away_before_the_summary_is_printed(self):
+        self.make("a.exs", "b.exs")
+        self.start(80, output=True)
+        self.step()
+        self.expect_line("1 of 2.*")
+        self.finish(1)
+        rows = self.terminal.screen.rows()
+        self.assertEqual(rows[:2], ["2 instruments in 1 folder",
+                                    "2 instruments: 2 imported, 0 failed"])
 
     def test_fits_narrow_terminals(self):
         for width, pattern in ((20, "1 of 3, 0 failed"), (80, r"1 of 3.*left: A long name.*")):
@@ -147,7 +158,9 @@ class StatusLine(LibraryTest):
         self.start(80)
         self.expect_line("0 of 2.*")
         self.finish(2)
-        self.assertIn(b"\rlooking for instruments: ", self.terminal.written)
+        # Drawn, then removed before anything else is printed.
+        self.assertRegex(self.terminal.written,
+                         rb"\rlooking for instruments: [^\r]*\x1b\[J\r\r\x1b\[J")
 
     def test_keeps_the_tools_own_errors_off_the_line(self):
         self.make("a.exs", "b.exs", "c.exs")

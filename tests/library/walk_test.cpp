@@ -1,4 +1,5 @@
 // The instruments that the walk finds, and their paths.
+#include "fake_readdir.h"
 #include "instrument_walk.h"
 #include "support/temp_folder.h"
 
@@ -126,6 +127,27 @@ TEST_F(InstrumentWalk, SaysWhatItCouldNotRead) {
         EXPECT_EQ(found.paths, Paths{"lib/a.exs"});
     }
 }
+
+#ifdef __linux__
+TEST_F(InstrumentWalk, FindsTheSameOnADiskThatReportsNoTypes) {
+    make({"lib/a.exs", "lib/b/c.exs", "far/d.exs"});
+    link("far", "lib/far");
+    link("far/d.exs", "lib/z.exs");
+    ASSERT_EQ(mkfifo("lib/pipe.exs", 0600), 0);
+    const Paths expected = find({"lib"}).paths;
+    EXPECT_EQ(expected, (Paths{"lib/a.exs", "lib/b/c.exs", "lib/far/d.exs"}));
+    const FakeReaddir untyped(false);
+    EXPECT_EQ(find({"lib"}).paths, expected);
+}
+
+TEST_F(InstrumentWalk, KeepsWhatItFoundInAFolderThatCannotBeReadToItsEnd) {
+    make({"lib/a.exs"});
+    const FakeReaddir failing(true);
+    const Instruments found = find({"lib"});
+    EXPECT_EQ(found.paths, Paths{"lib/a.exs"});
+    EXPECT_EQ(found.unreadable, Paths{"lib"});
+}
+#endif
 
 TEST_F(InstrumentWalk, ReportsItsProgressAndEndsOnRequest) {
     make({"lib/a/1.exs", "lib/b/2.exs", "lib/c/3.exs"});

@@ -29,16 +29,18 @@ bool read_visible_entries(const std::string& folder, const TakeEntry& take) {
     if (!entries) {
         return false;
     }
-    errno = 0; // readdir sets it on failure
-    while (const dirent* entry = readdir(entries.get())) {
+    for (;;) {
+        errno = 0; // readdir sets it on failure
+        const dirent* entry = readdir(entries.get());
+        if (!entry) {
+            return errno == 0;
+        }
         const std::string_view name = entry->d_name;
         if (!name.starts_with('.')) {
             take(name, entry->d_type != DT_UNKNOWN ? entry->d_type
                                                    : type_of(folder + '/' + std::string(name)));
         }
-        errno = 0;
     }
-    return errno == 0;
 }
 
 } // namespace lumo::library

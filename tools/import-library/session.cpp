@@ -278,15 +278,10 @@ private:
     }
 
     int status(RunEnd end) const {
-        switch (end) {
-        case RunEnd::interrupted:
-            return ended_by_signal + interrupted_by();
-        case RunEnd::failed:
-            return could_not_finish;
-        case RunEnd::finished:
-            break;
+        if (end == RunEnd::finished) {
+            return tally_.failed > 0 ? some_failed : all_imported;
         }
-        return tally_.failed > 0 ? some_failed : all_imported;
+        return end == RunEnd::interrupted ? ended_by_signal + interrupted_by() : could_not_finish;
     }
 
     const CommandLine& line_;

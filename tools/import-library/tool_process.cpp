@@ -45,7 +45,7 @@ struct Pipe {
 
 /// Called in the new process: executes the tool, or writes errno to `failure` and ends.
 [[noreturn]] void become(char* const* words, int out, int err, int failure) {
-    const int nothing = open("/dev/null", O_RDONLY);
+    const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
     dup2(nothing, STDIN_FILENO);
     dup2(out, STDOUT_FILENO);
     dup2(err, STDERR_FILENO);
@@ -145,11 +145,11 @@ void ToolProcess::read_output(const std::function<void(std::string_view line)>& 
 }
 
 void ToolProcess::terminate() const {
-    kill(*process_, SIGTERM);
+    kill(process_.value(), SIGTERM);
 }
 
 std::string ToolProcess::wait() {
-    const int status = wait_for(*std::exchange(process_, std::nullopt));
+    const int status = wait_for(std::exchange(process_, std::nullopt).value());
     if (WIFSIGNALED(status)) {
         const int signal = WTERMSIG(status);
         return "signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";

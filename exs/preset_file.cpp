@@ -26,19 +26,19 @@ constexpr int no_timeout = -1;
 /// The kind and the expected size of a file, read once before its contents. A regular file may
 /// still grow.
 struct FileStatus {
-    bool is_pipe = false;
-    bool is_regular = false;
-    std::size_t expected_size = usual_read_size;
-
-    explicit FileStatus(int file) {
-        struct stat status = {};
-        if (fstat(file, &status) == 0) {
-            is_pipe = S_ISFIFO(status.st_mode);
-            is_regular = S_ISREG(status.st_mode);
-            expected_size = is_regular ? static_cast<std::size_t>(status.st_size) : usual_read_size;
-        }
-    }
+    bool is_pipe;
+    bool is_regular;
+    std::size_t expected_size;
 };
+
+/// The status of an open file; on failure that of a file that is neither regular nor a pipe.
+FileStatus status_of(int file) {
+    struct stat status = {};
+    fstat(file, &status);
+    const bool is_regular = S_ISREG(status.st_mode);
+    return {S_ISFIFO(status.st_mode), is_regular,
+            is_regular ? static_cast<std::size_t>(status.st_size) : usual_read_size};
+}
 
 /// Waits until the file has bytes or is at its end; false after `timeout_ms`, or on a failure.
 bool wait_for(int file, int timeout_ms) {
@@ -61,7 +61,7 @@ ssize_t read_some(int file, int timeout_ms, unsigned char* bytes, std::size_t si
 std::vector<unsigned char> read_preset(const std::string& path) {
     const Descriptor file(
         uninterrupted([&] { return open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC); }));
-    const FileStatus status(file.get()); // if the file was not opened, reading it fails
+    const FileStatus status = status_of(file.get()); // reading fails if the file was not opened
     if (status.expected_size > max_preset_size) {
         return {};
     }

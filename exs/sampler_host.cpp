@@ -30,12 +30,11 @@ bool has_extension(const std::string& path, const char* extension) {
 }
 
 OSStatus set_exs(AudioUnit sampler, CFURLRef url) {
-    AUSamplerInstrumentData data = {};
-    data.fileURL = url;
-    data.instrumentType = kInstrumentType_EXS24;
-    data.bankMSB = kAUSampler_DefaultMelodicBankMSB;
-    data.bankLSB = kAUSampler_DefaultBankLSB;
-    data.presetID = 0;
+    const AUSamplerInstrumentData data = {.fileURL = url,
+                                          .instrumentType = kInstrumentType_EXS24,
+                                          .bankMSB = kAUSampler_DefaultMelodicBankMSB,
+                                          .bankLSB = kAUSampler_DefaultBankLSB,
+                                          .presetID = 0};
     return AudioUnitSetProperty(sampler, kAUSamplerProperty_LoadInstrument, kAudioUnitScope_Global,
                                 0, &data, sizeof data);
 }

@@ -85,21 +85,21 @@ public:
 private:
     /// Reads the folder `top` (a path that ends in a slash, or empty) and its subfolders.
     void read_tree(const std::string& top) {
-        Descriptor folder = is_in_apple_library(top) ? Descriptor() : open_folder(top);
-        if (!folder) {
-            return;
-        }
-        real_top_ = real_path_of(folder, top) + '/';
-        top_size_ = top.size();
-        if (is_in_apple_library(real_top_)) {
-            return;
-        }
-        read_folder(std::move(folder), top);
+        read_folder(open_tree(top), top);
         while (!folders_.empty() && !is_ended_) {
             const std::string path = std::move(folders_.back());
             folders_.pop_back();
             read_folder(open_folder(path), path);
         }
+    }
+
+    /// Opens the folder `top` as the top of the current tree; none on failure, or if it is in
+    /// Apple's library.
+    Descriptor open_tree(const std::string& top) {
+        Descriptor folder = is_in_apple_library(top) ? Descriptor() : open_folder(top);
+        real_top_ = folder ? real_path_of(folder, top) + '/' : "";
+        top_size_ = top.size();
+        return is_in_apple_library(real_top_) ? Descriptor() : std::move(folder);
     }
 
     /// Reads the folder at `path`, unless it is not open or was read before under another path.
@@ -129,10 +129,10 @@ private:
     /// Whether the entry `name` of the folder `path` belongs to Apple's library. The folder itself
     /// does not.
     bool is_apples(const std::string& path, std::string_view name) const {
-        if (!may_enter_apple_library(name)) {
-            return false;
-        }
-        const std::string walked = path + std::string(name);
+        return may_enter_apple_library(name) && is_walked_apples(path + std::string(name));
+    }
+
+    bool is_walked_apples(const std::string& walked) const {
         return is_in_apple_library(walked) ||
                is_in_apple_library(real_top_ + walked.substr(top_size_));
     }
@@ -172,13 +172,10 @@ private:
     }
 
     void take_link(const std::string& path, int folder, const char* name) {
-        struct stat target {};
-        if (fstatat(folder, name, &target, 0) != 0) {
-            return; // a dangling link, or a cycle of links
-        }
-        if (S_ISREG(target.st_mode)) {
+        const mode_t target = mode_of(folder, name, 0); // 0: a dangling link, or a cycle of links
+        if (S_ISREG(target)) {
             take_link_to_file(path, name);
-        } else if (S_ISDIR(target.st_mode)) {
+        } else if (S_ISDIR(target)) {
             links_.push(path + name);
         }
     }
@@ -191,17 +188,20 @@ private:
 
     /// Takes an entry of a file system that does not store the types of entries.
     void take_unknown(const std::string& path, int folder, const char* name) {
-        struct stat status {};
-        if (fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
-            return;
-        }
-        if (S_ISREG(status.st_mode)) {
+        const mode_t mode = mode_of(folder, name, AT_SYMLINK_NOFOLLOW);
+        if (S_ISREG(mode)) {
             take_file(path, name);
-        } else if (S_ISDIR(status.st_mode)) {
+        } else if (S_ISDIR(mode)) {
             take_folder(path, name);
-        } else if (S_ISLNK(status.st_mode)) {
+        } else if (S_ISLNK(mode)) {
             take_link(path, folder, name);
         }
+    }
+
+    /// The type and permissions of an entry; 0 when they cannot be read.
+    static mode_t mode_of(int folder, const char* name, int flags) {
+        struct stat status {};
+        return fstatat(folder, name, &status, flags) == 0 ? status.st_mode : 0;
     }
 
     const SamplesFound& found_;

@@ -64,6 +64,8 @@ TEST_F(ImportState, GoesOnAfterTheLastNumberAsLongAsThatIsThere) {
     EXPECT_EQ(next(), state_path("X-2.aupreset"));
     write_file(state_path("X-3.aupreset"), "of another process");
     EXPECT_EQ(next(), state_path("X-4.aupreset"));
+    std::filesystem::remove(state_path("X-2.aupreset"));
+    EXPECT_EQ(next(), state_path("X-5.aupreset"));
     std::filesystem::remove_all(options.states);
     EXPECT_EQ(next(), state_path("X.aupreset"));
     EXPECT_EQ(next(), state_path("X-2.aupreset"));

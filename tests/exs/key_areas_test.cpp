@@ -59,6 +59,16 @@ TEST(KeyAreas, AreCutToTheLimitsOfTheLayer) {
     EXPECT_EQ(layers[0].areas, (std::vector<KeyArea>{{40, 80, 20, 90}, {50, 60, 30, 40}}));
 }
 
+TEST(KeyAreas, MayBeOneKeyAndOneVelocity) {
+    const auto layers = areas_of({limits(
+        40, 80, 20, 90,
+        {{"Zones", array({limits(0, 40, 1, 20), limits(80, 127, 90, 127), limits(50, 50, 30, 30),
+                          limits(0, 127, 1, 19), limits(81, 127, 1, 127)})}})});
+    ASSERT_EQ(layers.size(), 1U);
+    EXPECT_EQ(layers[0].areas,
+              (std::vector<KeyArea>{{40, 40, 20, 20}, {80, 80, 90, 90}, {50, 50, 30, 30}}));
+}
+
 TEST(KeyAreas, AreAbsentForZonesThatCannotSound) {
     const auto layers =
         areas_of({dictionary({{"Zones", array({dictionary({{"enabled", boolean(false)}}),

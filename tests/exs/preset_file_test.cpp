@@ -1,4 +1,5 @@
 // Reading the bytes of a preset from files of any kind.
+#include "fake_transfers.h"
 #include "preset_file.h"
 #include "support/descriptors.h"
 #include "support/temp_folder.h"
@@ -31,6 +32,18 @@ TEST(PresetFile, IsReadWhole) {
         }
         write_file(folder / "preset", bytes);
         EXPECT_EQ(read(folder / "preset"), bytes) << size;
+    }
+}
+
+TEST(PresetFile, IsReadWholeInShortPieces) {
+    const TempFolder folder;
+    std::string bytes(70'000, 'x');
+    bytes.back() = 'y';
+    write_file(folder / "preset", bytes);
+    for (const std::size_t limit : {std::size_t{1'000}, bytes.size() - 1, bytes.size()}) {
+        const FakeTransfers reads(Transfer::read, [&](int) { return limit; });
+        EXPECT_EQ(read(folder / "preset"), bytes) << limit;
+        EXPECT_EQ(reads.calls, static_cast<int>((bytes.size() + limit - 1) / limit));
     }
 }
 

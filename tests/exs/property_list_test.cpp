@@ -1,5 +1,5 @@
 // Reading numbers from property lists, and writing property lists to files.
-#include "fake_write.h"
+#include "fake_transfers.h"
 #include "list_values.h"
 #include "property_list.h"
 #include "support/temp_folder.h"
@@ -92,7 +92,9 @@ TEST(WritePlist, OfWhatCannotBeSerialisedTouchesNothing) {
     const Value url = adopt(CFURLCreateFromFileSystemRepresentation(
         kCFAllocatorDefault, reinterpret_cast<const UInt8*>(path.data()),
         static_cast<CFIndex>(path.size()), false));
+    errno = 0;
     EXPECT_FALSE(write_plist(dictionary({{"url", url}}).get(), folder / "state"));
+    EXPECT_EQ(errno, EINVAL);
     EXPECT_FALSE(write_plist(dictionary({{"url", url}}).get(), folder / "new"));
     EXPECT_EQ(read_file(folder / "state"), "as it was");
     EXPECT_FALSE(std::filesystem::exists(folder / "new"));
@@ -118,18 +120,18 @@ TEST(WritePlist, GoesOnAfterAShortWrite) {
     ASSERT_TRUE(write_plist(list.get(), folder / "whole"));
     const std::string whole = read_file(folder / "whole");
     for (const std::size_t limit : {std::size_t{1}, std::size_t{7}, whole.size() - 1}) {
-        FakeWrite fake([&](int) { return limit; });
+        FakeTransfers writes(Transfer::write, [&](int) { return limit; });
         EXPECT_TRUE(write_plist(list.get(), folder / "state"));
-        EXPECT_EQ(fake.calls, static_cast<int>((whole.size() + limit - 1) / limit));
+        EXPECT_EQ(writes.calls, static_cast<int>((whole.size() + limit - 1) / limit));
         EXPECT_EQ(read_file(folder / "state"), whole) << limit;
     }
 }
 
 TEST(WritePlist, FailsWhereNothingMoreIsWritten) {
     const TempFolder folder;
-    FakeWrite fake([](int call) { return call < 3 ? std::size_t{5} : 0; });
+    FakeTransfers writes(Transfer::write, [](int call) { return call < 3 ? std::size_t{5} : 0; });
     EXPECT_FALSE(write_plist(dictionary({}).get(), folder / "state"));
-    EXPECT_EQ(fake.calls, 3);
+    EXPECT_EQ(writes.calls, 3);
     EXPECT_EQ(read_file(folder / "state").size(), 10u);
 }
 

@@ -188,6 +188,24 @@ TEST_F(ImportLoading, RedirectsSamplesToTheIndexOnlyWhileItLoads) {
     EXPECT_EQ(report.relink.relinked[0].second, (folder / "new/kick.wav").string());
 }
 
+TEST_F(ImportLoading, UsesTheSamplesThatWereLoadedEvenIfTheMovedOnesAppearAgain) {
+    write_file(folder / "new/Drums/kick.wav", "kick");
+    SampleIndex index;
+    index.add_root((folder / "new").string());
+    options.index = &index;
+    const std::string moved = folder / "old/Kit/kick.wav";
+    audio_toolbox().load = [&](int) {
+        EXPECT_TRUE(finds(moved));
+        write_file(moved, "another");
+        return 0;
+    };
+    set_samples({moved});
+    const Report report = import_preset();
+    EXPECT_TRUE(report.ok) << report.error;
+    EXPECT_EQ(report.sample_bytes, 4U);
+    EXPECT_EQ(read_file(in_show("samples/Drums/kick.wav")), "kick");
+}
+
 TEST_F(ImportLoading, RelinksInTheSameWayForAnExsInstrument) {
     audio_toolbox().load = [](int) { return finds("/no such folder/kick.wav") ? 0 : -43; };
     const Report report = import_instrument((folder / "a.exs").string(), options);

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace lumo::test {
 namespace {
@@ -38,6 +41,46 @@ TEST_F(ClassInfo, NeedsNoMoreThanItsNumbers) {
 TEST_F(ClassInfo, OfAPartIsRefused) {
     EXPECT_EQ(sampler.set(class_info_with("<key>part</key><integer>0</integer>")), refused);
     EXPECT_EQ(sampler.set(class_info_with("<key>part</key><string/>")), refused);
+}
+
+/// An array that has `value` `count` times.
+Ref<CFArrayRef> repeated(CFTypeRef value, std::size_t count) {
+    std::vector<const void*> values(count, value);
+    return adopt(CFArrayCreate(kCFAllocatorDefault, values.data(), static_cast<CFIndex>(count),
+                               &kCFTypeArrayCallBacks));
+}
+
+Ref<CFMutableDictionaryRef> dictionary_of(const char* key, CFTypeRef value) {
+    auto dictionary = make_mutable_dictionary();
+    CFDictionarySetValue(dictionary.get(), make_string(key).get(), value);
+    return dictionary;
+}
+
+TEST_F(ClassInfo, HasAtMostFourMillionLayersAndZones) {
+    constexpr std::size_t max_zones = 1 << 22;
+    const auto zone = make_mutable_dictionary();
+    const auto set_layers = [&](const std::vector<std::size_t>& zone_counts) {
+        std::vector<Ref<CFMutableDictionaryRef>> owners;
+        std::vector<const void*> layers;
+        for (const std::size_t count : zone_counts) {
+            owners.push_back(dictionary_of("Zones", repeated(zone.get(), count).get()));
+            layers.push_back(owners.back().get());
+        }
+        const auto array =
+            adopt(CFArrayCreate(kCFAllocatorDefault, layers.data(),
+                                static_cast<CFIndex>(layers.size()), &kCFTypeArrayCallBacks));
+        const auto list = class_info_with("");
+        const auto info = adopt(CFDictionaryCreateMutableCopy(
+            kCFAllocatorDefault, 0, static_cast<CFDictionaryRef>(list.get())));
+        CFDictionarySetValue(info.get(), make_string("Instrument").get(),
+                             dictionary_of("Layers", array.get()).get());
+        return sampler.set(info.get());
+    };
+    constexpr OSStatus memory_full = -108;
+    EXPECT_EQ(set_layers({max_zones - 1}), 0);
+    EXPECT_EQ(set_layers({max_zones}), memory_full);
+    EXPECT_EQ(set_layers({max_zones - 2, 0}), 0);
+    EXPECT_EQ(set_layers({max_zones - 2, 1}), memory_full);
 }
 
 std::string numbers(std::string_view version, std::string_view subtype,

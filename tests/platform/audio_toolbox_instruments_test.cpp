@@ -135,10 +135,12 @@ TEST_F(ExsInstruments, NeedPermissionToBeRead) {
 
 TEST_F(ExsInstruments, OfMoreLayersThanAStateCanNumberAreNotSupported) {
     ExsBuilder builder;
-    for (int i = 0; i <= 4096; ++i) {
+    for (int i = 0; i < 4096; ++i) {
         builder.group({}).zone({.group = i});
     }
-    EXPECT_EQ(load(builder.sample({})), kAudioUnitErr_FormatNotSupported);
+    builder.sample({});
+    EXPECT_EQ(load(builder), not_found); // its sample
+    EXPECT_EQ(load(builder.group({}).zone({.group = 4096})), kAudioUnitErr_FormatNotSupported);
 }
 
 TEST_F(ExsInstruments, OpenTheSamplesThatSoundInTheOrderOfTheirChunks) {

@@ -101,6 +101,12 @@ TEST(FindByMangledName, GivesTheOneLongerNameWithThatStartAndExtension) {
     EXPECT_EQ(index_of(long_key, {long_path}).find(mangled), long_path);
 }
 
+TEST(FindByMangledName, TakesFourDigitsOrMore) {
+    const SampleIndex index = index_of(long_key, {long_path});
+    EXPECT_EQ(index.find("/old/12_Legacy_Pulsar_SH101#3BA8.wav"), long_path);
+    EXPECT_EQ(index.find("/old/12_Legacy_Pulsar#0123456789.wav"), long_path);
+}
+
 TEST(FindByMangledName, ComparesStartAndExtensionByTheirKeys) {
     const SampleIndex index = index_of("\u00fcber_legacy_pulsar_sh101_filter.wav",
                                        {"/new/\u00dcBER_LEGACY_Pulsar_SH101_Filter.WAV"});

@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cstring>
 #include <span>
 
 namespace lumo::platform {
@@ -85,10 +84,7 @@ public:
         }
     }
     void put_bytes(const void* bytes, std::size_t size) {
-        if (size > 0) {
-            std::memcpy(at_, bytes, size);
-            at_ += size;
-        }
+        at_ = std::copy_n(static_cast<const std::uint8_t*>(bytes), size, at_);
     }
     void put_marker(Marker marker, std::size_t low_half) {
         *at_++ = static_cast<std::uint8_t>(static_cast<std::size_t>(marker) << 4 | low_half);

@@ -4,8 +4,11 @@
 #include "platform/binary_list_builder.h"
 #include "platform/property_list_text.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace lumo::test {
 namespace {
@@ -61,6 +64,43 @@ TEST(PropertyListBounds, AnyDepthIsWritten) {
     const std::string bytes = written(list.get());
     EXPECT_EQ(bytes.substr(8, 4), "\xA1" + big_endian(1, 3));
     EXPECT_EQ(bytes.size(), 8 + 99999 * 4 + 1 + 100000 * 3 + 32);
+}
+
+TEST(PropertyListBounds, NumbersOfObjectsAndOffsetsTakeOneToFourBytes) {
+    const auto widths = [](const std::string& bytes) {
+        return std::pair(bytes.at(bytes.size() - 26), bytes.at(bytes.size() - 25));
+    };
+    // The table follows one object: a marker, the length, and the bytes.
+    const auto offset_width = [&](std::size_t table) {
+        const std::size_t length_size = table < 0x10000 ? 4 : 6;
+        const std::string content(table - 8 - length_size, 'x');
+        const auto data =
+            adopt(CFDataCreate(kCFAllocatorDefault, reinterpret_cast<const UInt8*>(content.data()),
+                               static_cast<CFIndex>(content.size())));
+        const std::string bytes = written(data.get());
+        EXPECT_TRUE(read_list(bytes)) << table;
+        return int{widths(bytes).first};
+    };
+    EXPECT_EQ(offset_width(0xFFFF), 2);
+    EXPECT_EQ(offset_width(0x10006), 3);
+    EXPECT_EQ(offset_width(0xFFFFFF), 3);
+    EXPECT_EQ(offset_width(0x1000000), 4);
+    // An array of different numbers.
+    const auto ref_width = [&](std::size_t objects) {
+        std::vector<Ref<CFTypeRef>> numbers;
+        std::vector<const void*> items;
+        for (std::size_t i = 1; i < objects; ++i) {
+            const auto value = static_cast<std::int64_t>(i);
+            numbers.push_back(
+                adopt(CFNumberCreate(kCFAllocatorDefault, kCFNumberSInt64Type, &value)));
+            items.push_back(numbers.back().get());
+        }
+        return int{widths(written(array_of(items).get())).second};
+    };
+    EXPECT_EQ(ref_width(0xFF), 1);
+    EXPECT_EQ(ref_width(0x100), 2);
+    EXPECT_EQ(ref_width(0xFFFF), 2);
+    EXPECT_EQ(ref_width(0x10000), 3);
 }
 
 TEST(PropertyListBounds, SharingIsNotWrittenOut) {

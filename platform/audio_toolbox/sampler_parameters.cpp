@@ -54,10 +54,7 @@ std::optional<SamplerParameters> with_parameter_data(SamplerParameters parameter
         for (std::size_t at = 0; at < pairs.size() && scope == 0 && element == 0; at += pair_size) {
             set(parameters, word(pairs, at), std::bit_cast<float>(word(pairs, at + 4)));
         }
-        if (pairs.size() / pair_size < count) {
-            break;
-        }
-        data = data.subspan(pairs.size());
+        data = data.subspan(pairs.size()); // less than a pair if the record is truncated
     }
     return parameters;
 }

@@ -79,7 +79,7 @@ Converted<T> integer_from_real(double real) noexcept {
         return {std::numeric_limits<T>::max(), false};
     }
     if (real < -limit) {
-        return {std::numeric_limits<T>::min(), real == -limit};
+        return {std::numeric_limits<T>::min(), false};
     }
     const auto value = static_cast<T>(real);
     return {value, static_cast<double>(value) == real};

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 namespace lumo::platform {
@@ -57,11 +58,17 @@ TEST(ExsReader, NameCutWithinACharacterLosesThatAlone) {
                                               .zone({.name = long_name})
                                               .zone({.name = "caf" + e_acute})
                                               .zone({.name = "caf\xC3"})
+                                              .zone({.name = "\xC3\xA9\xF0"})
+                                              .zone({.name = "\xC3\xA9\xF0\x9F"})
+                                              .zone({.name = "\xC3\xA9\xF0\x9F\x98"})
                                               .bytes());
     ASSERT_TRUE(instrument);
     EXPECT_EQ(instrument->zones.at(0).name, long_name.substr(0, 63));
     EXPECT_EQ(instrument->zones.at(1).name, "caf\xC3\xA9");
     EXPECT_EQ(instrument->zones.at(2).name, "caf\xE2\x88\x9A"); // a square root sign
+    for (const std::size_t i : {3U, 4U, 5U}) {
+        EXPECT_EQ(instrument->zones.at(i).name, "\xC3\xA9") << i;
+    }
 }
 
 TEST(ExsReader, FolderOfAnOldSystemIsOneBelowVolumes) {

@@ -55,7 +55,7 @@ struct Frame {
 
     std::size_t length() const {
         const Rates& rates = (version == 3 ? mpeg1_rates : mpeg2_rates)[layer - 1];
-        const unsigned bits = rates[rate - 1] * 1000;
+        const std::size_t bits = std::size_t{rates[rate - 1]} * 1000;
         const unsigned samples = mpeg1_sampling[sampling] / (version == 3   ? 1
                                                              : version == 2 ? 2
                                                                             : 4);
@@ -113,7 +113,7 @@ TEST(AudioSignature, OfAStreamMayEndBeforeTheSecondHeader) {
 TEST(AudioSignature, OfAdtsHasASamplingIndexBelow13) {
     for (unsigned index = 0; index < 16; ++index) {
         std::string frame = test::adts_frames(1, 100);
-        frame[2] = static_cast<char>((frame[2] & ~0x3C) | index << 2);
+        frame[2] = static_cast<char>((static_cast<unsigned char>(frame[2]) & 0xC3U) | index << 2);
         EXPECT_EQ(head_of(frame), index < 13 ? AudioHead::audio : AudioHead::unknown) << index;
     }
 }

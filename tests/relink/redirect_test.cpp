@@ -281,6 +281,20 @@ TEST_F(Redirect, TakesNullForTheFailureOfAFunctionThatGivesAPointer) {
     EXPECT_EQ(result, &found);
 }
 
+TEST_F(Redirect, WhoseSessionEndsMeanwhileGivesTheFirstResult) {
+    const auto call_and_end = [&](const char* path) {
+        end();
+        return call(path, ENOENT);
+    };
+    EXPECT_EQ(redirect("/old/kick.wav", call_and_end), -1);
+    EXPECT_EQ(errno, ENOENT);
+    begin(index);
+    readable = {"/old/kick.wav"};
+    EXPECT_EQ(redirect("/old/kick.wav", call_and_end), 7);
+    EXPECT_EQ(calls.size(), 2u);
+    EXPECT_TRUE(asked_for_real_path.empty());
+}
+
 TEST_F(Redirect, WithoutASessionIsOneCall) {
     end();
     EXPECT_EQ(redirect("/old/kick.wav", [&](const char* p) { return call(p, ENOENT); }), -1);

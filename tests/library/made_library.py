@@ -6,6 +6,7 @@ usage: PYTHONPATH=tests/support tests/library/made_library.py FOLDER [INSTRUMENT
 Writes 2,000 instruments by default, in 60 folders of FOLDER/Instruments. 200 of their samples moved
 to FOLDER/Moved, others are missing, 3 instruments play samples of Apple's library, and every error
 that an input file can cause occurs (a missing permission only when it is not root who runs this).
+Samples are short, 1 to 3 KB; make() can also write samples as long as those of real instruments.
 """
 
 import os
@@ -24,6 +25,12 @@ PLACES = ("Chamber", "Hall", "Studio")
 STYLES = ("Legato", "Spiccato", "Tremolo", "Pizzicato", "Sustain", "Marcato", "Con Sordino",
           "Harmonics")
 SAMPLES = 4
+
+# Lengths of samples in frames of two bytes. The usual ones have the deciles of 46 samples of real
+# instruments: 1 to 660 KB, the median 52 KB, the mean 141 KB.
+SHORT_LENGTHS = tuple(range(500, 1497))
+USUAL_LENGTHS = tuple(500 * kilobytes
+                      for kilobytes in (1, 8, 21, 26, 33, 52, 59, 77, 130, 480, 660))
 
 
 def layer(number, name, areas, **more):
@@ -94,8 +101,9 @@ def failures(folder):
     return made + ([("Closed.exs", closed)] if os.geteuid() != 0 else [])
 
 
-def make(folder, instruments=INSTRUMENTS):
-    """Makes the library in `folder`; returns the number of instruments that fail."""
+def make(folder, instruments=INSTRUMENTS, lengths=SHORT_LENGTHS):
+    """Makes the library in `folder`, with samples of these lengths by turns; returns the number of
+    instruments that fail."""
     root = folder / "Instruments"
     bad = failures(folder / "Odd")
     names = [(f"{PLACES[i % 3]} {KINDS[i // 3 % len(KINDS)]}",
@@ -121,7 +129,8 @@ def make(folder, instruments=INSTRUMENTS):
             moved = i % (instruments * SAMPLES // MOVED) == 1
             place = folder / "Moved" / name if moved else root / name
             for note, sample in enumerate(samples):
-                write_wave(place / sample, 500 + (i * SAMPLES + note) % 997)
+                number = i * SAMPLES + note
+                write_wave(place / sample, lengths[number % len(lengths)], number)
             preset(path, [(recorded if moved else root / name) / sample for sample in samples],
                    layers_of(i))
     return failed

@@ -162,6 +162,7 @@ class AsAFile(PageTest):
                           zip(unresolved[::2], unresolved[1::2])}, set(gone))
 
     def test_has_an_instrument_a_line_with_all_its_values(self):
+        cause = "a sample wasn't found"
         areas = [(48, 59, 1, 127)] * 500 + [(36, 47, 64, 127), (36, 47, 1, 63), (36, 40, 1, 63)]
         (self.folder / "st").mkdir()
         (self.folder / "st/a.aupreset").write_bytes(state([
@@ -175,7 +176,7 @@ class AsAFile(PageTest):
                    stateFile="st/a.aupreset", loadMs=1.25, shape=shape,
                    relinked=[{"from": "/Old/one.wav", "to": "new/one.wav"},
                              {"from": "/Old/TWO.WAV", "to": "new/two.wav"}]),
-            failed("B", "a sample wasn't found: x.wav", source="lib/b.exs",
+            failed("B", f"{cause}: x.wav", source="lib/b.exs",
                    unresolved=["/Old/x.wav"], appleLibrary=["/Library/y.caf"]),
             report("C", source="lib/c.exs", shape=shape)]).read_text()
         data = re.search(r'id="data">(.*?)</script>', page, re.DOTALL).group(1)
@@ -183,14 +184,14 @@ class AsAFile(PageTest):
         self.assertRegex(made, r"^\d{4}-\d\d-\d\d \d\d:\d\d$")
         self.assertEqual(data.strip().replace(made, "MADE").split("\n"), [
             '{"package":"","made":"MADE","samples":5,"copied":6000,"seconds":null,"before":0,'
-            '"left":0,"unreadable":0,"causes":[["a sample wasn\'t found",'
+            f'"left":0,"unreadable":0,"causes":[["{cause}",'
             '"add the folder that has them with `--search`",1]],',
             '"missing":[["/Old",1]],',
             '"folders":["lib/","st/","/Old/","new/","","/Library/"],',
             '"instruments":[["A",0,"a.exs",-1,"",3,5000,4000,1,"a.aupreset",1.3,7,3,12.5,21,108,'
             '[["Low",0,503,0,[36,40,1,63,36,47,1,63,36,47,64,127,48,59,1,127]],'
             '["",2,1,0,[60,71,1,127]]],[2,"one.wav",3,0,2,"TWO.WAV",3,"two.wav"],[],[]],',
-            '["B",0,"b.exs",0,"a sample wasn\'t found: x.wav",0,2000,1000,4,"",0.1,0,1,0.0,127,0,'
+            f'["B",0,"b.exs",0,"{cause}: x.wav",0,2000,1000,4,"",0.1,0,1,0.0,127,0,'
             '[],[],[2,"x.wav"],[5,"y.caf"]],',
             '["C",0,"c.exs",-1,"",2,2000,1000,4,"",0.1,7,3,12.5,21,108,[["Far",3,3,1,null]],'
             '[],[],[]]]}'])

@@ -13,8 +13,8 @@ namespace {
 FakeTransfers* reads = nullptr;
 FakeTransfers* writes = nullptr;
 
-std::size_t limited(std::size_t size, FakeTransfers* fake) {
-    return fake != nullptr ? std::min(size, fake->next()) : size;
+std::size_t limited(std::size_t size, FakeTransfers* current) {
+    return current != nullptr ? std::min(size, current->next()) : size;
 }
 
 } // namespace

@@ -158,11 +158,11 @@ class Calls(LibraryTest):
             self.expect(done, 3)
             self.assertEqual(done.stderr.count(b"cannot be started: Argument list too long"), 1)
 
-    def test_have_no_input_and_no_other_descriptors(self):
-        here = self.use_fake_tool()
-        self.make("a.exs")
-        self.expect(self.run_library("--lines", "lines", "--page", "page.html", "lib"), 0)
-        self.assertEqual(json.loads((here / "descriptors.json").read_text()), [True, []])
+        def test_have_no_input_and_no_other_descriptors(self):
+            here = self.use_fake_tool()
+            self.make("a.exs")
+            self.expect(self.run_library("--lines", "lines", "--page", "page.html", "lib"), 0)
+            self.assertEqual(json.loads((here / "descriptors.json").read_text()), [True, []])
 
     def test_are_as_few_as_the_system_takes(self):
         self.use_fake_tool()

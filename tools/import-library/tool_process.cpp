@@ -145,11 +145,11 @@ void ToolProcess::read_output(const std::function<void(std::string_view line)>& 
 }
 
 void ToolProcess::terminate() const {
-    kill(process_.value(), SIGTERM);
+    kill(*process_, SIGTERM);
 }
 
 std::string ToolProcess::wait() {
-    const int status = wait_for(std::exchange(process_, std::nullopt).value());
+    const int status = wait_for(*std::exchange(process_, std::nullopt));
     if (WIFSIGNALED(status)) {
         const int signal = WTERMSIG(status);
         return "signal " + std::to_string(signal) + " (" + strsignal(signal) + ")";

@@ -95,11 +95,12 @@ class AsAFile(PageTest):
         self.assertEqual(page.read_text().count("<!--"), 0)
 
     def test_replaces_the_one_before_and_leaves_nothing_beside_it(self):
-        self.make_page([report("a")])
+        os.link(self.make_page([report("a")]), self.folder / "first.html")
         before = set(os.listdir(self.folder))
         self.make_page([report("b")])
         self.assertEqual(set(os.listdir(self.folder)), before)
         self.assertIn('"b"', (self.folder / "page.html").read_text())
+        self.assertIn('"a"', (self.folder / "first.html").read_text())  # not written over
 
     def test_that_cannot_be_written_is_reported_before_anything_is_imported(self):
         self.use_fake_tool()

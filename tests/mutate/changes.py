@@ -28,8 +28,10 @@ NO_STATEMENTS = re.compile(
 STATEMENT = re.compile(
     r"(break|continue|throw\b.*|(\+\+|--).*"
     r"|\**[\w:]+(<[^;=]*>)?\s*(\.|->|\(|\[|[-+*/|&^]?= |<<=|>>=|\+\+|--).*);$", re.DOTALL)
-# Statements that no test can miss: the room of a container, the end of an argument list.
-WITHOUT_EFFECT = re.compile(r"va_end\(|[\w.]+(\.|->)reserve\(")
+# Statements that no test can miss: the capacity of a container, the end of an argument list. In
+# COMMUTATIVE, functions of two arguments whose order does not matter.
+WITHOUT_EFFECT = re.compile(r"^ *([\w.\[\]]|->)*\b(va_end|reserve)\(", re.MULTILINE)
+COMMUTATIVE = {"min", "max"}
 DECLARATION = re.compile(r"^(const )?[\w:]+(<.*>)?( const)?( |[&*]+ ?|\.\.\. )[&*]*\w+( = .*)?$",
                          re.DOTALL)
 EMPTY = {"", "{}", "0", "false", "nullptr", "std::nullopt", '""'}
@@ -120,7 +122,7 @@ def statements(code, _):
             continue
         end = end_of_statement(code, match.end())
         text = code[match.end():end]
-        if end and STATEMENT.match(text) and not WITHOUT_EFFECT.match(text) and not re.search(
+        if end and STATEMENT.match(text) and not re.search(
                 r"(= default|= delete|\) const|\) override|noexcept);$", text):
             yield Change("removed statement", match.end(), end, ";" if before[-1] == ":" else "")
 
@@ -156,7 +158,8 @@ def arguments(code, source):
         if match[1] in NO_CALLS or not end:
             continue
         places = arguments_between(code, match.end(), end - 1)
-        if any(DECLARATION.match(code[start:stop]) for start, stop in places):
+        if any(DECLARATION.match(code[start:stop]) for start, stop in places) or (
+                match[1] in COMMUTATIVE and len(places) == 2):
             continue
         for (start, stop), (next_start, next_stop) in zip(places, places[1:]):
             one, other = source[start:stop], source[next_start:next_stop]
@@ -196,4 +199,8 @@ KINDS = (boundaries, negations, constants, statements, branches, arguments, retu
 def changes_of(source):
     """Every change of a source, in a fixed order."""
     code = code_of(source)
-    return [change for kind in KINDS for change in kind(code, source)]
+    without_effect = [range(match.start(), (end_of_group(code, match.end() - 1) or match.end()) + 1)
+                      for match in WITHOUT_EFFECT.finditer(code)]
+    return [change for kind in KINDS for change in kind(code, source)
+            if not any(change.start in statement and change.end - 1 in statement
+                       for statement in without_effect)]

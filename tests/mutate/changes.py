@@ -28,9 +28,10 @@ NO_STATEMENTS = re.compile(
 STATEMENT = re.compile(
     r"(break|continue|throw\b.*|(\+\+|--).*"
     r"|\**[\w:]+(<[^;=]*>)?\s*(\.|->|\(|\[|[-+*/|&^]?= |<<=|>>=|\+\+|--).*);$", re.DOTALL)
-# Statements that no test can miss: the capacity of a container, the end of an argument list. In
+# Statements that no test can miss: a container's capacity, a prefetch, an argument list's end. In
 # COMMUTATIVE, functions of two arguments whose order does not matter.
-WITHOUT_EFFECT = re.compile(r"^ *([\w.\[\]]|->)*\b(va_end|reserve)\(", re.MULTILINE)
+WITHOUT_EFFECT = re.compile(r"^ *([\w.\[\]]|->)*\b(va_end|reserve|__builtin_prefetch)\(",
+                            re.MULTILINE)
 COMMUTATIVE = {"min", "max"}
 DECLARATION = re.compile(r"^(const )?[\w:]+(<.*>)?( const)?( |[&*]+ ?|\.\.\. )[&*]*\w+( = .*)?$",
                          re.DOTALL)

@@ -63,6 +63,7 @@ class Changes(unittest.TestCase):
         source = """\
             void f() {
                 va_end(list);
+                __builtin_prefetch(&all[i + 1]);
                 all.names.reserve(16);
                 names->reserve(g(a, b) + 16);
                 all.names.clear();

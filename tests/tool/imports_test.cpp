@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 
 namespace {
@@ -15,11 +16,13 @@ using nlohmann::json;
 class Imports : public ToolTest {};
 
 /// The contents and modification times of all files in a folder.
-std::map<std::string, std::pair<std::string, fs::file_time_type>> contents(const fs::path& folder) {
-    std::map<std::string, std::pair<std::string, fs::file_time_type>> files;
+std::map<std::string, std::pair<std::string, std::int64_t>> contents(const fs::path& folder) {
+    std::map<std::string, std::pair<std::string, std::int64_t>> files;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder)) {
         if (entry.is_regular_file()) {
-            files[entry.path().string()] = {read_file(entry.path()), entry.last_write_time()};
+            const auto time = entry.last_write_time().time_since_epoch();
+            files[entry.path().string()] = {read_file(entry.path()),
+                                            static_cast<std::int64_t>(time.count())};
         }
     }
     return files;

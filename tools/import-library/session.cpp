@@ -37,7 +37,6 @@ constexpr int could_not_finish = 3;
 constexpr int ended_by_signal = 128; // plus the signal's number
 
 constexpr std::size_t max_names_listed = 10;
-constexpr std::size_t max_unread_lines = 1000; // 1 MB
 
 void say(const std::string& text) {
     fputs(text.c_str(), stdout);
@@ -118,12 +117,6 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
-
-    /// A report line, and the number of its instrument in to_do_.
-    struct Line {
-        std::string text;
-        std::size_t instrument;
-    };
 
     /// Opens the file for the lines, then reads the lines of an earlier run. In this order, because
     /// both may be the same file, which does not exist in the first run.
@@ -229,7 +222,6 @@ private:
         };
         listener.may_go_on = [&] {
             status_line_.show([&](std::size_t width, bool has_colours) {
-                read_lines();
                 return progress_text(progress(seconds()), width, has_colours);
             });
             return interrupted_by() == 0 && lines_fault_.empty();
@@ -237,7 +229,6 @@ private:
         const RunEnd end =
             run_tool(tool_command(tool, line_.package, line_.states, line_.search, line_.arguments),
                      to_do_, listener);
-        read_lines();
         status_line_.clear();
         notes_.seconds = seconds();
         return lines_fault_.empty() ? end : RunEnd::failed;
@@ -258,27 +249,15 @@ private:
         if (lines_.is_open() && lines_fault_.empty()) {
             lines_fault_ = lines_.append(line);
         }
-        unread_.push_back({std::string(line), instrument});
-        if (unread_.size() == max_unread_lines) {
-            read_lines();
+        std::optional<Report> report = parse_report(line);
+        if (!report) {
+            report = parse_report(
+                line_without_import(to_do_[instrument], "the tool gave no report line for it"));
         }
-    }
-
-    /// Reads the report lines that came since the last call. Many at once take less time than each
-    /// by itself, because the processor's caches then have the code and data of this program.
-    void read_lines() {
-        for (const Line& line : unread_) {
-            std::optional<Report> report = parse_report(line.text);
-            if (!report) {
-                report = parse_report(line_without_import(to_do_[line.instrument],
-                                                          "the tool gave no report line for it"));
-            }
-            tally_.add(*report);
-            if (!line_.page.empty()) {
-                page_.add(*report);
-            }
+        tally_.add(*report);
+        if (!line_.page.empty()) {
+            reports_.push_back(std::move(*report));
         }
-        unread_.clear();
     }
 
     /// Reports how the run ended and writes the summary and the page. False when the page could not
@@ -292,7 +271,11 @@ private:
             complain("the run could not be finished");
         }
         notes_.page = line_.page;
-        const bool is_written = finish_page(page_, tally_, {line_.package, now_text(), notes_});
+        Page page;
+        for (const Report& report : reports_) {
+            page.add(report);
+        }
+        const bool is_written = finish_page(page, tally_, {line_.package, now_text(), notes_});
         notes_.page = is_written ? line_.page : "";
         say('\n' + summary_text(tally_, notes_));
         return is_written;
@@ -312,9 +295,10 @@ private:
     std::set<std::string> imported_before_;
     Instruments found_;
     std::vector<std::string> to_do_;
-    std::vector<Line> unread_;
     Tally tally_;
-    Page page_;
+    /// For the page, which reads their states at the end: while it reads, lines would wait in the
+    /// pipe from the tool, where they are lost when this program is killed.
+    std::vector<Report> reports_;
     SummaryNotes notes_;
 };
 

@@ -87,7 +87,7 @@ TEST(Find, LeavesOutComponentsThatSayNothing) {
 }
 
 TEST(Find, SharesTheFirstFolderOfARelativePath) {
-    const SampleIndex index = index_of("k.wav", {"a/k.wav", "Kits/k.wav", "z/Kits/k.wav"});
+    const SampleIndex index = index_of("k.wav", {"A/k.wav", "Kits/k.wav", "z/Kits/k.wav"});
     EXPECT_EQ(index.find("/old/Kits/k.wav"), "Kits/k.wav");
     EXPECT_EQ(index.find("/old/z/Kits/k.wav"), "z/Kits/k.wav");
     EXPECT_EQ(index.find("Kits/k.wav"), "Kits/k.wav");

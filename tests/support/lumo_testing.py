@@ -18,8 +18,8 @@ PROJECT = Path(__file__).resolve().parents[2]
 GLASS = PROJECT / "examples/glass"
 HANG_SECONDS = 600  # far longer than any run takes on a busy machine
 
-# A shell starts a background job with SIGINT ignored, nohup a command with SIGHUP ignored. A program
-# that a test sends one must not inherit that.
+# A shell starts a background job with SIGINT ignored, and nohup its command with SIGHUP ignored. A
+# program that a test sends one of them must not inherit that.
 signal.signal(signal.SIGINT, signal.default_int_handler)
 signal.signal(signal.SIGHUP, signal.SIG_DFL)
 

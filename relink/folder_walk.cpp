@@ -138,7 +138,7 @@ private:
     }
 
     void take(const std::string& path, int folder, const char* name, unsigned char type) {
-        switch (type) {
+        switch (type) { // pipes, sockets and devices are left out
         case DT_REG:
             take_file(path, name);
             break;
@@ -150,9 +150,6 @@ private:
             break;
         case DT_UNKNOWN:
             take_unknown(path, folder, name);
-            break;
-        default:
-            break; // a pipe, a socket or a device
         }
     }
 

@@ -89,6 +89,10 @@ TEST(KeyAreas, KnowWhichLayersDoNotSoundOnEveryNote) {
     EXPECT_FALSE(layers[2].layer.on_release || layers[2].layer.controller_chosen);
 }
 
+TEST(KeyAreas, CoverEverythingByDefault) {
+    EXPECT_EQ(KeyArea(), (KeyArea{0, 127, 1, 127}));
+}
+
 TEST(KeyAreas, AreNoneWithoutAnInstrument) {
     EXPECT_TRUE(key_areas(dictionary({}).get()).empty());
 }

@@ -8,10 +8,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <thread>
 
 namespace {
@@ -79,6 +81,28 @@ TEST(PresetFile, MayBeAPipe) {
     std::thread writer([&] { std::ofstream(pipe, std::ios::binary) << bytes; });
     EXPECT_EQ(read(pipe), bytes);
     writer.join();
+}
+
+TEST(PresetFile, MayBeAPipeOfAGigabyteAndNoMore) {
+    constexpr std::size_t gigabyte = std::size_t{1} << 30;
+    const TempFolder folder;
+    const std::filesystem::path pipe = folder / "preset";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const auto size_of_read = [&](std::size_t written) {
+        std::thread writer([&] {
+            std::ofstream file(pipe, std::ios::binary);
+            const std::string piece(1 << 20, 'x');
+            for (std::size_t left = written; left != 0; left -= std::min(left, piece.size())) {
+                file.write(piece.data(),
+                           static_cast<std::streamsize>(std::min(left, piece.size())));
+            }
+        });
+        const std::size_t size = lumo::exs::read_preset(pipe).size();
+        writer.join();
+        return size;
+    };
+    EXPECT_EQ(size_of_read(gigabyte), gigabyte);
+    EXPECT_EQ(size_of_read(gigabyte + 1), 0U);
 }
 
 TEST(PresetFile, IsNotLeftOpen) {

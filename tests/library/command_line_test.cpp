@@ -114,7 +114,9 @@ TEST(CommandLine, AnswersHelpAndVersion) {
     const Answer help = std::get<Answer>(parse({"--help"}));
     EXPECT_EQ(help.status, 0);
     for (const char* word :
-         {"usage: lumo-import-library", "--package", "--shard", "Exit status:"}) {
+         {"usage: lumo-import-library", "\n  --package SHOW.lumo ", "\n  --states FOLDER ",
+          "\n  --search FOLDER ", "\n  --page FILE.html ", "\n  --lines FILE ",
+          "\n  --continue FILE ", "\n  --shard K/N ", "\n  --from FILE ", "Exit status:"}) {
         EXPECT_NE(help.text.find(word), std::string::npos) << word;
     }
     const Answer version = std::get<Answer>(parse({"--version"}));

@@ -42,7 +42,7 @@ FileStatus status_of(int file) {
 
 /// Waits until the file has bytes or is at its end; false after `timeout_ms`, or on a failure.
 bool wait_for(int file, int timeout_ms) {
-    pollfd ready = {file, POLLIN, 0};
+    pollfd ready = {file, POLLIN, {}};
     return uninterrupted([&] { return poll(&ready, 1, timeout_ms); }) > 0;
 }
 

@@ -127,6 +127,12 @@ TEST(Shape, CountsAsManyLayersAsThereAre) {
         const Shape shape = shape_of(layers);
         EXPECT_EQ(shape.max_stack, count + 1);
         EXPECT_DOUBLE_EQ(shape.stacked_percent, 2 * 100.0 / 3);
+        for (const int key : {0, 127}) {
+            for (const int velocity : {1, 127}) {
+                layers.assign(layers.size(), layer({zone(key, key, velocity, velocity)}));
+                EXPECT_EQ(shape_of(layers).max_stack, count + 1) << key << ' ' << velocity;
+            }
+        }
     }
 }
 

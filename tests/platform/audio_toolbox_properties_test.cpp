@@ -35,6 +35,8 @@ protected:
 TEST_F(AudioUnitProperties, SettingToNothingIsRefused) {
     EXPECT_EQ(AudioUnitSetProperty(unit, class_info, global, 0, nullptr, 0),
               kAudioUnitErr_InvalidPropertyValue);
+    EXPECT_EQ(AudioUnitSetProperty(unit, 9999, global, 0, nullptr, 0),
+              kAudioUnitErr_InvalidPropertyValue);
 }
 
 TEST_F(AudioUnitProperties, SettingWithoutDataOrWithoutSizeIsAParameterError) {

@@ -39,6 +39,14 @@ TEST_F(AudioUnitProperties, SettingToNothingIsRefused) {
               kAudioUnitErr_InvalidPropertyValue);
 }
 
+TEST_F(AudioUnitProperties, SettingAnUnknownOneIsRefusedWhateverItsSize) {
+    for (UInt32 size = 1; size <= sizeof(AUSamplerInstrumentData); ++size) {
+        EXPECT_EQ(AudioUnitSetProperty(unit, 9999, global, 0, buffer.data(), size),
+                  kAudioUnitErr_InvalidProperty)
+            << size;
+    }
+}
+
 TEST_F(AudioUnitProperties, SettingWithoutDataOrWithoutSizeIsAParameterError) {
     EXPECT_EQ(AudioUnitSetProperty(unit, class_info, global, 0, nullptr, 8), parameter_error);
     EXPECT_EQ(AudioUnitSetProperty(unit, class_info, global, 0, &list, 0), parameter_error);

@@ -1,5 +1,6 @@
 // The metadata that copyfile copies besides the data.
 #include "in_child.h"
+#include "support/descriptors.h"
 #include "support/temp_folder.h"
 
 #include <copyfile.h>
@@ -222,6 +223,18 @@ TEST_F(CopyFileMetadata, ReportsAModeOrTimesThatWereLost) {
         EXPECT_EQ(in_child([&] { return refuse({{call, EIO}}) ? copy() : 255; }), EIO) << call;
         EXPECT_FALSE(fs::exists(to));
     }
+}
+
+TEST_F(CopyFileMetadata, ReportsACopyWhoseModeCannotBeRead) {
+    const auto copy_fd = static_cast<unsigned>(next_descriptor() + 1); // after the source's
+    EXPECT_EQ(in_child([&] {
+                  return refuse({{SYS_fstat, EIO, 0, ~0U, copy_fd},
+                                 {SYS_newfstatat, EIO, 0, ~0U, copy_fd}})
+                             ? copy()
+                             : 255;
+              }),
+              EIO);
+    EXPECT_FALSE(fs::exists(to));
 }
 
 } // namespace

@@ -394,8 +394,10 @@ class Endings(LibraryTest):
         def test_without_pipes_or_processes_give_3(self):
             self.use_fake_tool()
             self.make("a.exs")
-            for call, reason in (("pipe,pipe2:error=EMFILE", errno.EMFILE),
-                                 ("clone,clone3,fork,vfork:error=EAGAIN", errno.EAGAIN)):
+            failing = [("clone,clone3,fork,vfork:error=EAGAIN", errno.EAGAIN)]
+            if not SANITIZED:  # the sanitizer itself uses pipes
+                failing.append(("pipe,pipe2:error=EMFILE", errno.EMFILE))
+            for call, reason in failing:
                 with self.subTest(call):
                     done = self.inject([call], "lib")
                     self.expect(done, 3)

@@ -19,11 +19,11 @@ public:
 
     template <class... Arguments>
     auto operator()(Arguments... arguments) {
-        using Result = std::invoke_result_t<Function*, Arguments...>;
+        using Returned = std::invoke_result_t<Function*, Arguments...>;
         Function* function = function_.load(std::memory_order_relaxed);
         if (!function && !(function = find())) {
             errno = ENOSYS;
-            return failure<Result>();
+            return failure<Returned>();
         }
         return function(arguments...);
     }

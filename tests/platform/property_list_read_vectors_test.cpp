@@ -36,8 +36,6 @@ std::ostream& operator<<(std::ostream& out, const Case& records) {
 
 class PropertyListVectors : public testing::TestWithParam<Case> {};
 
-} // namespace
-
 TEST_P(PropertyListVectors, AreReadLikeTheRecordedResults) {
     const std::string file = GetParam().name;
     ConformanceTable table;
@@ -55,4 +53,5 @@ INSTANTIATE_TEST_SUITE_P(Reading, PropertyListVectors,
                                          Case{"tiny", 10}),
                          [](const auto& records) { return std::string{records.param.name}; });
 
+} // namespace
 } // namespace lumo::test

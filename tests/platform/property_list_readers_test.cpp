@@ -142,8 +142,6 @@ std::vector<Case> cases() {
             {"text_of_65600", text_of(65600)}};
 }
 
-} // namespace
-
 TEST_P(PropertyListReaders, PlistlibReadsTheSame) {
     const TempFolder folder;
     write_file(folder / "list.bplist", bytes_);
@@ -167,4 +165,5 @@ TEST_P(PropertyListReaders, LibplistWritesNoFewerBytesButForRealsThatItNarrows) 
 INSTANTIATE_TEST_SUITE_P(Lists, PropertyListReaders, testing::ValuesIn(cases()),
                          [](const auto& list) { return std::string{list.param.name}; });
 
+} // namespace
 } // namespace lumo::test

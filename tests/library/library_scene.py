@@ -64,7 +64,7 @@ for instrument in instruments:
         os._exit(0)
     elif act == "close stderr":
         os.close(2)
-        time.sleep(0.3)  # the program hears of it before it hears of the next line
+        time.sleep(0.3)  # so that the pipe ends before the next line comes
     elif act == "torn":
         os.write(1, b'{"name":"to')
         sys.exit(0)

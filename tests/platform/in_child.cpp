@@ -20,7 +20,7 @@
 namespace lumo::test {
 namespace {
 
-constexpr std::uint32_t nobody = 65534;
+constexpr std::uint32_t unprivileged_id = 65534;
 
 sock_filter statement(int code, std::uint32_t operand) {
     return {static_cast<std::uint16_t>(code), 0, 0, operand};
@@ -63,8 +63,8 @@ bool refuse(const std::vector<RefusedCall>& calls) {
 }
 
 bool become_nobody() {
-    return geteuid() == 0 && setgroups(0, nullptr) == 0 && setgid(nobody) == 0 &&
-           setuid(nobody) == 0;
+    return geteuid() == 0 && setgroups(0, nullptr) == 0 && setgid(unprivileged_id) == 0 &&
+           setuid(unprivileged_id) == 0;
 }
 
 bool mount_small_volume(const char* folder, int bytes) {

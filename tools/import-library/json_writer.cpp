@@ -45,13 +45,11 @@ void JsonWriter::text(std::string_view bytes) {
     json_ += '"';
     const std::string visible = shown(bytes);
     std::size_t written = 0;
-    std::size_t at = 0;
-    for (const char character : visible) {
-        if (const std::string_view escape = escape_of(character); !escape.empty()) {
-            json_.append(visible, written, at - written).append(escape);
-            written = at + 1;
+    for (std::size_t i = 0; i != visible.size(); ++i) {
+        if (const std::string_view escape = escape_of(visible[i]); !escape.empty()) {
+            json_.append(visible, written, i - written).append(escape);
+            written = i + 1;
         }
-        ++at;
     }
     json_.append(visible, written).append("\"");
 }
